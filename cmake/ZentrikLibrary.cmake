@@ -1,0 +1,60 @@
+# One library per folder under src/, linked strictly downward. The rank of a folder is
+# its position in this list; a library may link only libraries of a lower rank, and
+# folders that share a rank (the rows of the architecture picture) never link each other.
+set(ZENTRIK_LAYERS "net" "settings" "model" "privacy|render" "tools|voice" "app|cli")
+
+function(_zentrik_rank folder out)
+  set(rank 0)
+  foreach(row IN LISTS ZENTRIK_LAYERS)
+    if(folder MATCHES "^(${row})$")
+      set(${out} ${rank} PARENT_SCOPE)
+      return()
+    endif()
+    math(EXPR rank "${rank} + 1")
+  endforeach()
+  message(FATAL_ERROR "src/${folder} has no place in ZENTRIK_LAYERS")
+endfunction()
+
+# zentrik_library(<folder> [DEPENDS <folder>...] [QT <component>...] [LIBS <target>...])
+# Builds every .cpp/.h of the current folder into the static library zentrik_<folder>.
+function(zentrik_library folder)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;QT;LIBS" ${ARGN})
+  _zentrik_rank(${folder} own_rank)
+  file(GLOB sources CONFIGURE_DEPENDS
+       ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h ${CMAKE_CURRENT_SOURCE_DIR}/*.qrc)
+  add_library(zentrik_${folder} STATIC ${sources})
+  target_include_directories(zentrik_${folder} PUBLIC
+    ${PROJECT_SOURCE_DIR}/src ${PROJECT_BINARY_DIR}/generated)
+  foreach(dep IN LISTS ARG_DEPENDS)
+    _zentrik_rank(${dep} dep_rank)
+    if(NOT dep_rank LESS own_rank)
+      message(FATAL_ERROR "zentrik_${folder} may not link zentrik_${dep}: links go downward only")
+    endif()
+    target_link_libraries(zentrik_${folder} PUBLIC zentrik_${dep})
+  endforeach()
+  foreach(component IN LISTS ARG_QT)
+    target_link_libraries(zentrik_${folder} PUBLIC Qt6::${component})
+  endforeach()
+  target_link_libraries(zentrik_${folder} PUBLIC Qt6::Core ${ARG_LIBS})
+endfunction()
+
+# zentrik_test(<folder> LIBS <target>... [GUI])
+# One QtTest executable per library: every tst_*.cpp of the folder, run by one main that
+# executes each registered test class in turn.
+function(zentrik_test folder)
+  cmake_parse_arguments(ARG "GUI" "TIMEOUT" "LIBS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+  add_executable(tst_${folder} ${sources} ${PROJECT_SOURCE_DIR}/tests/support/main/testmain.cpp)
+  target_link_libraries(tst_${folder} PRIVATE zentrik_testsupport Qt6::Test ${ARG_LIBS})
+  target_compile_definitions(tst_${folder} PRIVATE DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
+  if(ARG_GUI)
+    target_compile_definitions(tst_${folder} PRIVATE ZENTRIK_TEST_GUI=1)
+    target_link_libraries(tst_${folder} PRIVATE Qt6::Gui)
+  endif()
+  add_test(NAME ${folder} COMMAND tst_${folder})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
+  set_tests_properties(${folder} PROPERTIES TIMEOUT ${ARG_TIMEOUT}
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;ZENTRIK_TESTING=1")
+endfunction()

@@ -1,0 +1,107 @@
+#include "verb.h"
+
+#include <QFile>
+#include <QTextStream>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace zentrik::cli {
+
+namespace {
+std::vector<Verb> &registry()
+{
+    static std::vector<Verb> entries;
+    return entries;
+}
+} // namespace
+
+bool registerVerb(Verb verb)
+{
+    auto &entries = registry();
+    auto at = std::lower_bound(entries.begin(), entries.end(), verb.name,
+                               [](const Verb &v, const QString &name) { return v.name < name; });
+    entries.insert(at, std::move(verb));
+    return true;
+}
+
+const std::vector<Verb> &verbs()
+{
+    return registry();
+}
+
+void printOut(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    std::fflush(stdout);
+}
+
+void printErr(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stderr);
+    std::fflush(stderr);
+}
+
+int fail(const QString &message)
+{
+    printErr(QStringLiteral("zentrik-cli: %1\n").arg(message));
+    return exitFailure;
+}
+
+int usageError(const QString &verb, const QString &message)
+{
+    const QString help = verb.isEmpty() ? QStringLiteral("zentrik-cli --help")
+                                        : QStringLiteral("zentrik-cli %1 --help").arg(verb);
+    printErr(QStringLiteral("zentrik-cli: %1 (see %2)\n").arg(message, help));
+    return exitUsage;
+}
+
+std::optional<int> parseArguments(QCommandLineParser &parser, const QString &verb,
+                                  const QStringList &arguments)
+{
+    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
+                                        QStringLiteral("Show this help."));
+    parser.addOption(helpOption);
+    QStringList withProgram = arguments;
+    withProgram.prepend(QStringLiteral("zentrik-cli %1").arg(verb));
+    if (!parser.parse(withProgram)) {
+        return usageError(verb, parser.errorText());
+    }
+    if (parser.isSet(helpOption)) {
+        // helpText() names the binary's path; name the verb instead.
+        QString help = parser.helpText();
+        const qsizetype lineEnd = help.indexOf(QLatin1Char('\n'));
+        const QString firstLine = help.left(lineEnd);
+        const qsizetype optionsAt = firstLine.indexOf(QStringLiteral(" [options]"));
+        if (firstLine.startsWith(QStringLiteral("Usage: ")) && optionsAt > 0) {
+            help.replace(0, optionsAt, QStringLiteral("Usage: zentrik-cli %1").arg(verb));
+        }
+        printOut(help);
+        return exitSuccess;
+    }
+    return std::nullopt;
+}
+
+QString textArgument(const QStringList &positional, int index)
+{
+    if (index < positional.size() && positional.at(index) != QStringLiteral("-")) {
+        return positional.at(index);
+    }
+    QFile in;
+    if (!in.open(stdin, QIODevice::ReadOnly)) {
+        return {};
+    }
+    return QString::fromUtf8(in.readAll());
+}
+
+bool isInteractive()
+{
+    return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDERR_FILENO) != 0;
+}
+
+} // namespace zentrik::cli

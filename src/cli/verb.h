@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+namespace zentrik::cli {
+
+// Exit codes shared by every verb.
+inline constexpr int exitSuccess = 0;
+inline constexpr int exitFailure = 1;
+inline constexpr int exitUsage = 2;
+
+struct Verb {
+    QString name;
+    QString summary;
+    // Receives the arguments after the verb's name; returns the process exit code.
+    std::function<int(const QStringList &arguments)> run;
+};
+
+// Called from a static initialiser in each verb_*.cpp.
+bool registerVerb(Verb verb);
+[[nodiscard]] const std::vector<Verb> &verbs();
+
+// Results go to stdout, diagnostics to stderr; both are UTF-8.
+void printOut(const QString &text);
+void printErr(const QString &text);
+
+// Prints the one-line message on stderr and returns exitFailure.
+int fail(const QString &message);
+// Prints the message and a pointer to --help on stderr and returns exitUsage.
+int usageError(const QString &verb, const QString &message);
+
+// Parses the verb's arguments. Handles --help itself (prints it and yields exitSuccess)
+// and unknown options (yields exitUsage); returns std::nullopt when the verb may go on.
+std::optional<int> parseArguments(QCommandLineParser &parser, const QString &verb,
+                                  const QStringList &arguments);
+
+// The text argument of a verb: the given text, or stdin when it is "-" or absent.
+[[nodiscard]] QString textArgument(const QStringList &positional, int index = 0);
+
+// True when stdin and stderr are a terminal (the CLI may ask the user).
+[[nodiscard]] bool isInteractive();
+
+} // namespace zentrik::cli
+
+#define ZENTRIK_CLI_VERB(ident, ...)                                                          \
+    namespace {                                                                               \
+    [[maybe_unused]] const bool verbRegistered_##ident =                                      \
+        zentrik::cli::registerVerb(zentrik::cli::Verb{__VA_ARGS__});                          \
+    }
