@@ -1,4 +1,4 @@
-#include "testregistry.h"
+#include "support/testregistry.h"
 
 #ifdef ZENTRIK_TEST_GUI
 #include <QGuiApplication>

@@ -1,0 +1,61 @@
+#include "model/apierror.h"
+
+#include <QCoreApplication>
+
+namespace zentrik {
+
+QString APIError::message() const
+{
+    switch (m_kind) {
+    case jsonParsingFailed:
+        return QCoreApplication::translate("APIError", "Failed to parse the server response: ") + m_description;
+    case generalNetworkError:
+        return QCoreApplication::translate("APIError", "A network error occurred: ") + m_description;
+    case missingAPIKey:
+        return QCoreApplication::translate("APIError", "API key is missing. Please add it in Settings.");
+    case unsupportedModel:
+        return QCoreApplication::translate("APIError",
+                                           "Unsupported model selected. Please choose a valid model in Settings.");
+    case noData:
+        return QCoreApplication::translate("APIError", "No data received from the server.");
+    case invalidResponse:
+        return QCoreApplication::translate("APIError", "Invalid response received from the server.");
+    case invalidRequestData:
+        return QCoreApplication::translate("APIError", "Failed to prepare the request data.");
+    case noInternetConnection:
+        return QCoreApplication::translate("APIError", "No internet connection. Please check your network settings.");
+    case dnsResolutionFailed:
+        return QCoreApplication::translate(
+            "APIError", "Unable to find the server. Please check your internet connection or try again later.");
+    case requestTimedOut:
+        return QCoreApplication::translate("APIError", "The request timed out. Please try again.");
+    case connectionLost:
+        return QCoreApplication::translate(
+            "APIError", "The network connection was lost. Please check your internet connection and try again.");
+    }
+    return {};
+}
+
+APIError APIError::fromTransportCode(int code, const QString &transportDescription)
+{
+    switch (code) {
+    case -1009:
+        return noInternetConnection;
+    case -1006:
+    case -1003:
+        return dnsResolutionFailed;
+    case -1005:
+        return connectionLost;
+    case -1001:
+        return requestTimedOut;
+    default:
+        return {generalNetworkError, transportDescription};
+    }
+}
+
+QString connectionTip()
+{
+    return QCoreApplication::translate("APIError", "\n\nTip: Check your internet connection or try restarting the app.");
+}
+
+} // namespace zentrik
