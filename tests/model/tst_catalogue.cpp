@@ -1,0 +1,169 @@
+#include "model/apierror.h"
+#include "model/modelcatalog.h"
+#include "model/providerrouting.h"
+#include "support/testregistry.h"
+
+#include <QtTest>
+
+using namespace zentrik;
+
+// Catalogue invariants, routing and the pre-flight check: the pure parts of model access.
+class CatalogueTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textCatalogueKeepsItsOrderAndOddTexts()
+    {
+        const auto &models = ModelCatalog::textModels();
+        QCOMPARE(models.size(), 12);
+        QCOMPARE(models.first().id, QStringLiteral("gpt-3.5-turbo-1106"));
+        QCOMPARE(models.last().id, QStringLiteral("mistralai/mistral-7b-instruct:free"));
+        // Two descriptions look like slips but are the catalogue's texts.
+        QCOMPARE(models.at(3).usage, models.at(2).usage);
+        QCOMPARE(models.at(4).usage, QStringLiteral("Fastest and most compact Claude 3 model"));
+        QCOMPARE(models.at(0).icon, QString::fromUcs4(U"\U0001F7E2", 1));
+        QCOMPARE(models.at(3).icon, QStringLiteral("AI"));
+        QSet<QString> ids;
+        for (const AIModel &model : models) {
+            QVERIFY2(routeTextModel(model.id).has_value(), qPrintable(model.id));
+            QVERIFY(!model.name.isEmpty() && !model.usage.isEmpty());
+            ids.insert(model.id);
+            if (model.id.endsWith(QStringLiteral(":free"))) {
+                QCOMPARE(model.icon, QString::fromUcs4(U"\U0001F193", 1));
+                QVERIFY(isCatalogueFreeTextModel(model.id));
+            }
+        }
+        QCOMPARE(ids.size(), 12);
+    }
+
+    void imageCatalogueKeepsItsOrderAndSigma()
+    {
+        const auto &models = ModelCatalog::imageModels();
+        QCOMPARE(models.size(), 9);
+        QCOMPARE(models.first().id, QStringLiteral("DALL-E"));
+        QCOMPARE(models.at(7).name.toUtf8(), QByteArray("PixArt-\xCE\xA3"));
+        QCOMPARE(models.last().features,
+                 (QStringList{QStringLiteral("text-to-image"), QStringLiteral("inference"), QStringLiteral("free")}));
+        for (const ImageModel &model : models) {
+            QCOMPARE(model.features.first(), QStringLiteral("text-to-image"));
+        }
+    }
+
+    void routesTextModels_data()
+    {
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<int>("provider"); // -1: no provider
+        QTest::newRow("openai") << QStringLiteral("gpt-4o-mini") << int(TextProvider::openAI);
+        QTest::newRow("anthropic") << QStringLiteral("claude-3-haiku-20240307") << int(TextProvider::anthropic);
+        QTest::newRow("catalogue free") << QStringLiteral("mistralai/mistral-7b-instruct:free") << int(TextProvider::openRouter);
+        QTest::newRow("unknown free") << QStringLiteral("someone/new-model:free") << int(TextProvider::openRouter);
+        QTest::newRow("bare suffix") << QStringLiteral(":free") << int(TextProvider::openRouter);
+        QTest::newRow("gpt-4o not in catalogue") << QStringLiteral("gpt-4o") << -1;
+        QTest::newRow("case differs") << QStringLiteral("GPT-4o-mini") << -1;
+        QTest::newRow("suffix not at end") << QStringLiteral("x:free ") << -1;
+        QTest::newRow("empty") << QString() << -1;
+    }
+
+    void routesTextModels()
+    {
+        QFETCH(QString, id);
+        QFETCH(int, provider);
+        const auto routed = routeTextModel(id);
+        QCOMPARE(routed.has_value() ? int(*routed) : -1, provider);
+    }
+
+    void routesImageModels_data()
+    {
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<int>("provider");
+        QTest::newRow("dall-e") << QStringLiteral("DALL-E") << int(ImageProvider::openAI);
+        QTest::newRow("together") << QStringLiteral("black-forest-labs/FLUX.1-schnell-Free") << int(ImageProvider::together);
+        QTest::newRow("fal") << QStringLiteral("fal-ai/flux-pro") << int(ImageProvider::fal);
+        QTest::newRow("anything else is fal") << QStringLiteral("fal-ai/new-thing") << int(ImageProvider::fal);
+    }
+
+    void routesImageModels()
+    {
+        QFETCH(QString, id);
+        QFETCH(int, provider);
+        QCOMPARE(int(routeImageModel(id)), provider);
+    }
+
+    // The checks run in a fixed order; the first that fails gives the message.
+    void preflightMessagesInOrder_data()
+    {
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QString>("openAIKey");
+        QTest::addColumn<QString>("claudeKey");
+        QTest::addColumn<QString>("message");
+        const QString none;
+        QTest::newRow("empty selection") << QString() << none << none << QStringLiteral("Please select a text model in Settings.");
+        QTest::newRow("not in catalogue, even if free")
+            << QStringLiteral("other/model:free") << none << none
+            << QStringLiteral("Invalid model selected. Please choose a valid model in Settings.");
+        QTest::newRow("openai without key") << QStringLiteral("gpt-4-turbo") << none << QStringLiteral("c")
+                                            << QStringLiteral("OpenAI API key is missing. Please add it in Settings.");
+        QTest::newRow("openai with key") << QStringLiteral("gpt-4-turbo") << QStringLiteral("k") << none << none;
+        QTest::newRow("claude without key") << QStringLiteral("claude-instant") << QStringLiteral("k") << none
+                                            << QStringLiteral("Claude API key is missing. Please add it in Settings.");
+        QTest::newRow("claude with key") << QStringLiteral("claude-instant") << none << QStringLiteral("c") << none;
+        QTest::newRow("free needs no key") << QStringLiteral("google/gemma-2-9b-it:free") << none << none << none;
+    }
+
+    void preflightMessagesInOrder()
+    {
+        QFETCH(QString, model);
+        QFETCH(QString, openAIKey);
+        QFETCH(QString, claudeKey);
+        QFETCH(QString, message);
+        QCOMPARE(preflightMessage(model, openAIKey, claudeKey).value_or(QString()), message);
+    }
+
+    void errorMessages_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("message");
+        const QString dns = QStringLiteral("Unable to find the server. Please check your internet connection or try again later.");
+        QTest::newRow("-1009") << -1009 << QStringLiteral("No internet connection. Please check your network settings.");
+        QTest::newRow("-1006") << -1006 << dns;
+        QTest::newRow("-1003") << -1003 << dns;
+        QTest::newRow("-1005") << -1005 << QStringLiteral("The network connection was lost. Please check your internet connection and try again.");
+        QTest::newRow("-1001") << -1001 << QStringLiteral("The request timed out. Please try again.");
+        QTest::newRow("-1004 falls through") << -1004 << QStringLiteral("A network error occurred: transport text");
+        QTest::newRow("-1002 falls through") << -1002 << QStringLiteral("A network error occurred: transport text");
+        QTest::newRow("-1007 falls through") << -1007 << QStringLiteral("A network error occurred: transport text");
+    }
+
+    void errorMessages()
+    {
+        QFETCH(int, code);
+        QFETCH(QString, message);
+        QCOMPARE(APIError::fromTransportCode(code, QStringLiteral("transport text")).message(), message);
+    }
+
+    void detailIsAppendedVerbatim()
+    {
+        QCOMPARE(APIError(APIError::generalNetworkError).message(), QStringLiteral("A network error occurred: "));
+        QCOMPARE(APIError(APIError::jsonParsingFailed, QStringLiteral("x")).message(),
+                 QStringLiteral("Failed to parse the server response: x"));
+        QCOMPARE(APIError(APIError::requestTimedOut).message() + connectionTip(),
+                 QStringLiteral("The request timed out. Please try again.\n\nTip: Check your internet connection or try restarting the app."));
+    }
+
+    void providerAddressesFollowEnvironment()
+    {
+        qputenv("ZENTRIK_ANTHROPIC_BASE_URL", "http://127.0.0.1:8080");
+        QCOMPARE(providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")),
+                 QUrl(QStringLiteral("http://127.0.0.1:8080/v1/messages")));
+        qputenv("ZENTRIK_ANTHROPIC_BASE_URL", "not a url");
+        QVERIFY(!providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")).isValid());
+        qunsetenv("ZENTRIK_ANTHROPIC_BASE_URL");
+        QCOMPARE(providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")).host(),
+                 QStringLiteral("api.anthropic.com"));
+        QCOMPARE(providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")).scheme(), QStringLiteral("https"));
+    }
+};
+ZENTRIK_TEST(CatalogueTest)
+
+#include "tst_catalogue.moc"
