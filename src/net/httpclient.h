@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <unordered_map>
+
+#include "net/httprequest.h"
+#include "net/httpresponse.h"
+#include "net/linesplitter.h"
+
+class QNetworkAccessManager;
+class QNetworkReply;
+
+namespace zentrik {
+
+// The program's one way onto the network: every request of every provider goes through
+// one HttpClient and its single QNetworkAccessManager, on the thread that owns it. Each
+// handler runs on that thread, at most once per call, and never after the call was
+// cancelled or its context object destroyed.
+//
+// TLS peers are always verified, redirects are followed by hand so that credentials never
+// travel to another host, and the system proxy settings (including http_proxy and friends)
+// apply to every request.
+class HttpClient : public QObject {
+    Q_OBJECT
+
+public:
+    using CallId = quint64;
+    using ResultHandler = std::function<void(const HttpResult &result)>;
+
+    struct StreamHandlers {
+        // Each complete line of a successful (2xx) answer, as soon as it has arrived.
+        // Returning false ends the call quietly: nothing else is read or reported.
+        std::function<bool(QByteArrayView line)> onLine;
+        // Once at the end, unless the call was ended quietly: for a successful answer an
+        // HttpResponse without body (its lines were handed over), for any other status the
+        // response with its body, or the transport error that cut the exchange short.
+        ResultHandler onFinished;
+    };
+
+    // How long a connection may stay silent before the request counts as timed out, unless
+    // the request sets its own timeout. Matches the usual default of URL loading services.
+    static constexpr std::chrono::milliseconds defaultTimeout{60000};
+    static constexpr int maxRedirects = 10;
+    // The body of a failed streamed answer is kept only up to this size.
+    static constexpr qsizetype maxErrorBodySize = qsizetype(1024) * 1024;
+
+    explicit HttpClient(QObject *parent = nullptr);
+    ~HttpClient() override;
+
+    // One request; onFinished receives the whole answer or the transport error. When context
+    // is given, the call is cancelled when context is destroyed.
+    CallId send(HttpRequest request, QObject *context, ResultHandler onFinished);
+    // One request whose answer is read line by line as it arrives.
+    CallId stream(HttpRequest request, QObject *context, StreamHandlers handlers);
+    // Ends the call at once; none of its handlers runs afterwards. Unknown ids are ignored.
+    void cancel(CallId id);
+
+    [[nodiscard]] bool isActive(CallId id) const;
+    [[nodiscard]] int activeCallCount() const { return int(m_calls.size()); }
+
+    [[nodiscard]] std::chrono::milliseconds timeout() const { return m_timeout; }
+    void setTimeout(std::chrono::milliseconds timeout);
+
+private:
+    struct Call;
+    using CallPtr = std::shared_ptr<Call>;
+
+    CallId begin(HttpRequest request, QObject *context, StreamHandlers handlers, bool streaming);
+    void start(const CallPtr &call);
+    void onReadyRead(CallId id);
+    void onFinished(CallId id);
+    bool followRedirect(const CallPtr &call, int status);
+    // Hands over the complete lines in bytes; false when the call ended meanwhile.
+    bool deliverLines(const CallPtr &call, QByteArrayView bytes);
+    void complete(const CallPtr &call, const HttpResult &result);
+    // Forgets the call and aborts its reply without reporting anything.
+    void drop(const CallPtr &call);
+    [[nodiscard]] CallPtr find(CallId id) const;
+
+    QNetworkAccessManager *m_manager;
+    std::unordered_map<CallId, CallPtr> m_calls;
+    CallId m_nextId = 1;
+    std::chrono::milliseconds m_timeout = defaultTimeout;
+};
+
+} // namespace zentrik
