@@ -9,6 +9,9 @@ class QSettings;
 
 namespace zentrik {
 
+// The window's appearance: dark when true, light when absent or false.
+inline constexpr const char *darkModePreference = "isDarkMode";
+
 // The user's small state (chosen models, appearance, voice notes): strings, booleans and
 // data by key. Stored with QSettings under "Zentrik"/"Zentrik", or in
 // $ZENTRIK_CONFIG_DIR/Zentrik.conf when that variable is set (tests, portable use).

@@ -1,0 +1,166 @@
+#include "clirunner.h"
+#include "settings/secretstore.h"
+#include "support/testregistry.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace zentrik;
+
+// The CLI's conventions and its models, config and keys verbs, run as a user would.
+class FoundationVerbsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        qputenv("ZENTRIK_CONFIG_DIR", m_dir->path().toUtf8());
+        for (const char *name : {"OPENAI_API_KEY", "ANTHROPIC_API_KEY", "FAL_KEY"}) {
+            qunsetenv(name);
+        }
+        SecretStore().clear();
+    }
+
+    void cleanup() { SecretStore().clear(); }
+
+    void conventions_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QByteArray>("stdoutHas");
+        QTest::newRow("version") << QStringList{QStringLiteral("--version")} << 0 << QByteArray("zentrik-cli 0.");
+        QTest::newRow("help lists verbs") << QStringList{QStringLiteral("--help")} << 0 << QByteArray("keys");
+        QTest::newRow("verb help") << QStringList{QStringLiteral("keys"), QStringLiteral("--help")} << 0
+                                   << QByteArray("Usage: zentrik-cli keys");
+        QTest::newRow("unknown verb") << QStringList{QStringLiteral("frobnicate")} << 2 << QByteArray();
+        QTest::newRow("unknown option") << QStringList{QStringLiteral("models"), QStringLiteral("--bogus")} << 2 << QByteArray();
+        QTest::newRow("config without name") << QStringList{QStringLiteral("config"), QStringLiteral("get")} << 2 << QByteArray();
+        QTest::newRow("config bad model") << QStringList{QStringLiteral("config"), QStringLiteral("set"),
+                                                         QStringLiteral("text-model"), QStringLiteral("gpt-4o")}
+                                          << 2 << QByteArray();
+        QTest::newRow("keys unknown provider") << QStringList{QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("google")}
+                                               << 2 << QByteArray();
+    }
+
+    void conventions()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QByteArray, stdoutHas);
+        const CliResult result = runCli(arguments);
+        QVERIFY(!result.crashed);
+        QCOMPARE(result.exitCode, exitCode);
+        QVERIFY2(result.out.contains(stdoutHas), result.out.constData());
+        if (exitCode != 0) {
+            // One line on stderr, nothing on stdout.
+            QCOMPARE(result.err.count('\n'), 1);
+            QVERIFY(result.out.isEmpty());
+        }
+    }
+
+    void modelsJsonListsBothCataloguesAndSelection()
+    {
+        QCOMPARE(runCli({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("image-model"),
+                         QStringLiteral("DALL-E")}).exitCode, 0);
+        const CliResult result = runCli({QStringLiteral("models"), QStringLiteral("--json")});
+        QCOMPARE(result.exitCode, 0);
+        const QJsonObject root = QJsonDocument::fromJson(result.out).object();
+        const QJsonArray text = root.value(QStringLiteral("textModels")).toArray();
+        const QJsonArray image = root.value(QStringLiteral("imageModels")).toArray();
+        QCOMPARE(text.size(), 12);
+        QCOMPARE(image.size(), 9);
+        QCOMPARE(text.at(0).toObject().value(QStringLiteral("id")).toString(), QStringLiteral("gpt-3.5-turbo-1106"));
+        QCOMPARE(text.at(11).toObject().value(QStringLiteral("usage")).toString(),
+                 QStringLiteral("High-performing 7.3B parameter model with optimizations for speed and context length"));
+        QCOMPARE(image.at(7).toObject().value(QStringLiteral("name")).toString().toUtf8(), QByteArray("PixArt-\xCE\xA3"));
+        int selectedText = 0;
+        for (const QJsonValue &model : text) {
+            const QJsonObject object = model.toObject();
+            QCOMPARE(object.keys(), (QStringList{QStringLiteral("icon"), QStringLiteral("id"), QStringLiteral("name"),
+                                                  QStringLiteral("selected"), QStringLiteral("usage")}));
+            if (object.value(QStringLiteral("selected")).toBool()) {
+                ++selectedText;
+                QCOMPARE(object.value(QStringLiteral("id")).toString(), QStringLiteral("gpt-4o-mini"));
+            }
+        }
+        QCOMPARE(selectedText, 1);
+        QVERIFY(image.at(0).toObject().value(QStringLiteral("selected")).toBool());
+        QVERIFY(!image.at(1).toObject().value(QStringLiteral("selected")).toBool());
+    }
+
+    void configRoundTrips_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("readBack");
+        QTest::newRow("text model") << QStringLiteral("text-model") << QStringLiteral("claude-3-opus-20240229")
+                                    << QStringLiteral("claude-3-opus-20240229");
+        QTest::newRow("any free model") << QStringLiteral("text-model") << QStringLiteral("new/model:free")
+                                        << QStringLiteral("new/model:free");
+        QTest::newRow("dark mode on") << QStringLiteral("dark-mode") << QStringLiteral("on") << QStringLiteral("true");
+        QTest::newRow("dark mode false") << QStringLiteral("dark-mode") << QStringLiteral("false") << QStringLiteral("false");
+    }
+
+    void configRoundTrips()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, value);
+        QFETCH(QString, readBack);
+        QCOMPARE(runCli({QStringLiteral("config"), QStringLiteral("set"), name, value}).exitCode, 0);
+        const CliResult result = runCli({QStringLiteral("config"), QStringLiteral("get"), name});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, readBack.toUtf8() + '\n');
+    }
+
+    void keysAreStoredButNeverPrinted()
+    {
+        const QByteArray secret("sk-very-secret-value-123");
+        CliResult set = runCli({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai")}, secret + "\n");
+        QCOMPARE(set.exitCode, 0);
+        QVERIFY(!set.out.contains(secret) && !set.err.contains(secret));
+        QCOMPARE(SecretStore().get(QStringLiteral("openAIKey")), std::optional<QString>(QString::fromUtf8(secret)));
+
+        const CliResult status = runCli({QStringLiteral("keys"), QStringLiteral("status")});
+        QCOMPARE(status.exitCode, 0);
+        QVERIFY(!status.out.contains(secret));
+        QVERIFY2(status.out.contains("openai     set (secret store)"), status.out.constData());
+        QVERIFY(status.out.contains("anthropic  not set"));
+
+        QProcessEnvironment env;
+        env.insert(QStringLiteral("FAL_KEY"), QStringLiteral("env-secret"));
+        const CliResult json = runCli({QStringLiteral("keys"), QStringLiteral("status"), QStringLiteral("--json")}, {}, env);
+        QVERIFY(!json.out.contains("env-secret"));
+        const QJsonArray entries = QJsonDocument::fromJson(json.out).array();
+        QCOMPARE(entries.size(), 3);
+        QCOMPARE(entries.at(2).toObject().value(QStringLiteral("source")).toString(), QStringLiteral("FAL_KEY"));
+
+        QCOMPARE(runCli({QStringLiteral("keys"), QStringLiteral("delete"), QStringLiteral("openai")}).exitCode, 0);
+        QVERIFY(!SecretStore().get(QStringLiteral("openAIKey")).has_value());
+        // Deleting again is not an error, and an empty stdin stores nothing.
+        QCOMPARE(runCli({QStringLiteral("keys"), QStringLiteral("delete"), QStringLiteral("openai")}).exitCode, 0);
+        QCOMPARE(runCli({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("fal")}, "\n").exitCode, 1);
+    }
+
+    void keysFailCleanlyWithoutSecretService()
+    {
+        QProcessEnvironment env;
+        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/bus"));
+        QElapsedTimer timer;
+        timer.start();
+        const CliResult result = runCli({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai")}, "k\n", env);
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY(result.err.contains("no Secret Service"));
+        QVERIFY(timer.elapsed() < 5000);
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+ZENTRIK_TEST(FoundationVerbsTest)
+
+#include "tst_foundationverbs.moc"
