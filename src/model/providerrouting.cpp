@@ -25,6 +25,12 @@ bool contains(const std::array<const char16_t *, N> &ids, const QString &id)
     });
 }
 
+QString unsupportedModelMessage()
+{
+    return QCoreApplication::translate("APIManager",
+                                       "Unsupported model selected. Please choose a valid model in Settings.");
+}
+
 struct ProviderAddress {
     const char *variable;
     const char *fallback;
@@ -90,16 +96,19 @@ ImageProvider routeImageModel(const QString &modelId)
     return ImageProvider::fal;
 }
 
+bool isCatalogueTextModel(const QString &modelId)
+{
+    const auto &models = ModelCatalog::textModels();
+    return std::any_of(models.begin(), models.end(), [&](const AIModel &model) { return model.id == modelId; });
+}
+
 std::optional<QString> preflightMessage(const QString &selectedTextModel, const QString &openAIKey,
                                         const QString &claudeKey)
 {
     if (selectedTextModel.isEmpty()) {
         return QCoreApplication::translate("APIManager", "Please select a text model in Settings.");
     }
-    const auto &models = ModelCatalog::textModels();
-    const bool known = std::any_of(models.begin(), models.end(),
-                                   [&](const AIModel &model) { return model.id == selectedTextModel; });
-    if (!known) {
+    if (!isCatalogueTextModel(selectedTextModel)) {
         return QCoreApplication::translate("APIManager",
                                            "Invalid model selected. Please choose a valid model in Settings.");
     }
@@ -118,8 +127,33 @@ std::optional<QString> preflightMessage(const QString &selectedTextModel, const 
     if (isCatalogueFreeTextModel(selectedTextModel)) {
         return std::nullopt;
     }
-    return QCoreApplication::translate("APIManager",
-                                       "Unsupported model selected. Please choose a valid model in Settings.");
+    return unsupportedModelMessage();
+}
+
+std::optional<QString> generatorPreflightMessage(const QString &selectedTextModel, const QString &openAIKey,
+                                                 const QString &claudeKey)
+{
+    static const std::array<const char16_t *, 3> generatorClaudeModels{
+        u"claude-3-5-sonnet-20240620", u"claude-3-opus-20240229", u"claude-3-haiku-20240307"};
+    if (selectedTextModel.isEmpty() || !isCatalogueTextModel(selectedTextModel)) {
+        return zentrik::preflightMessage(selectedTextModel, openAIKey, claudeKey);
+    }
+    if (selectedTextModel == QStringLiteral("gpt-3.5-turbo-1106")) {
+        if (openAIKey.isEmpty()) {
+            return QCoreApplication::translate("APIManager", "OpenAI API key is missing. Please add it in Settings.");
+        }
+        return std::nullopt;
+    }
+    if (contains(generatorClaudeModels, selectedTextModel)) {
+        if (claudeKey.isEmpty()) {
+            return QCoreApplication::translate("APIManager", "Claude API key is missing. Please add it in Settings.");
+        }
+        return std::nullopt;
+    }
+    if (isCatalogueFreeTextModel(selectedTextModel)) {
+        return std::nullopt;
+    }
+    return unsupportedModelMessage();
 }
 
 QUrl providerBaseUrl(Provider provider)

@@ -18,6 +18,7 @@ enum class ImageProvider { openAI, together, fal };
 // "DALL-E" goes to OpenAI, the free FLUX model to Together, every other id to fal.
 [[nodiscard]] ImageProvider routeImageModel(const QString &modelId);
 
+[[nodiscard]] bool isCatalogueTextModel(const QString &modelId);
 [[nodiscard]] bool isOpenAITextModel(const QString &modelId);
 [[nodiscard]] bool isAnthropicTextModel(const QString &modelId);
 // The five free ids of the catalogue, by name (the pre-flight check lists them, it does not
@@ -29,6 +30,14 @@ enum class ImageProvider { openAI, together, fal };
 [[nodiscard]] std::optional<QString> preflightMessage(const QString &selectedTextModel,
                                                       const QString &openAIKey,
                                                       const QString &claudeKey);
+
+// The form-driven generators' own check, narrower than preflightMessage(): only
+// "gpt-3.5-turbo-1106" is accepted as an OpenAI model, only the three dated Claude 3 ids
+// as Anthropic models, and the five free ids; every other id, catalogue entries
+// included, is refused as unsupported before anything is sent.
+[[nodiscard]] std::optional<QString> generatorPreflightMessage(const QString &selectedTextModel,
+                                                               const QString &openAIKey,
+                                                               const QString &claudeKey);
 
 enum class Provider { openAI, anthropic, openRouter, together, falQueue, falRest };
 

@@ -120,6 +120,38 @@ private Q_SLOTS:
         QCOMPARE(preflightMessage(model, openAIKey, claudeKey).value_or(QString()), message);
     }
 
+    // The generators accept fewer models than the chats: only the listed ids pass.
+    void generatorCheckIsNarrower_data()
+    {
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QString>("openAIKey");
+        QTest::addColumn<QString>("claudeKey");
+        QTest::addColumn<QString>("message");
+        const QString none;
+        const QString unsupported = QStringLiteral("Unsupported model selected. Please choose a valid model in Settings.");
+        QTest::newRow("empty") << none << none << none << QStringLiteral("Please select a text model in Settings.");
+        QTest::newRow("unknown") << QStringLiteral("gpt-4o") << QStringLiteral("k") << none
+                                 << QStringLiteral("Invalid model selected. Please choose a valid model in Settings.");
+        QTest::newRow("gpt-3.5 without key") << QStringLiteral("gpt-3.5-turbo-1106") << none << none
+                                             << QStringLiteral("OpenAI API key is missing. Please add it in Settings.");
+        QTest::newRow("gpt-3.5 with key") << QStringLiteral("gpt-3.5-turbo-1106") << QStringLiteral("k") << none << none;
+        QTest::newRow("gpt-4o-mini even with key") << QStringLiteral("gpt-4o-mini") << QStringLiteral("k") << none << unsupported;
+        QTest::newRow("claude instant even with key") << QStringLiteral("claude-instant") << none << QStringLiteral("c") << unsupported;
+        QTest::newRow("haiku without key") << QStringLiteral("claude-3-haiku-20240307") << QStringLiteral("k") << none
+                                           << QStringLiteral("Claude API key is missing. Please add it in Settings.");
+        QTest::newRow("opus with key") << QStringLiteral("claude-3-opus-20240229") << none << QStringLiteral("c") << none;
+        QTest::newRow("free with no keys") << QStringLiteral("qwen/qwen-2-vl-7b-instruct:free") << none << none << none;
+    }
+
+    void generatorCheckIsNarrower()
+    {
+        QFETCH(QString, model);
+        QFETCH(QString, openAIKey);
+        QFETCH(QString, claudeKey);
+        QFETCH(QString, message);
+        QCOMPARE(generatorPreflightMessage(model, openAIKey, claudeKey).value_or(QString()), message);
+    }
+
     void errorMessages_data()
     {
         QTest::addColumn<int>("code");
