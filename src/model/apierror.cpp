@@ -53,6 +53,24 @@ APIError APIError::fromTransportCode(int code, const QString &transportDescripti
     }
 }
 
+APIError APIError::fromTransport(const TransportError &error)
+{
+    // The codes of the platform's URL loading system, which the table above is written in.
+    switch (error.kind) {
+    case TransportError::Kind::NotConnected:
+        return fromTransportCode(-1009, error.description);
+    case TransportError::Kind::HostNotFound:
+        return fromTransportCode(-1003, error.description);
+    case TransportError::Kind::TimedOut:
+        return fromTransportCode(-1001, error.description);
+    case TransportError::Kind::ConnectionLost:
+        return fromTransportCode(-1005, error.description);
+    case TransportError::Kind::Other:
+        break;
+    }
+    return {generalNetworkError, error.description};
+}
+
 QString connectionTip()
 {
     return QCoreApplication::translate("APIError", "\n\nTip: Check your internet connection or try restarting the app.");

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "net/transporterror.h"
+
 namespace zentrik {
 
 // Every failure of a model request, as a value handed once to the caller's completion.
@@ -37,6 +39,10 @@ public:
     // The transport's numeric codes, as the platform's URL loading system numbers them;
     // codes outside the mapped few become generalNetworkError with the transport's text.
     [[nodiscard]] static APIError fromTransportCode(int code, const QString &transportDescription);
+    // The same mapping for this program's own transport failures: not connected, host not
+    // found, timed out and connection lost keep their cases, anything else (a refused
+    // connection, a TLS failure, …) is generalNetworkError with the transport's text.
+    [[nodiscard]] static APIError fromTransport(const TransportError &error);
 
     friend bool operator==(const APIError &a, const APIError &b)
     {

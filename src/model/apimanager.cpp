@@ -10,6 +10,7 @@ namespace zentrik {
 
 APIManager::APIManager(QObject *parent)
     : QObject(parent)
+    , m_http(new HttpClient(this))
 {
     readSelections();
     m_openRouterKey = QString::fromUtf8(build::openRouterKey);
@@ -21,6 +22,19 @@ APIManager::APIManager(QObject *parent)
 }
 
 APIManager::~APIManager() = default;
+
+void APIManager::overrideUserKeys(const QString &openAIKey, const QString &claudeKey, const QString &falAIKey)
+{
+    if (!openAIKey.isEmpty()) {
+        m_openAIKey = openAIKey;
+    }
+    if (!claudeKey.isEmpty()) {
+        m_claudeKey = claudeKey;
+    }
+    if (!falAIKey.isEmpty()) {
+        m_falAIKey = falAIKey;
+    }
+}
 
 void APIManager::setSelectedTextModel(const QString &modelId)
 {
@@ -67,10 +81,11 @@ void APIManager::setUpChatClient()
 {
     m_openRouterChatUrl = providerUrl(Provider::openRouter, QStringLiteral("/api/v1/chat/completions"));
     m_openRouterModelsUrl = providerUrl(Provider::openRouter, QStringLiteral("/api/v1/models"));
-    m_llmChatReady = m_openRouterChatUrl.isValid() && m_openRouterModelsUrl.isValid();
-    if (!m_llmChatReady) {
+    if (!m_openRouterChatUrl.isValid() || !m_openRouterModelsUrl.isValid()) {
         qInfo().noquote() << "Error: Invalid OpenRouter URLs";
+        return;
     }
+    m_llmChat.emplace(m_http, m_openRouterKey, m_openRouterChatUrl, m_openRouterModelsUrl);
 }
 
 } // namespace zentrik

@@ -1,6 +1,10 @@
 #pragma once
 
 #include "model/aimodel.h"
+#include "model/apierror.h"
+#include "model/openaichatclient.h"
+#include "model/providerrouting.h"
+#include "net/httpclient.h"
 #include "settings/preferences.h"
 #include "settings/secretstore.h"
 
@@ -9,7 +13,16 @@
 #include <QString>
 #include <QUrl>
 
+#include <functional>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <variant>
+
 namespace zentrik {
+
+// The reply text, or why there is none.
+using TextResult = std::variant<QString, APIError>;
 
 // The one object through which every tool reaches a model service: the catalogues, the
 // user's choices, the provider keys and the routing rule. One instance lives as long as
@@ -47,7 +60,35 @@ public:
     [[nodiscard]] std::optional<QString> preflightMessage() const;
 
     // Whether the OpenRouter chat client could be set up (its addresses formed).
-    [[nodiscard]] bool hasChatClient() const { return m_llmChatReady; }
+    [[nodiscard]] bool hasChatClient() const { return m_llmChat.has_value(); }
+    [[nodiscard]] const std::optional<OpenAIChatClient> &llmChat() const { return m_llmChat; }
+    // The one HTTP client every request of this manager goes through.
+    [[nodiscard]] HttpClient &httpClient() { return *m_http; }
+
+    using StreamId = quint64;
+    using TextCompletion = std::function<void(const TextResult &result)>;
+    using StreamPiece = std::function<void(const QString &piece)>;
+    // std::nullopt for a reply that ended normally (or was stopped), otherwise the failure.
+    using StreamCompletion = std::function<void(const std::optional<APIError> &error)>;
+
+    // Sends the prompt to the selected text model and hands the whole reply, or the error,
+    // to the completion: exactly once, on this object's thread, never from inside this call
+    // and never after `context` (when given) is destroyed.
+    void generateText(const QString &prompt, QObject *context, TextCompletion completion);
+    // Streams the reply to the prompt from the selected text model: each piece of text as it
+    // arrives, then the completion once. ":free" models go through `llmChat` to OpenRouter,
+    // the OpenAI models through a chat client bound to OpenAI and `openAIKey`, the Anthropic
+    // models through Anthropic's streamed messages.
+    StreamId streamText(const QString &prompt, QObject *context, StreamPiece onPiece, StreamCompletion completion);
+    // Ends a stream: no further piece arrives, and its completion runs at once, before this
+    // returns, as a normal end. Pieces already delivered stay delivered. Unknown ids (streams
+    // that have already ended) are ignored.
+    void stopStream(StreamId id);
+    [[nodiscard]] bool isStreamActive(StreamId id) const { return m_streams.contains(id); }
+
+    // Keys given for this run only (the command line's OPENAI_API_KEY, ANTHROPIC_API_KEY and
+    // FAL_KEY); an empty value leaves the key from the secret store in place.
+    void overrideUserKeys(const QString &openAIKey, const QString &claudeKey, const QString &falAIKey);
     [[nodiscard]] QUrl openRouterChatUrl() const { return m_openRouterChatUrl; }
     [[nodiscard]] QUrl openRouterModelsUrl() const { return m_openRouterModelsUrl; }
 
@@ -69,8 +110,18 @@ Q_SIGNALS:
     void settingsReloaded();
 
 private:
+    struct ActiveStream;
+
     void readSelections();
     void setUpChatClient();
+    // Runs the completion on the next turn of the event loop, unless context is gone.
+    void deliverLater(QObject *context, std::function<void()> deliver);
+    // The key a request to this provider needs; empty when it is missing.
+    [[nodiscard]] QString keyFor(TextProvider provider) const;
+    StreamId startStream(const std::shared_ptr<ActiveStream> &stream, QObject *context);
+    void finishStream(StreamId id, const std::optional<APIError> &error);
+
+    HttpClient *m_http;
 
     QString m_selectedTextModel;
     QString m_selectedImageModel;
@@ -81,11 +132,14 @@ private:
     QString m_falAIKey;
     QString m_openRouterKey;
     QString m_togetherApiKey;
-    bool m_llmChatReady = false;
+    std::optional<OpenAIChatClient> m_llmChat;
     QUrl m_openRouterChatUrl;
     QUrl m_openRouterModelsUrl;
     QList<AIModel> m_textModels;
     QList<ImageModel> m_imageModels;
+
+    std::unordered_map<StreamId, std::shared_ptr<ActiveStream>> m_streams;
+    StreamId m_nextStreamId = 1;
 };
 
 } // namespace zentrik

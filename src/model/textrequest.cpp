@@ -1,0 +1,147 @@
+#include "model/textrequest.h"
+
+#include "model/chaterror.h"
+#include "model/modellogging.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace zentrik {
+
+namespace {
+
+QJsonObject message(const char *role, const QString &content)
+{
+    return {{QStringLiteral("role"), QLatin1String(role)}, {QStringLiteral("content"), content}};
+}
+
+QString providerName(TextProvider provider)
+{
+    switch (provider) {
+    case TextProvider::openAI:
+        return QStringLiteral("OpenAI");
+    case TextProvider::anthropic:
+        return QStringLiteral("Anthropic");
+    case TextProvider::openRouter:
+        return QStringLiteral("OpenRouter");
+    }
+    return {};
+}
+
+// "choices", first element, "message", "content".
+std::optional<QString> chatReply(const QJsonObject &object)
+{
+    const QJsonArray choices = object.value(QLatin1String("choices")).toArray();
+    if (choices.isEmpty()) {
+        return std::nullopt;
+    }
+    const QJsonValue content =
+        choices.first().toObject().value(QLatin1String("message")).toObject().value(QLatin1String("content"));
+    if (!content.isString()) {
+        return std::nullopt;
+    }
+    return content.toString();
+}
+
+// The text of every text block under "content", joined.
+std::optional<QString> anthropicReply(const QJsonObject &object)
+{
+    const QJsonValue content = object.value(QLatin1String("content"));
+    if (!content.isArray()) {
+        return std::nullopt;
+    }
+    QString text;
+    bool found = false;
+    for (const QJsonValue &block : content.toArray()) {
+        const QJsonValue blockText = block.toObject().value(QLatin1String("text"));
+        if (blockText.isString()) {
+            text += blockText.toString();
+            found = true;
+        }
+    }
+    if (!found) {
+        return std::nullopt;
+    }
+    return text;
+}
+
+} // namespace
+
+QUrl TextRequest::endpoint(TextProvider provider)
+{
+    switch (provider) {
+    case TextProvider::openAI:
+        return providerUrl(Provider::openAI, QStringLiteral("/v1/chat/completions"));
+    case TextProvider::anthropic:
+        return providerUrl(Provider::anthropic, QStringLiteral("/v1/messages"));
+    case TextProvider::openRouter:
+        return providerUrl(Provider::openRouter, QStringLiteral("/api/v1/chat/completions"));
+    }
+    return {};
+}
+
+HttpRequest TextRequest::build(TextProvider provider, const QString &model, const QString &prompt,
+                               const QString &key, bool stream)
+{
+    HttpRequest request;
+    request.method = QByteArrayLiteral("POST");
+    request.url = endpoint(provider);
+    request.headers.append({QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json")});
+    QJsonObject body{{QStringLiteral("model"), model}};
+    switch (provider) {
+    case TextProvider::openAI:
+        request.headers.append({QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8()});
+        body.insert(QStringLiteral("messages"),
+                    QJsonArray{message("system", QStringLiteral("You are a helpful assistant.")), message("user", prompt)});
+        break;
+    case TextProvider::anthropic:
+        request.headers.append({QByteArrayLiteral("x-api-key"), key.toUtf8()});
+        request.headers.append({QByteArrayLiteral("anthropic-version"), QByteArrayLiteral("2023-06-01")});
+        body.insert(QStringLiteral("max_tokens"), anthropicMaxTokens);
+        body.insert(QStringLiteral("messages"), QJsonArray{message("user", prompt)});
+        if (stream) {
+            body.insert(QStringLiteral("stream"), true);
+        }
+        break;
+    case TextProvider::openRouter:
+        request.headers.append({QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8()});
+        body.insert(QStringLiteral("messages"), QJsonArray{message("user", prompt)});
+        break;
+    }
+    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
+    return request;
+}
+
+std::variant<QString, APIError> TextRequest::read(TextProvider provider, const HttpResult &result)
+{
+    if (const auto *error = std::get_if<TransportError>(&result)) {
+        return APIError::fromTransport(*error);
+    }
+    const auto &response = std::get<HttpResponse>(result);
+    if (!response.isSuccess()) {
+        // The service's own words help whoever reads the log; keys never appear in them.
+        const QString said = ChatError::serviceMessage(response.body);
+        qCInfo(lcModel).noquote() << QStringLiteral("%1 answered HTTP %2%3")
+                                         .arg(providerName(provider))
+                                         .arg(response.status)
+                                         .arg(said.isEmpty() ? QString() : QStringLiteral(": ") + said);
+    }
+    if (response.body.isEmpty()) {
+        return APIError::noData;
+    }
+    QJsonParseError parseError{};
+    const QJsonDocument document = QJsonDocument::fromJson(response.body, &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        return APIError{APIError::jsonParsingFailed, parseError.errorString()};
+    }
+    const QJsonObject object = document.object();
+    const std::optional<QString> reply =
+        provider == TextProvider::anthropic ? anthropicReply(object) : chatReply(object);
+    if (!reply) {
+        return APIError::invalidResponse;
+    }
+    return *reply;
+}
+
+} // namespace zentrik
