@@ -1,0 +1,154 @@
+#include <QtTest>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include "clirunner.h"
+#include "support/fakeprovider.h"
+#include "support/testregistry.h"
+
+using zentrik::test::FakeProvider;
+using zentrik::test::ScriptedReply;
+
+namespace {
+
+QByteArray chunkLine(const QString &text)
+{
+    const QJsonObject chunk{{"id", "c"}, {"object", "chat.completion.chunk"}, {"created", 1}, {"model", "m"},
+                            {"choices", QJsonArray{QJsonObject{{"index", 0}, {"delta", QJsonObject{{"content", text}}}}}}};
+    return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
+}
+
+QByteArray lastLine(const QByteArray &text)
+{
+    const QList<QByteArray> lines = text.trimmed().split('\n');
+    return lines.isEmpty() ? QByteArray() : lines.last();
+}
+
+} // namespace
+
+// zentrik-cli ask against the fake provider, keys from the environment.
+class AskVerbTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<FakeProvider> m_fake;
+
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment env;
+        env.insert("ZENTRIK_CONFIG_DIR", m_dir->path());
+        env.insert("ZENTRIK_OPENAI_BASE_URL", m_fake->baseUrl().toString());
+        env.insert("ZENTRIK_ANTHROPIC_BASE_URL", m_fake->baseUrl().toString());
+        env.insert("OPENAI_API_KEY", "sk-from-env");
+        env.insert("ANTHROPIC_API_KEY", "sk-ant-env");
+        return env;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_fake = std::make_unique<FakeProvider>();
+    }
+
+    void cleanup()
+    {
+        m_fake.reset();
+        m_dir.reset();
+    }
+
+    void printsTheWholeReply_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("input");
+        QTest::addColumn<QString>("prompt");
+        QTest::newRow("text argument") << QStringList{"ask", "--model", "gpt-4o-mini", "What is 2+2?"} << QByteArray()
+                                       << "What is 2+2?";
+        QTest::newRow("stdin") << QStringList{"ask", "--model", "gpt-4o-mini", "-"} << QByteArray("From\nstdin")
+                               << "From\nstdin";
+        QTest::newRow("stdin without dash") << QStringList{"ask"} << QByteArray("Default model") << "Default model";
+    }
+
+    void printsTheWholeReply()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, input);
+        QFETCH(QString, prompt);
+        m_fake->on("POST", "/v1/chat/completions",
+                   ScriptedReply::json(QByteArray(R"({"choices":[{"index":0,"message":{"role":"assistant","content":"Four."}}]})")));
+        const CliResult result = runCli(arguments, input, environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("Four.\n"));
+        const auto request = m_fake->lastRequest();
+        QCOMPARE(request.header("Authorization"), "Bearer sk-from-env");
+        QCOMPARE(request.json().object().value("messages").toArray().last().toObject().value("content").toString(), prompt);
+    }
+
+    void streamsTheReply()
+    {
+        m_fake->on("POST", "/v1/messages",
+                   ScriptedReply::sse({"data: {\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"Str\"}}\n\n",
+                                       "data: {\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"eamed\"}}\n\n",
+                                       "data: {\"type\":\"message_stop\"}\n\n"}));
+        const CliResult result = runCli({"ask", "--stream", "--model", "claude-3-haiku-20240307", "Go"}, {}, environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("Streamed\n"));
+        QCOMPARE(m_fake->lastRequest().header("x-api-key"), "sk-ant-env");
+    }
+
+    void failuresAreOneLineAndExitOne_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("out");
+        QTest::addColumn<QByteArray>("err");
+        QTest::newRow("stream refused by the service")
+            << QStringList{"ask", "--stream", "--model", "gpt-4o-mini", "x"} << QByteArray()
+            << QByteArray("zentrik-cli: A network error occurred: HTTP 401: Incorrect API key provided");
+        QTest::newRow("stream cut short") << QStringList{"ask", "--stream", "--model", "gpt-4-turbo", "x"}
+                                          << QByteArray("partial\n")
+                                          << QByteArray("zentrik-cli: A network error occurred: The connection closed before the reply was complete.");
+        QTest::newRow("unknown model") << QStringList{"ask", "--model", "gpt-5", "x"} << QByteArray()
+                                       << QByteArray("zentrik-cli: Unsupported model selected. Please choose a valid model in Settings.");
+    }
+
+    void failuresAreOneLineAndExitOne()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, out);
+        QFETCH(QByteArray, err);
+        if (arguments.contains("gpt-4-turbo")) {
+            m_fake->on("POST", "/v1/chat/completions", ScriptedReply::sse({chunkLine("partial")}));
+        } else {
+            m_fake->on("POST", "/v1/chat/completions",
+                       ScriptedReply::json(QByteArray(R"({"error":{"message":"Incorrect API key provided"}})"), 401));
+        }
+        const CliResult result = runCli(arguments, {}, environment());
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.out, out);
+        QCOMPARE(lastLine(result.err), err);
+        QVERIFY(!result.err.contains("sk-from-env"));
+    }
+
+    void usageErrors_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("nothing to ask") << QStringList{"ask"};
+        QTest::newRow("two texts") << QStringList{"ask", "a", "b"};
+        QTest::newRow("unknown option") << QStringList{"ask", "--fast", "a"};
+    }
+
+    void usageErrors()
+    {
+        QFETCH(QStringList, arguments);
+        const CliResult result = runCli(arguments, "  \n", environment());
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY(result.out.isEmpty());
+        QCOMPARE(m_fake->requestCount(), 0);
+    }
+};
+
+ZENTRIK_TEST(AskVerbTest)
+#include "tst_askverb.moc"
