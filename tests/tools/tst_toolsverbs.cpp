@@ -1,0 +1,259 @@
+#include "support/testregistry.h"
+#include "tools/assistantcatalogue.h"
+#include "tools/assistantfamily.h"
+
+#include <QtTest>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+using namespace zentrik;
+
+namespace {
+
+struct Run
+{
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+Run runCli(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
+        return {};
+    }
+    return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+        QString::fromUtf8(process.readAllStandardError()) };
+}
+
+} // namespace
+
+class ToolsVerbsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void promptForTheSloganGenerator()
+    {
+        const Run run = runCli({ QStringLiteral("prompt"), QStringLiteral("Slogan Generator"),
+            QStringLiteral("--field"), QStringLiteral("Brand/Product Name=Acme") });
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.err, QString());
+        QCOMPARE(run.out,
+            QStringLiteral("Generate 30 attention-grabbing taglines for the given brand or product.\n"
+                           "\n"
+                           "Category: Slogan Generator\n"
+                           "Brand/Product Name: Acme\n"
+                           "\n"
+                           "Structure:\n"
+                           "1. List 30 unique and catchy slogans\n"
+                           "2. Ensure each slogan is concise (preferably under 10 words)\n"
+                           "3. Incorporate brand values or unique selling points where possible\n"
+                           "4. Vary the style and tone across the slogans\n"
+                           "5. Include a mix of emotional and rational appeals\n"
+                           "\n"
+                           "Tone guidelines:\n"
+                           "- Be creative and memorable\n"
+                           "- Use wordplay, alliteration, or rhyme where appropriate\n"
+                           "- Ensure slogans are easy to understand and remember\n"
+                           "\n"
+                           "Highlight the top 3 slogans that best represent the brand and explain why.\n"));
+    }
+
+    void promptMatchesTheLibrary_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QStringList>("values"); // label=value as the composer receives them
+
+        QTest::newRow("no fields") << QStringList { "Job Description Generator" } << "Job Description Generator"
+                                   << QStringList {};
+        QTest::newRow("several fields, last one wins")
+            << QStringList { "Customer Support Ticket Response Agent", "--field", "Priority=High", "--field",
+                   "Customer Name=Ann Lee", "--field", "Priority=Urgent" }
+            << "Customer Support Ticket Response Agent" << QStringList { "Customer Name=Ann Lee", "Priority=Urgent" };
+        QTest::newRow("title, label and option in any case")
+            << QStringList { "persuasive sales copy", "--field", "tone=luxurious", "--field", "KEY FEATURES=Soft" }
+            << "Persuasive Sales Copy" << QStringList { "Key Features=Soft", "Tone=Luxurious" };
+        QTest::newRow("empty value and equals signs in a value")
+            << QStringList { "SWOT Analysis Generator", "--field", "Industry=", "--field", "Key Competitors=a=b" }
+            << "SWOT Analysis Generator" << QStringList { "Industry=", "Key Competitors=a=b" };
+        QTest::newRow("multi-line value") << QStringList { "Blog Post Writing", "--field", "Blog Outline=one\ntwo" }
+                                          << "Blog Post Writing" << QStringList { "Blog Outline=one\ntwo" };
+    }
+
+    void promptMatchesTheLibrary()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, title);
+        QFETCH(QStringList, values);
+
+        FormInputs inputs;
+        for (const QString &assignment : values) {
+            const qsizetype equals = assignment.indexOf(QLatin1Char('='));
+            inputs.insert(assignment.left(equals), assignment.mid(equals + 1));
+        }
+        const QString expected = AssistantFamily::containing(title)->composePrompt(title, inputs);
+        QVERIFY(!expected.isEmpty());
+
+        const Run run = runCli(QStringList { QStringLiteral("prompt") } + arguments);
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.out, expected + QLatin1Char('\n'));
+    }
+
+    void promptUsageErrors_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QStringList>("mentioned"); // texts the one-line message must name
+
+        QTest::newRow("unknown title with a near match")
+            << QStringList { "Slogans" } << QStringList { "\"Slogans\"", "\"Slogan Generator\"" };
+        QTest::newRow("unknown title") << QStringList { "Weather Report" }
+                                       << QStringList { "\"Weather Report\"", "zentrik-cli assistants" };
+        QTest::newRow("a card that is no form")
+            << QStringList { "Code Debugger" } << QStringList { "\"Code Debugger\"" };
+        QTest::newRow("unknown field") << QStringList { "Slogan Generator", "--field", "Brand=Acme" }
+                                       << QStringList { "\"Brand\"", "\"Brand/Product Name\"",
+                                              "\"Key Features/Benefits\"", "\"Target Audience\"", "\"Desired Tone\"" };
+        QTest::newRow("another form's field") << QStringList { "Documentation Explainer", "--field",
+            "Customer Name=Ann" } << QStringList { "\"Customer Name\"", "\"Technical Documentation\"" };
+        QTest::newRow("option not offered") << QStringList { "Slogan Generator", "--field", "Desired Tone=Funny" }
+                                            << QStringList { "\"Funny\"", "\"Playful\"", "\"Inspirational\"" };
+        QTest::newRow("field without value")
+            << QStringList { "Slogan Generator", "--field", "Acme" } << QStringList { "LABEL=VALUE" };
+        QTest::newRow("field with empty label")
+            << QStringList { "Slogan Generator", "--field", "=Acme" } << QStringList { "LABEL=VALUE" };
+        QTest::newRow("missing title") << QStringList {} << QStringList { "title" };
+        QTest::newRow("unquoted title") << QStringList { "Slogan", "Generator" } << QStringList { "quote" };
+        QTest::newRow("unknown option") << QStringList { "Slogan Generator", "--model", "x" }
+                                        << QStringList { "model" };
+    }
+
+    void promptUsageErrors()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QStringList, mentioned);
+
+        const Run run = runCli(QStringList { QStringLiteral("prompt") } + arguments);
+        QCOMPARE(run.exitCode, 2);
+        QCOMPARE(run.out, QString());
+        QVERIFY2(run.err.endsWith(QLatin1Char('\n')) && run.err.count(QLatin1Char('\n')) == 1, qPrintable(run.err));
+        for (const QString &text : mentioned) {
+            QVERIFY2(run.err.contains(text), qPrintable(run.err));
+        }
+    }
+
+    void assistantsAsJson()
+    {
+        const Run run = runCli({ QStringLiteral("assistants"), QStringLiteral("--json") });
+        QCOMPARE(run.exitCode, 0);
+        QJsonParseError error {};
+        const QJsonObject root = QJsonDocument::fromJson(run.out.toUtf8(), &error).object();
+        QCOMPARE(error.error, QJsonParseError::NoError);
+        QCOMPARE(root.value(QStringLiteral("showcaseHeading")).toString(), AssistantCatalogue::showcaseHeading());
+
+        const QJsonArray categories = root.value(QStringLiteral("categories")).toArray();
+        QCOMPARE(categories.size(), 5);
+        QStringList cardTitles;
+        QHash<QString, QString> opens;
+        for (const QJsonValue &category : categories) {
+            for (const QJsonValue &agent : category.toObject().value(QStringLiteral("agents")).toArray()) {
+                const QJsonObject card = agent.toObject();
+                cardTitles.append(card.value(QStringLiteral("title")).toString());
+                opens.insert(cardTitles.last(), card.value(QStringLiteral("opens")).toString());
+            }
+        }
+        QStringList expectedTitles;
+        for (const AIAgent &agent : AssistantCatalogue::allAgents()) {
+            expectedTitles.append(agent.title);
+        }
+        QCOMPARE(cardTitles, expectedTitles);
+        QCOMPARE(opens.value(QStringLiteral("Images and Logo Generator")), QStringLiteral("image-studio"));
+        QCOMPARE(opens.value(QStringLiteral("Documentation Explainer")), QStringLiteral("customer-support"));
+        QCOMPARE(opens.value(QStringLiteral("Code Debugger")), QStringLiteral("code-debugger"));
+
+        const QJsonArray families = root.value(QStringLiteral("families")).toArray();
+        QCOMPARE(families.size(), 4);
+        int fieldsSeen = 0;
+        for (const QJsonValue &value : families) {
+            const QJsonObject family = value.toObject();
+            const AssistantFamily *known
+                = AssistantFamily::forIdentifier(family.value(QStringLiteral("id")).toString());
+            QVERIFY(known != nullptr);
+            QCOMPARE(family.value(QStringLiteral("heading")).toString(), known->headingWord());
+            QCOMPARE(family.value(QStringLiteral("checksModelAndKey")).toBool(), known->checksModelAndKey());
+            const QJsonArray assistants = family.value(QStringLiteral("assistants")).toArray();
+            QCOMPARE(assistants.size(), known->table().size());
+            for (qsizetype i = 0; i < assistants.size(); ++i) {
+                const FormAssistant &assistant = known->table().entries().at(i);
+                const QJsonObject object = assistants.at(i).toObject();
+                QCOMPARE(object.value(QStringLiteral("title")).toString(), assistant.title);
+                const QJsonArray fields = object.value(QStringLiteral("fields")).toArray();
+                QCOMPARE(fields.size(), assistant.inputs.size());
+                for (qsizetype f = 0; f < fields.size(); ++f) {
+                    const QJsonObject field = fields.at(f).toObject();
+                    const InputField &input = assistant.inputs.at(f);
+                    QCOMPARE(field.value(QStringLiteral("label")).toString(), input.label);
+                    QCOMPARE(field.value(QStringLiteral("type")).toString(), input.typeName());
+                    QCOMPARE(field.value(QStringLiteral("placeholder")).toString(), input.placeholder);
+                    QStringList options;
+                    for (const QJsonValue &option : field.value(QStringLiteral("options")).toArray()) {
+                        options.append(option.toString());
+                    }
+                    QCOMPARE(options, input.options);
+                    ++fieldsSeen;
+                }
+            }
+        }
+        QVERIFY(fieldsSeen > 100);
+    }
+
+    void assistantsAsText()
+    {
+        const Run run = runCli({ QStringLiteral("assistants") });
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.out.startsWith(AssistantCatalogue::showcaseHeading() + QLatin1Char('\n')));
+        for (const Category &category : AssistantCatalogue::categories()) {
+            QVERIFY2(run.out.contains(QStringLiteral("\n%1\n").arg(category.name)), qPrintable(category.name));
+            for (const AIAgent &agent : category.agents) {
+                QVERIFY2(run.out.contains(QStringLiteral("  %1 - %2\n").arg(agent.title, agent.description)),
+                    qPrintable(agent.title));
+            }
+        }
+        for (const AssistantFamily *family : AssistantFamily::all()) {
+            // Cards and forms may share title and description; look below the family's header.
+            const qsizetype header = run.out.indexOf(
+                QStringLiteral("\n%1 assistants (%2)\n").arg(family->name()).arg(family->table().size()));
+            QVERIFY2(header > 0, qPrintable(family->name()));
+            for (const FormAssistant &assistant : family->table().entries()) {
+                const QString block = QStringLiteral("  %1 - %2\n").arg(assistant.title, assistant.description);
+                const qsizetype at = run.out.indexOf(block, header);
+                QVERIFY2(at >= 0, qPrintable(assistant.title));
+                // The form's fields follow its title, in form order.
+                qsizetype from = at + block.size();
+                for (const InputField &field : assistant.inputs) {
+                    const QString line = QStringLiteral("    - %1 (%2)").arg(field.label, field.typeName());
+                    QCOMPARE(run.out.indexOf(line, from), from);
+                    from = run.out.indexOf(QLatin1Char('\n'), from) + 1;
+                }
+            }
+        }
+    }
+
+    void assistantsRejectsArguments()
+    {
+        const Run run = runCli({ QStringLiteral("assistants"), QStringLiteral("Marketing") });
+        QCOMPARE(run.exitCode, 2);
+        QCOMPARE(run.out, QString());
+        QVERIFY(!run.err.isEmpty());
+    }
+};
+
+ZENTRIK_TEST(ToolsVerbsTest)
+#include "tst_toolsverbs.moc"
