@@ -1,0 +1,44 @@
+#pragma once
+
+#include "privacy/redactionrules.h"
+
+#include <QString>
+
+#include <unicode/regex.h>
+
+#include <memory>
+#include <vector>
+
+namespace zentrik {
+
+// One rule of the redaction table, compiled once, replacing every non-overlapping match,
+// left to right, with the rule's text taken literally.
+//
+// The result is what a scan of the whole text by the regex engine gives, but the engine
+// only sees the stretches where the rule's MatchSite says a match can lie: the stretch
+// around each '@', the runs of digits and their separators, or the places where a literal
+// starts. Those stretches are searched with transparent bounds, so word boundaries at their
+// edges still see the characters beyond them.
+class PatternPass
+{
+public:
+    explicit PatternPass(const RedactionRule &rule);
+
+    [[nodiscard]] QString apply(const QString &text) const;
+
+private:
+    struct Span
+    {
+        int32_t start;
+        int32_t end;
+    };
+
+    [[nodiscard]] std::vector<Span> sitesIn(const char16_t *chars, int32_t length) const;
+    [[nodiscard]] std::vector<Span> matchesIn(const QString &text, const std::vector<Span> &sites) const;
+
+    const RedactionRule &m_rule;
+    QString m_replacement;
+    std::unique_ptr<icu::RegexPattern> m_pattern;
+};
+
+} // namespace zentrik

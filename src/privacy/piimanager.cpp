@@ -1,0 +1,35 @@
+#include "privacy/piimanager.h"
+
+#include "privacy/nameredactorpii.h"
+#include "privacy/patternpass.h"
+
+#include <array>
+#include <utility>
+
+namespace zentrik {
+
+namespace {
+
+template<std::size_t... Index> std::array<PatternPass, sizeof...(Index)> makePasses(std::index_sequence<Index...>)
+{
+    return { PatternPass(redactionRules[Index])... };
+}
+
+const std::array<PatternPass, redactionRules.size()> &patternPasses()
+{
+    static const auto passes = makePasses(std::make_index_sequence<redactionRules.size()>());
+    return passes;
+}
+
+} // namespace
+
+QString PIIManager::redact(const QString &text)
+{
+    QString current = NameRedactorPII::shared().redact(text);
+    for (const PatternPass &pass : patternPasses()) {
+        current = pass.apply(current);
+    }
+    return current;
+}
+
+} // namespace zentrik

@@ -1,0 +1,112 @@
+#include "privacy/piialertviewmodel.h"
+
+#include "support/testregistry.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace zentrik;
+
+class PiiAlertViewModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startsClosedAndEmpty()
+    {
+        const PiiAlertViewModel model;
+        QCOMPARE(model.showAlert(), false);
+        QCOMPARE(model.originalMessage(), QString());
+        QCOMPARE(model.redactedMessage(), QString());
+    }
+
+    void messageWithoutPersonalDataChangesNothing()
+    {
+        PiiAlertViewModel model;
+        QSignalSpy shown(&model, &PiiAlertViewModel::showAlertChanged);
+        QSignalSpy original(&model, &PiiAlertViewModel::originalMessageChanged);
+        QSignalSpy redacted(&model, &PiiAlertViewModel::redactedMessageChanged);
+
+        QCOMPARE(model.checkForPII(QStringLiteral("Write a slogan for a bakery.")), false);
+        QCOMPARE(shown.count(), 0);
+        QCOMPARE(original.count(), 0);
+        QCOMPARE(redacted.count(), 0);
+        QCOMPARE(model.showAlert(), false);
+    }
+
+    void messageWithEmailOpensTheDialog()
+    {
+        PiiAlertViewModel model;
+        QStringList order;
+        connect(&model, &PiiAlertViewModel::originalMessageChanged, this, [&] { order << QStringLiteral("original"); });
+        connect(&model, &PiiAlertViewModel::redactedMessageChanged, this, [&] { order << QStringLiteral("redacted"); });
+        connect(&model, &PiiAlertViewModel::showAlertChanged, this, [&] { order << QStringLiteral("show"); });
+        QSignalSpy shown(&model, &PiiAlertViewModel::showAlertChanged);
+
+        const QString message = QStringLiteral("Reply to jane@example.com please");
+        QCOMPARE(model.checkForPII(message), true);
+        QCOMPARE(model.originalMessage(), message);
+        QCOMPARE(model.redactedMessage(), QStringLiteral("Reply to [EMAIL_ADDRESS] please"));
+        QCOMPARE(model.showAlert(), true);
+        QCOMPARE(shown.count(), 1);
+        QCOMPARE(
+            order, (QStringList { QStringLiteral("original"), QStringLiteral("redacted"), QStringLiteral("show") }));
+    }
+
+    void bareWordsOpenTheDialog()
+    {
+        PiiAlertViewModel model;
+        QVERIFY(model.checkForPII(QStringLiteral("Which user can pass the login?")));
+        QCOMPARE(model.redactedMessage(), QStringLiteral("Which [USERNAME] can [PASSWORD] the [CREDENTIALS]?"));
+    }
+
+    void closingKeepsTheMessages()
+    {
+        PiiAlertViewModel model;
+        QVERIFY(model.checkForPII(QStringLiteral("SSN 123-45-6789")));
+        QSignalSpy shown(&model, &PiiAlertViewModel::showAlertChanged);
+        QSignalSpy original(&model, &PiiAlertViewModel::originalMessageChanged);
+
+        model.setShowAlert(false);
+        model.setShowAlert(false);
+        QCOMPARE(shown.count(), 1);
+        QCOMPARE(model.originalMessage(), QStringLiteral("SSN 123-45-6789"));
+        QCOMPARE(model.redactedMessage(), QStringLiteral("SSN [SSN]"));
+
+        // A clean message leaves the last values alone; the next positive check replaces them.
+        QVERIFY(!model.checkForPII(QStringLiteral("all clear")));
+        QCOMPARE(model.originalMessage(), QStringLiteral("SSN 123-45-6789"));
+        QVERIFY(model.checkForPII(QStringLiteral("Zip 90210")));
+        QCOMPARE(model.originalMessage(), QStringLiteral("Zip 90210"));
+        QCOMPARE(model.redactedMessage(), QStringLiteral("Zip [ZIP_CODE]"));
+        QCOMPARE(model.showAlert(), true);
+        QCOMPARE(original.count(), 1);
+        QCOMPARE(shown.count(), 2);
+    }
+
+    void repeatedCheckEmitsNothingNew()
+    {
+        PiiAlertViewModel model;
+        const QString message = QStringLiteral("Call 5551234567");
+        QVERIFY(model.checkForPII(message));
+        QSignalSpy shown(&model, &PiiAlertViewModel::showAlertChanged);
+        QSignalSpy original(&model, &PiiAlertViewModel::originalMessageChanged);
+        QSignalSpy redacted(&model, &PiiAlertViewModel::redactedMessageChanged);
+        QVERIFY(model.checkForPII(message));
+        QCOMPARE(shown.count() + original.count() + redacted.count(), 0);
+    }
+
+    void propertiesNotify()
+    {
+        PiiAlertViewModel model;
+        QSignalSpy viaProperty(&model, &PiiAlertViewModel::showAlertChanged);
+        QVERIFY(model.setProperty("showAlert", true));
+        QCOMPARE(viaProperty.count(), 1);
+        QVERIFY(model.checkForPII(QStringLiteral("pass")));
+        QCOMPARE(model.property("redactedMessage").toString(), QStringLiteral("[PASSWORD]"));
+        QCOMPARE(model.property("originalMessage").toString(), QStringLiteral("pass"));
+    }
+};
+
+ZENTRIK_TEST(PiiAlertViewModelTest)
+#include "tst_piialertviewmodel.moc"
