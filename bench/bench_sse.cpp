@@ -27,9 +27,8 @@ constexpr qsizetype pieceSize = 16 * 1024;
 const QByteArray &syntheticStream()
 {
     static const QByteArray stream = [] {
-        static const std::array<const char *, 12> tokens = {
-            " the", " reply", " streams", " in", " small", " pieces", ",", " caf\u00e9", " \U0001F600",
-            " and", " \u00fcber", "."};
+        static const std::array<const char *, 12> tokens = { " the", " reply", " streams", " in", " small", " pieces",
+            ",", " caf\u00e9", " \U0001F600", " and", " \u00fcber", "." };
         std::mt19937 random(7);
         QByteArray bytes;
         bytes.reserve(streamSize + 1024);
@@ -39,16 +38,13 @@ const QByteArray &syntheticStream()
             for (int i = 0, count = int(random() % 4) + 1; i < count; ++i) {
                 text += QString::fromUtf8(tokens.at(random() % tokens.size()));
             }
-            const QJsonObject chunk{
-                {"id", "gen-1732000000-abcdefghijklmnop"},
-                {"provider", "Together"},
-                {"model", "meta-llama/llama-3.1-8b-instruct:free"},
-                {"object", "chat.completion.chunk"},
-                {"created", 1732000000},
-                {"choices", QJsonArray{QJsonObject{{"index", 0},
-                                                   {"delta", QJsonObject{{"role", "assistant"}, {"content", text}}},
-                                                   {"finish_reason", QJsonValue()},
-                                                   {"logprobs", QJsonValue()}}}}};
+            const QJsonObject chunk { { "id", "gen-1732000000-abcdefghijklmnop" }, { "provider", "Together" },
+                { "model", "meta-llama/llama-3.1-8b-instruct:free" }, { "object", "chat.completion.chunk" },
+                { "created", 1732000000 },
+                { "choices",
+                    QJsonArray { QJsonObject { { "index", 0 },
+                        { "delta", QJsonObject { { "role", "assistant" }, { "content", text } } },
+                        { "finish_reason", QJsonValue() }, { "logprobs", QJsonValue() } } } } };
             bytes += "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
             if (++n % 50 == 0) {
                 bytes += ": OPENROUTER PROCESSING\n\n";
@@ -60,8 +56,7 @@ const QByteArray &syntheticStream()
     return stream;
 }
 
-template <typename Feed>
-void run(benchmark::State &state, Feed feed)
+template<typename Feed> void run(benchmark::State &state, Feed feed)
 {
     const QByteArray &stream = syntheticStream();
     for (auto _ : state) {

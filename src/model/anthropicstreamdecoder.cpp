@@ -21,8 +21,8 @@ AnthropicStreamDecoder::Event failure(ChatError error)
 
 QString unreadableEvent(const QString &why)
 {
-    return QCoreApplication::translate("AnthropicStreamDecoder",
-                                       "The reply stream held an event that could not be read: %1")
+    return QCoreApplication::translate(
+        "AnthropicStreamDecoder", "The reply stream held an event that could not be read: %1")
         .arg(why);
 }
 
@@ -37,13 +37,13 @@ AnthropicStreamDecoder::Event AnthropicStreamDecoder::decodeLine(QByteArrayView 
     if (sse.kind != SseLine::Kind::Data) {
         return {};
     }
-    QJsonParseError parseError{};
+    QJsonParseError parseError {};
     const QJsonDocument document = QJsonDocument::fromJson(sse.value.toByteArray(), &parseError);
     if (parseError.error != QJsonParseError::NoError || !document.isObject()) {
         m_ended = true;
-        return failure(ChatError::invalidReply(unreadableEvent(
-            parseError.error != QJsonParseError::NoError ? parseError.errorString()
-                                                         : QStringLiteral("not a JSON object"))));
+        return failure(ChatError::invalidReply(
+            unreadableEvent(parseError.error != QJsonParseError::NoError ? parseError.errorString()
+                                                                         : QStringLiteral("not a JSON object"))));
     }
     const QJsonObject object = document.object();
     const QString type = object.value(QLatin1String("type")).toString();
@@ -57,11 +57,11 @@ AnthropicStreamDecoder::Event AnthropicStreamDecoder::decodeLine(QByteArrayView 
             m_ended = true;
             return failure(ChatError::invalidReply(unreadableEvent(QStringLiteral("text_delta without text"))));
         }
-        return {Event::Kind::text, text.toString(), std::nullopt};
+        return { Event::Kind::text, text.toString(), std::nullopt };
     }
     if (type == QLatin1String("message_stop")) {
         m_ended = true;
-        return {Event::Kind::done, {}, std::nullopt};
+        return { Event::Kind::done, {}, std::nullopt };
     }
     if (type == QLatin1String("message_delta")) {
         const QJsonValue reason = object.value(QLatin1String("delta")).toObject().value(QLatin1String("stop_reason"));
@@ -92,7 +92,7 @@ AnthropicStreamDecoder::Event AnthropicStreamDecoder::endOfInput()
     }
     m_ended = true;
     if (m_sawStopReason) {
-        return {Event::Kind::done, {}, std::nullopt};
+        return { Event::Kind::done, {}, std::nullopt };
     }
     return failure(ChatError::incompleteStream());
 }
@@ -110,7 +110,8 @@ void AnthropicStreamDecoder::feed(QByteArrayView bytes, const Sink &sink)
     if (m_ended) {
         return;
     }
-    const auto status = m_lines.feed(bytes, [this, &sink](QByteArrayView line) { return handle(decodeLine(line), sink); });
+    const auto status
+        = m_lines.feed(bytes, [this, &sink](QByteArrayView line) { return handle(decodeLine(line), sink); });
     if (status == LineSplitter::Status::LineTooLong) {
         m_ended = true;
         sink(failure(ChatError::invalidReply(ChatStreamDecoder::lineTooLong(m_lines.maxLineLength()))));

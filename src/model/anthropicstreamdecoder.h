@@ -15,9 +15,11 @@ namespace zentrik {
 // delta is a text_delta, message_stop ends the stream, an error event fails it with its
 // message, and every other event (ping, message_start, content_block_start, …) is skipped.
 // Works on lines from the network or on any byte buffer.
-class AnthropicStreamDecoder {
+class AnthropicStreamDecoder
+{
 public:
-    struct Event {
+    struct Event
+    {
         enum class Kind { skipped, text, done, failed };
         Kind kind = Kind::skipped;
         QString text;

@@ -11,7 +11,8 @@
 
 namespace zentrik {
 
-struct APIManager::ActiveStream {
+struct APIManager::ActiveStream
+{
     StreamId id = 0;
     HttpClient::CallId call = 0;
     StreamPiece onPiece;
@@ -27,15 +28,15 @@ APIError toAPIError(const ChatError &error)
 {
     switch (error.kind) {
     case ChatError::Kind::transport:
-        return APIError::fromTransport(error.transport.value_or(TransportError{}));
+        return APIError::fromTransport(error.transport.value_or(TransportError {}));
     case ChatError::Kind::invalidReply:
-        return {APIError::jsonParsingFailed, error.description()};
+        return { APIError::jsonParsingFailed, error.description() };
     case ChatError::Kind::httpStatus:
     case ChatError::Kind::serviceError:
     case ChatError::Kind::incomplete:
         break;
     }
-    return {APIError::generalNetworkError, error.description()};
+    return { APIError::generalNetworkError, error.description() };
 }
 
 void logMissingBuiltInKey()
@@ -89,18 +90,18 @@ void APIManager::generateText(const QString &prompt, QObject *context, TextCompl
         return;
     }
     m_http->send(TextRequest::build(*provider, model, prompt, key), context,
-                 [provider = *provider, completion = std::move(completion)](const HttpResult &result) {
-                     TextResult reply = TextRequest::read(provider, result);
-                     if (const auto *error = std::get_if<APIError>(&reply);
-                         error != nullptr && provider == TextProvider::anthropic) {
-                         qInfo().noquote() << "API request failed: " + error->message();
-                     }
-                     completion(reply);
-                 });
+        [provider = *provider, completion = std::move(completion)](const HttpResult &result) {
+            TextResult reply = TextRequest::read(provider, result);
+            if (const auto *error = std::get_if<APIError>(&reply);
+                error != nullptr && provider == TextProvider::anthropic) {
+                qInfo().noquote() << "API request failed: " + error->message();
+            }
+            completion(reply);
+        });
 }
 
-APIManager::StreamId APIManager::streamText(const QString &prompt, QObject *context, StreamPiece onPiece,
-                                            StreamCompletion completion)
+APIManager::StreamId APIManager::streamText(
+    const QString &prompt, QObject *context, StreamPiece onPiece, StreamCompletion completion)
 {
     auto stream = std::make_shared<ActiveStream>();
     stream->id = m_nextStreamId++;
@@ -118,8 +119,8 @@ APIManager::StreamId APIManager::streamText(const QString &prompt, QObject *cont
         return failAtOnce(APIError::unsupportedModel);
     }
     if (*provider == TextProvider::openRouter && !m_llmChat) {
-        return failAtOnce({APIError::generalNetworkError,
-                           QCoreApplication::translate("APIManager", "The chat client is not set up.")});
+        return failAtOnce({ APIError::generalNetworkError,
+            QCoreApplication::translate("APIManager", "The chat client is not set up.") });
     }
     const QString key = *provider == TextProvider::openRouter ? m_llmChat->apiKey() : keyFor(*provider);
     if (key.isEmpty()) {
@@ -171,8 +172,8 @@ APIManager::StreamId APIManager::streamText(const QString &prompt, QObject *cont
             const AnthropicStreamDecoder::Event end = decoder->endOfInput();
             finishStream(id, end.error ? std::optional<APIError>(toAPIError(*end.error)) : std::nullopt);
         };
-        stream->call = m_http->stream(TextRequest::build(*provider, model, prompt, key, true), context,
-                                      std::move(handlers));
+        stream->call
+            = m_http->stream(TextRequest::build(*provider, model, prompt, key, true), context, std::move(handlers));
         return id;
     }
 
@@ -189,8 +190,8 @@ APIManager::StreamId APIManager::streamText(const QString &prompt, QObject *cont
     handlers.onFinished = [this, id](const std::optional<ChatError> &error) {
         finishStream(id, error ? std::optional<APIError>(toAPIError(*error)) : std::nullopt);
     };
-    const QList<ChatMessage> messages{ChatMessage(ChatMessage::Role::user, prompt)};
-    stream->call = client.stream(model, messages, ChatOptions{}, context, std::move(handlers));
+    const QList<ChatMessage> messages { ChatMessage(ChatMessage::Role::user, prompt) };
+    stream->call = client.stream(model, messages, ChatOptions {}, context, std::move(handlers));
     return id;
 }
 

@@ -90,14 +90,15 @@ std::optional<ChatCompletion::Usage> usageFromJson(const QJsonObject &object)
     usage.totalTokens = fields.integer(L("total_tokens")).value_or(0);
     if (const auto details = fields.object(L("completion_tokens_details"))) {
         JsonFields inner(*details);
-        usage.completionTokensDetails = ChatCompletion::CompletionTokensDetails{inner.integer(L("reasoning_tokens"))};
+        usage.completionTokensDetails
+            = ChatCompletion::CompletionTokensDetails { inner.integer(L("reasoning_tokens")) };
         if (!inner.ok()) {
             return std::nullopt;
         }
     }
     if (const auto details = fields.object(L("prompt_tokens_details"))) {
         JsonFields inner(*details);
-        usage.promptTokensDetails = ChatCompletion::PromptTokensDetails{inner.integer(L("cached_tokens"))};
+        usage.promptTokensDetails = ChatCompletion::PromptTokensDetails { inner.integer(L("cached_tokens")) };
         if (!inner.ok()) {
             return std::nullopt;
         }

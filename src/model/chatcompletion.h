@@ -16,8 +16,10 @@ enum class ChatFinishReason { stop, length, toolCalls, contentFilter, other };
 [[nodiscard]] ChatFinishReason chatFinishReasonFromString(const QString &text);
 
 // A whole reply of the chat completions protocol.
-struct ChatCompletion {
-    struct ToolCall {
+struct ChatCompletion
+{
+    struct ToolCall
+    {
         QString id;
         QString type;
         QString functionName;
@@ -26,7 +28,8 @@ struct ChatCompletion {
         friend bool operator==(const ToolCall &, const ToolCall &) = default;
     };
 
-    struct Message {
+    struct Message
+    {
         QString role;
         std::optional<QString> content;
         std::optional<QString> refusal;
@@ -35,7 +38,8 @@ struct ChatCompletion {
         friend bool operator==(const Message &, const Message &) = default;
     };
 
-    struct Choice {
+    struct Choice
+    {
         qint64 index = 0;
         Message message;
         std::optional<ChatFinishReason> finishReason;
@@ -44,17 +48,20 @@ struct ChatCompletion {
         friend bool operator==(const Choice &, const Choice &) = default;
     };
 
-    struct CompletionTokensDetails {
+    struct CompletionTokensDetails
+    {
         std::optional<qint64> reasoningTokens;
         friend bool operator==(const CompletionTokensDetails &, const CompletionTokensDetails &) = default;
     };
 
-    struct PromptTokensDetails {
+    struct PromptTokensDetails
+    {
         std::optional<qint64> cachedTokens;
         friend bool operator==(const PromptTokensDetails &, const PromptTokensDetails &) = default;
     };
 
-    struct Usage {
+    struct Usage
+    {
         qint64 completionTokens = 0;
         qint64 promptTokens = 0;
         qint64 totalTokens = 0;

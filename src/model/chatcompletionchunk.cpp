@@ -79,14 +79,15 @@ std::optional<ChatCompletionChunk::Usage> usageFromJson(const QJsonObject &objec
     usage.totalTokens = fields.integer(L("total_tokens"));
     if (const auto details = fields.object(L("completion_tokens_details"))) {
         JsonFields inner(*details);
-        usage.completionTokensDetails = ChatCompletion::CompletionTokensDetails{inner.integer(L("reasoning_tokens"))};
+        usage.completionTokensDetails
+            = ChatCompletion::CompletionTokensDetails { inner.integer(L("reasoning_tokens")) };
         if (!inner.ok()) {
             return std::nullopt;
         }
     }
     if (const auto details = fields.object(L("prompt_tokens_details"))) {
         JsonFields inner(*details);
-        usage.promptTokensDetails = ChatCompletion::PromptTokensDetails{inner.integer(L("cached_tokens"))};
+        usage.promptTokensDetails = ChatCompletion::PromptTokensDetails { inner.integer(L("cached_tokens")) };
         if (!inner.ok()) {
             return std::nullopt;
         }
@@ -109,8 +110,8 @@ std::optional<QString> ChatCompletionChunk::text() const
 
 bool ChatCompletionChunk::hasFinishReason() const
 {
-    return std::any_of(choices.cbegin(), choices.cend(),
-                       [](const Choice &choice) { return choice.finishReason.has_value(); });
+    return std::any_of(
+        choices.cbegin(), choices.cend(), [](const Choice &choice) { return choice.finishReason.has_value(); });
 }
 
 std::optional<ChatCompletionChunk> ChatCompletionChunk::fromJson(const QJsonObject &object)

@@ -13,8 +13,10 @@ namespace zentrik {
 
 // One event of a streamed reply: the shape of a whole reply, with a delta in place of each
 // choice's message and every part of it optional.
-struct ChatCompletionChunk {
-    struct ToolCall {
+struct ChatCompletionChunk
+{
+    struct ToolCall
+    {
         std::optional<qint64> index;
         std::optional<QString> id;
         std::optional<QString> type;
@@ -24,7 +26,8 @@ struct ChatCompletionChunk {
         friend bool operator==(const ToolCall &, const ToolCall &) = default;
     };
 
-    struct Delta {
+    struct Delta
+    {
         std::optional<QString> role;
         std::optional<QString> content;
         std::optional<QString> refusal;
@@ -33,7 +36,8 @@ struct ChatCompletionChunk {
         friend bool operator==(const Delta &, const Delta &) = default;
     };
 
-    struct Choice {
+    struct Choice
+    {
         qint64 index = 0;
         Delta delta;
         std::optional<ChatFinishReason> finishReason;
@@ -42,7 +46,8 @@ struct ChatCompletionChunk {
         friend bool operator==(const Choice &, const Choice &) = default;
     };
 
-    struct Usage {
+    struct Usage
+    {
         std::optional<qint64> completionTokens;
         std::optional<qint64> promptTokens;
         std::optional<qint64> totalTokens;

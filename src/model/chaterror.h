@@ -12,13 +12,14 @@ namespace zentrik {
 
 // Why a chat call or stream failed. The description names the HTTP status and the
 // service's own message when there was one ("HTTP 401: Incorrect API key provided").
-struct ChatError {
+struct ChatError
+{
     enum class Kind {
-        transport,       // no answer: see `transport`
-        httpStatus,      // a non-success status; `message` is the service's message, if any
-        serviceError,    // the service reported an error inside the stream
-        invalidReply,    // the answer was not what the protocol promises
-        incomplete,      // the stream ended before the reply was complete
+        transport, // no answer: see `transport`
+        httpStatus, // a non-success status; `message` is the service's message, if any
+        serviceError, // the service reported an error inside the stream
+        invalidReply, // the answer was not what the protocol promises
+        incomplete, // the stream ended before the reply was complete
     };
 
     Kind kind = Kind::invalidReply;

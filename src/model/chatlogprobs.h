@@ -9,8 +9,10 @@
 namespace zentrik {
 
 // Token log probabilities of a choice, as both whole replies and stream chunks carry them.
-struct ChatLogprobs {
-    struct Token {
+struct ChatLogprobs
+{
+    struct Token
+    {
         QString token;
         double logprob = 0;
         std::optional<QList<int>> bytes;

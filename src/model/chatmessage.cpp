@@ -24,7 +24,7 @@ ChatMessage::Content ChatMessage::Content::fromImage(QString url, ImageDetail de
 QJsonObject ChatMessage::Content::toJson() const
 {
     if (type == Type::text) {
-        return {{QStringLiteral("type"), QStringLiteral("text")}, {QStringLiteral("text"), text}};
+        return { { QStringLiteral("type"), QStringLiteral("text") }, { QStringLiteral("text"), text } };
     }
     QString detailName;
     switch (detail) {
@@ -38,23 +38,21 @@ QJsonObject ChatMessage::Content::toJson() const
         detailName = QStringLiteral("auto");
         break;
     }
-    return {{QStringLiteral("type"), QStringLiteral("image_url")},
-            {QStringLiteral("image_url"),
-             QJsonObject{{QStringLiteral("url"), imageUrl}, {QStringLiteral("detail"), detailName}}}};
+    return { { QStringLiteral("type"), QStringLiteral("image_url") },
+        { QStringLiteral("image_url"),
+            QJsonObject { { QStringLiteral("url"), imageUrl }, { QStringLiteral("detail"), detailName } } } };
 }
 
 ChatMessage::ChatMessage(Role role, QList<Content> content, std::optional<QString> name)
     : role(role)
     , content(std::move(content))
     , name(std::move(name))
-{
-}
+{ }
 
 ChatMessage::ChatMessage(Role role, const QString &text)
     : role(role)
-    , content{Content::fromText(text)}
-{
-}
+    , content { Content::fromText(text) }
+{ }
 
 QString ChatMessage::roleName(Role role)
 {
@@ -75,7 +73,7 @@ QJsonObject ChatMessage::toJson() const
     for (const Content &part : content) {
         parts.append(part.toJson());
     }
-    QJsonObject object{{QStringLiteral("role"), roleName(role)}, {QStringLiteral("content"), parts}};
+    QJsonObject object { { QStringLiteral("role"), roleName(role) }, { QStringLiteral("content"), parts } };
     if (name) {
         object.insert(QStringLiteral("name"), *name);
     }

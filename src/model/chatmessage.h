@@ -9,11 +9,13 @@
 namespace zentrik {
 
 // One message of a chat request: a role and an ordered list of text and image parts.
-struct ChatMessage {
+struct ChatMessage
+{
     enum class Role { system, user, assistant };
     enum class ImageDetail { high, low, automatic };
 
-    struct Content {
+    struct Content
+    {
         enum class Type { text, image };
 
         Type type = Type::text;

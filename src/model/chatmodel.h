@@ -9,8 +9,10 @@
 namespace zentrik {
 
 // The model list of a chat service.
-struct ChatModel {
-    struct Entry {
+struct ChatModel
+{
+    struct Entry
+    {
         QString id;
         qint64 created = 0;
         QString object;

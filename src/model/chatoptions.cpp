@@ -10,16 +10,16 @@ QJsonObject toJson(const ChatOptions::ResponseFormat &format)
 {
     switch (format.type) {
     case ChatOptions::ResponseFormat::Type::text:
-        return {{QStringLiteral("type"), QStringLiteral("text")}};
+        return { { QStringLiteral("type"), QStringLiteral("text") } };
     case ChatOptions::ResponseFormat::Type::jsonObject:
-        return {{QStringLiteral("type"), QStringLiteral("json_object")}};
+        return { { QStringLiteral("type"), QStringLiteral("json_object") } };
     case ChatOptions::ResponseFormat::Type::jsonSchema:
         break;
     }
-    QJsonObject object{{QStringLiteral("type"), QStringLiteral("json_schema")}};
+    QJsonObject object { { QStringLiteral("type"), QStringLiteral("json_schema") } };
     if (format.jsonSchema) {
         const ChatOptions::JsonSchema &schema = *format.jsonSchema;
-        QJsonObject inner{{QStringLiteral("name"), schema.name}};
+        QJsonObject inner { { QStringLiteral("name"), schema.name } };
         if (schema.description) {
             inner.insert(QStringLiteral("description"), *schema.description);
         }
@@ -36,7 +36,7 @@ QJsonObject toJson(const ChatOptions::ResponseFormat &format)
 
 QJsonObject toJson(const ChatOptions::Tool &tool)
 {
-    QJsonObject function{{QStringLiteral("name"), tool.function.name}};
+    QJsonObject function { { QStringLiteral("name"), tool.function.name } };
     if (tool.function.description) {
         function.insert(QStringLiteral("description"), *tool.function.description);
     }
@@ -46,7 +46,7 @@ QJsonObject toJson(const ChatOptions::Tool &tool)
     if (tool.function.strict) {
         function.insert(QStringLiteral("strict"), *tool.function.strict);
     }
-    return {{QStringLiteral("type"), tool.type}, {QStringLiteral("function"), function}};
+    return { { QStringLiteral("type"), tool.type }, { QStringLiteral("function"), function } };
 }
 
 QJsonValue toJson(const ChatOptions::ToolChoice &choice)
@@ -59,12 +59,11 @@ QJsonValue toJson(const ChatOptions::ToolChoice &choice)
     case ChatOptions::ToolChoice::Mode::function:
         break;
     }
-    return QJsonObject{{QStringLiteral("type"), QStringLiteral("function")},
-                       {QStringLiteral("function"), QJsonObject{{QStringLiteral("name"), choice.functionName}}}};
+    return QJsonObject { { QStringLiteral("type"), QStringLiteral("function") },
+        { QStringLiteral("function"), QJsonObject { { QStringLiteral("name"), choice.functionName } } } };
 }
 
-template <typename T>
-void put(QJsonObject &body, const char *key, const std::optional<T> &value)
+template<typename T> void put(QJsonObject &body, const char *key, const std::optional<T> &value)
 {
     if (value) {
         body.insert(QLatin1StringView(key), QJsonValue(*value));

@@ -12,34 +12,40 @@ namespace zentrik {
 
 // Generation options of a chat request. Every field is optional, and only the fields that
 // are set appear in the request body, beside "model" and "messages".
-struct ChatOptions {
-    struct JsonSchema {
+struct ChatOptions
+{
+    struct JsonSchema
+    {
         QString name;
         std::optional<QString> description;
         std::optional<QJsonObject> schema;
         std::optional<bool> strict;
     };
 
-    struct ResponseFormat {
+    struct ResponseFormat
+    {
         enum class Type { text, jsonObject, jsonSchema };
         Type type = Type::text;
         // Only for Type::jsonSchema.
         std::optional<JsonSchema> jsonSchema;
     };
 
-    struct Function {
+    struct Function
+    {
         QString name;
         std::optional<QString> description;
         std::optional<QJsonObject> parameters;
         std::optional<bool> strict;
     };
 
-    struct Tool {
+    struct Tool
+    {
         QString type = QStringLiteral("function");
         Function function;
     };
 
-    struct ToolChoice {
+    struct ToolChoice
+    {
         enum class Mode { none, automatic, function };
         Mode mode = Mode::automatic;
         // Only for Mode::function.

@@ -34,19 +34,19 @@ ChatStreamDecoder::Event ChatStreamDecoder::decodeLine(QByteArrayView line)
     const SseLine sse = SseLine::classify(line);
     if (sse.kind == SseLine::Kind::Done) {
         m_ended = true;
-        return {Event::Kind::done, {}, std::nullopt};
+        return { Event::Kind::done, {}, std::nullopt };
     }
     if (sse.kind != SseLine::Kind::Data) {
         return {};
     }
 
-    QJsonParseError parseError{};
+    QJsonParseError parseError {};
     const QJsonDocument document = QJsonDocument::fromJson(sse.value.toByteArray(), &parseError);
     if (parseError.error != QJsonParseError::NoError || !document.isObject()) {
         m_ended = true;
-        return failure(ChatError::invalidReply(unreadableChunk(
-            parseError.error != QJsonParseError::NoError ? parseError.errorString()
-                                                         : QStringLiteral("not a JSON object"))));
+        return failure(ChatError::invalidReply(
+            unreadableChunk(parseError.error != QJsonParseError::NoError ? parseError.errorString()
+                                                                         : QStringLiteral("not a JSON object"))));
     }
     const QJsonObject object = document.object();
     if (object.contains(QLatin1String("error"))) {
@@ -65,7 +65,7 @@ ChatStreamDecoder::Event ChatStreamDecoder::decodeLine(QByteArrayView line)
         return failure(ChatError::invalidReply(unreadableChunk(QStringLiteral("unexpected fields"))));
     }
     m_sawFinishReason = m_sawFinishReason || chunk->hasFinishReason();
-    return {Event::Kind::chunk, *std::move(chunk), std::nullopt};
+    return { Event::Kind::chunk, *std::move(chunk), std::nullopt };
 }
 
 ChatStreamDecoder::Event ChatStreamDecoder::endOfInput()
@@ -75,7 +75,7 @@ ChatStreamDecoder::Event ChatStreamDecoder::endOfInput()
     }
     m_ended = true;
     if (m_sawFinishReason) {
-        return {Event::Kind::done, {}, std::nullopt};
+        return { Event::Kind::done, {}, std::nullopt };
     }
     return failure(ChatError::incompleteStream());
 }
@@ -93,7 +93,8 @@ void ChatStreamDecoder::feed(QByteArrayView bytes, const Sink &sink)
     if (m_ended) {
         return;
     }
-    const auto status = m_lines.feed(bytes, [this, &sink](QByteArrayView line) { return handle(decodeLine(line), sink); });
+    const auto status
+        = m_lines.feed(bytes, [this, &sink](QByteArrayView line) { return handle(decodeLine(line), sink); });
     if (status == LineSplitter::Status::LineTooLong) {
         m_ended = true;
         sink(failure(ChatError::invalidReply(lineTooLong(m_lines.maxLineLength()))));

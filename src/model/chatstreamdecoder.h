@@ -17,9 +17,11 @@ namespace zentrik {
 // whose JSON holds an "error" ends the stream with that error's message, since services
 // report failures after the first tokens that way; a data line that is no chunk ends it
 // with a failure that says so. Works on lines from the network or on any byte buffer.
-class ChatStreamDecoder {
+class ChatStreamDecoder
+{
 public:
-    struct Event {
+    struct Event
+    {
         enum class Kind { skipped, chunk, done, failed };
         Kind kind = Kind::skipped;
         ChatCompletionChunk chunk;

@@ -6,8 +6,7 @@ namespace zentrik {
 
 JsonFields::JsonFields(QJsonObject object)
     : m_object(std::move(object))
-{
-}
+{ }
 
 QJsonValue JsonFields::present(QLatin1StringView key) const
 {

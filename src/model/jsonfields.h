@@ -11,7 +11,8 @@ namespace zentrik {
 // Reads the fields of one JSON object into typed values, remembering whether every field
 // had the type the record expects. A missing field or a null counts as absent; a present
 // field of the wrong type makes the whole record invalid.
-class JsonFields {
+class JsonFields
+{
 public:
     explicit JsonFields(QJsonObject object);
 
@@ -25,12 +26,11 @@ public:
     // Marks the record invalid (a required field is missing, say).
     void fail() { m_ok = false; }
     // Returns the value, or marks the record invalid when it is absent.
-    template <typename T>
-    T require(std::optional<T> value)
+    template<typename T> T require(std::optional<T> value)
     {
         if (!value) {
             m_ok = false;
-            return T{};
+            return T {};
         }
         return *std::move(value);
     }

@@ -28,7 +28,7 @@ std::variant<QJsonObject, ChatError> answerObject(const HttpResult &result)
     if (!response.isSuccess()) {
         return ChatError::fromHttpStatus(response.status, response.body);
     }
-    QJsonParseError parseError{};
+    QJsonParseError parseError {};
     const QJsonDocument document = QJsonDocument::fromJson(response.body, &parseError);
     if (parseError.error != QJsonParseError::NoError) {
         return ChatError::invalidReply(unreadableReply(parseError.errorString()));
@@ -51,29 +51,27 @@ QUrl OpenAIChatClient::defaultModelEndpoint()
     return providerUrl(Provider::openAI, QStringLiteral("/v1/models"));
 }
 
-OpenAIChatClient::OpenAIChatClient(HttpClient *http, QString apiKey, QUrl endpoint, QUrl modelEndpoint,
-                                   QMap<QString, QString> customHeaders)
+OpenAIChatClient::OpenAIChatClient(
+    HttpClient *http, QString apiKey, QUrl endpoint, QUrl modelEndpoint, QMap<QString, QString> customHeaders)
     : m_http(http)
     , m_apiKey(std::move(apiKey))
     , m_endpoint(std::move(endpoint))
     , m_modelEndpoint(std::move(modelEndpoint))
     , m_customHeaders(std::move(customHeaders))
-{
-}
+{ }
 
-QJsonObject OpenAIChatClient::requestBody(const QString &model, const QList<ChatMessage> &messages,
-                                          const ChatOptions &options, bool stream)
+QJsonObject OpenAIChatClient::requestBody(
+    const QString &model, const QList<ChatMessage> &messages, const ChatOptions &options, bool stream)
 {
     QJsonArray messageList;
     for (const ChatMessage &message : messages) {
         messageList.append(message.toJson());
     }
-    QJsonObject body{{QStringLiteral("stream"), stream},
-                     {QStringLiteral("model"), model},
-                     {QStringLiteral("messages"), messageList}};
+    QJsonObject body { { QStringLiteral("stream"), stream }, { QStringLiteral("model"), model },
+        { QStringLiteral("messages"), messageList } };
     options.writeTo(body);
     if (stream) {
-        body.insert(QStringLiteral("stream_options"), QJsonObject{{QStringLiteral("include_usage"), true}});
+        body.insert(QStringLiteral("stream_options"), QJsonObject { { QStringLiteral("include_usage"), true } });
     }
     return body;
 }
@@ -84,21 +82,20 @@ HttpRequest OpenAIChatClient::request(const QByteArray &method, const QUrl &url)
     request.method = method;
     request.url = url;
     if (method == "POST") {
-        request.headers.append({QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json")});
+        request.headers.append({ QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json") });
     }
-    request.headers.append({QByteArrayLiteral("Authorization"), "Bearer " + m_apiKey.toUtf8()});
+    request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + m_apiKey.toUtf8() });
     for (auto it = m_customHeaders.cbegin(); it != m_customHeaders.cend(); ++it) {
-        request.headers.append({it.key().toUtf8(), it.value().toUtf8()});
+        request.headers.append({ it.key().toUtf8(), it.value().toUtf8() });
     }
     return request;
 }
 
 OpenAIChatClient::CallId OpenAIChatClient::send(const QString &model, const QList<ChatMessage> &messages,
-                                                const ChatOptions &options, QObject *context,
-                                                std::function<void(const CompletionResult &)> onFinished) const
+    const ChatOptions &options, QObject *context, std::function<void(const CompletionResult &)> onFinished) const
 {
     if (m_http.isNull()) {
-        onFinished(ChatError::fromTransport({TransportError::Kind::Other, QStringLiteral("No network client")}));
+        onFinished(ChatError::fromTransport({ TransportError::Kind::Other, QStringLiteral("No network client") }));
         return 0;
     }
     HttpRequest post = request("POST", m_endpoint);
@@ -119,11 +116,11 @@ OpenAIChatClient::CallId OpenAIChatClient::send(const QString &model, const QLis
 }
 
 OpenAIChatClient::CallId OpenAIChatClient::stream(const QString &model, const QList<ChatMessage> &messages,
-                                                  const ChatOptions &options, QObject *context,
-                                                  StreamHandlers handlers) const
+    const ChatOptions &options, QObject *context, StreamHandlers handlers) const
 {
     if (m_http.isNull()) {
-        handlers.onFinished(ChatError::fromTransport({TransportError::Kind::Other, QStringLiteral("No network client")}));
+        handlers.onFinished(
+            ChatError::fromTransport({ TransportError::Kind::Other, QStringLiteral("No network client") }));
         return 0;
     }
     HttpRequest post = request("POST", m_endpoint);
@@ -172,27 +169,27 @@ OpenAIChatClient::CallId OpenAIChatClient::stream(const QString &model, const QL
     return m_http->stream(std::move(post), context, std::move(http));
 }
 
-OpenAIChatClient::CallId OpenAIChatClient::listModels(QObject *context,
-                                                      std::function<void(const ModelsResult &)> onFinished) const
+OpenAIChatClient::CallId OpenAIChatClient::listModels(
+    QObject *context, std::function<void(const ModelsResult &)> onFinished) const
 {
     if (m_http.isNull()) {
-        onFinished(ChatError::fromTransport({TransportError::Kind::Other, QStringLiteral("No network client")}));
+        onFinished(ChatError::fromTransport({ TransportError::Kind::Other, QStringLiteral("No network client") }));
         return 0;
     }
-    return m_http->send(request("GET", m_modelEndpoint), context,
-                        [onFinished = std::move(onFinished)](const HttpResult &result) {
-                            auto object = answerObject(result);
-                            if (auto *error = std::get_if<ChatError>(&object)) {
-                                onFinished(*error);
-                                return;
-                            }
-                            auto models = ChatModel::fromJson(std::get<QJsonObject>(object));
-                            if (!models) {
-                                onFinished(ChatError::invalidReply(unreadableReply(QStringLiteral("not a model list"))));
-                                return;
-                            }
-                            onFinished(*std::move(models));
-                        });
+    return m_http->send(
+        request("GET", m_modelEndpoint), context, [onFinished = std::move(onFinished)](const HttpResult &result) {
+            auto object = answerObject(result);
+            if (auto *error = std::get_if<ChatError>(&object)) {
+                onFinished(*error);
+                return;
+            }
+            auto models = ChatModel::fromJson(std::get<QJsonObject>(object));
+            if (!models) {
+                onFinished(ChatError::invalidReply(unreadableReply(QStringLiteral("not a model list"))));
+                return;
+            }
+            onFinished(*std::move(models));
+        });
 }
 
 void OpenAIChatClient::cancel(CallId id) const

@@ -23,13 +23,15 @@ namespace zentrik {
 // A client for any service that speaks the OpenAI chat completions protocol. It is a small
 // value (key, addresses, extra headers and the shared HttpClient it sends through), cheap
 // to copy and holding no state between calls, so several streams may run at once.
-class OpenAIChatClient {
+class OpenAIChatClient
+{
 public:
     using CallId = HttpClient::CallId;
     using CompletionResult = std::variant<ChatCompletion, ChatError>;
     using ModelsResult = std::variant<ChatModel, ChatError>;
 
-    struct StreamHandlers {
+    struct StreamHandlers
+    {
         // Each chunk, in arrival order.
         std::function<void(const ChatCompletionChunk &chunk)> onChunk;
         // Once, at the end: std::nullopt for a normal end, or the failure. Chunks delivered
@@ -42,7 +44,7 @@ public:
     [[nodiscard]] static QUrl defaultModelEndpoint();
 
     OpenAIChatClient(HttpClient *http, QString apiKey, QUrl endpoint = defaultEndpoint(),
-                     QUrl modelEndpoint = defaultModelEndpoint(), QMap<QString, QString> customHeaders = {});
+        QUrl modelEndpoint = defaultModelEndpoint(), QMap<QString, QString> customHeaders = {});
 
     [[nodiscard]] QString apiKey() const { return m_apiKey; }
     [[nodiscard]] QUrl endpoint() const { return m_endpoint; }
@@ -50,19 +52,19 @@ public:
     [[nodiscard]] QMap<QString, QString> customHeaders() const { return m_customHeaders; }
 
     // One whole reply. Handlers run on the HttpClient's thread, never after `context` is gone.
-    CallId send(const QString &model, const QList<ChatMessage> &messages, const ChatOptions &options,
-                QObject *context, std::function<void(const CompletionResult &result)> onFinished) const;
+    CallId send(const QString &model, const QList<ChatMessage> &messages, const ChatOptions &options, QObject *context,
+        std::function<void(const CompletionResult &result)> onFinished) const;
     // A reply read as server-sent events while it arrives.
     CallId stream(const QString &model, const QList<ChatMessage> &messages, const ChatOptions &options,
-                  QObject *context, StreamHandlers handlers) const;
+        QObject *context, StreamHandlers handlers) const;
     CallId listModels(QObject *context, std::function<void(const ModelsResult &result)> onFinished) const;
     // Stops a call; none of its handlers runs afterwards.
     void cancel(CallId id) const;
 
     // The request body: "stream", "model", "messages", the options that are set and, only
     // when streaming, "stream_options" asking for usage.
-    [[nodiscard]] static QJsonObject requestBody(const QString &model, const QList<ChatMessage> &messages,
-                                                 const ChatOptions &options, bool stream);
+    [[nodiscard]] static QJsonObject requestBody(
+        const QString &model, const QList<ChatMessage> &messages, const ChatOptions &options, bool stream);
 
 private:
     [[nodiscard]] HttpRequest request(const QByteArray &method, const QUrl &url) const;

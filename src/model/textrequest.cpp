@@ -13,7 +13,7 @@ namespace {
 
 QJsonObject message(const char *role, const QString &content)
 {
-    return {{QStringLiteral("role"), QLatin1String(role)}, {QStringLiteral("content"), content}};
+    return { { QStringLiteral("role"), QLatin1String(role) }, { QStringLiteral("content"), content } };
 }
 
 QString providerName(TextProvider provider)
@@ -36,8 +36,8 @@ std::optional<QString> chatReply(const QJsonObject &object)
     if (choices.isEmpty()) {
         return std::nullopt;
     }
-    const QJsonValue content =
-        choices.first().toObject().value(QLatin1String("message")).toObject().value(QLatin1String("content"));
+    const QJsonValue content
+        = choices.first().toObject().value(QLatin1String("message")).toObject().value(QLatin1String("content"));
     if (!content.isString()) {
         return std::nullopt;
     }
@@ -81,32 +81,32 @@ QUrl TextRequest::endpoint(TextProvider provider)
     return {};
 }
 
-HttpRequest TextRequest::build(TextProvider provider, const QString &model, const QString &prompt,
-                               const QString &key, bool stream)
+HttpRequest TextRequest::build(
+    TextProvider provider, const QString &model, const QString &prompt, const QString &key, bool stream)
 {
     HttpRequest request;
     request.method = QByteArrayLiteral("POST");
     request.url = endpoint(provider);
-    request.headers.append({QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json")});
-    QJsonObject body{{QStringLiteral("model"), model}};
+    request.headers.append({ QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json") });
+    QJsonObject body { { QStringLiteral("model"), model } };
     switch (provider) {
     case TextProvider::openAI:
-        request.headers.append({QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8()});
+        request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8() });
         body.insert(QStringLiteral("messages"),
-                    QJsonArray{message("system", QStringLiteral("You are a helpful assistant.")), message("user", prompt)});
+            QJsonArray { message("system", QStringLiteral("You are a helpful assistant.")), message("user", prompt) });
         break;
     case TextProvider::anthropic:
-        request.headers.append({QByteArrayLiteral("x-api-key"), key.toUtf8()});
-        request.headers.append({QByteArrayLiteral("anthropic-version"), QByteArrayLiteral("2023-06-01")});
+        request.headers.append({ QByteArrayLiteral("x-api-key"), key.toUtf8() });
+        request.headers.append({ QByteArrayLiteral("anthropic-version"), QByteArrayLiteral("2023-06-01") });
         body.insert(QStringLiteral("max_tokens"), anthropicMaxTokens);
-        body.insert(QStringLiteral("messages"), QJsonArray{message("user", prompt)});
+        body.insert(QStringLiteral("messages"), QJsonArray { message("user", prompt) });
         if (stream) {
             body.insert(QStringLiteral("stream"), true);
         }
         break;
     case TextProvider::openRouter:
-        request.headers.append({QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8()});
-        body.insert(QStringLiteral("messages"), QJsonArray{message("user", prompt)});
+        request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8() });
+        body.insert(QStringLiteral("messages"), QJsonArray { message("user", prompt) });
         break;
     }
     request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
@@ -130,14 +130,14 @@ std::variant<QString, APIError> TextRequest::read(TextProvider provider, const H
     if (response.body.isEmpty()) {
         return APIError::noData;
     }
-    QJsonParseError parseError{};
+    QJsonParseError parseError {};
     const QJsonDocument document = QJsonDocument::fromJson(response.body, &parseError);
     if (parseError.error != QJsonParseError::NoError) {
-        return APIError{APIError::jsonParsingFailed, parseError.errorString()};
+        return APIError { APIError::jsonParsingFailed, parseError.errorString() };
     }
     const QJsonObject object = document.object();
-    const std::optional<QString> reply =
-        provider == TextProvider::anthropic ? anthropicReply(object) : chatReply(object);
+    const std::optional<QString> reply
+        = provider == TextProvider::anthropic ? anthropicReply(object) : chatReply(object);
     if (!reply) {
         return APIError::invalidResponse;
     }

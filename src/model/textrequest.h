@@ -14,15 +14,16 @@ namespace zentrik {
 
 // The one-shot text requests of the three providers, deliberately different in shape: only
 // OpenAI gets a system message, only Anthropic a token limit, OpenRouter the plain minimum.
-class TextRequest {
+class TextRequest
+{
 public:
     static constexpr int anthropicMaxTokens = 1024;
 
     [[nodiscard]] static QUrl endpoint(TextProvider provider);
     // The request for one prompt; `stream` asks Anthropic for its streamed messages (the same
     // body plus "stream": true) and is ignored for the other providers.
-    [[nodiscard]] static HttpRequest build(TextProvider provider, const QString &model, const QString &prompt,
-                                           const QString &key, bool stream = false);
+    [[nodiscard]] static HttpRequest build(
+        TextProvider provider, const QString &model, const QString &prompt, const QString &key, bool stream = false);
     // Reads the answer in the common order: transport failure, no body, a body that is not
     // JSON, no reply where the provider puts it.
     [[nodiscard]] static std::variant<QString, APIError> read(TextProvider provider, const HttpResult &result);

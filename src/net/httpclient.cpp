@@ -10,7 +10,8 @@
 
 namespace zentrik {
 
-struct HttpClient::Call {
+struct HttpClient::Call
+{
     CallId id = 0;
     HttpRequest request;
     bool streaming = false;
@@ -53,19 +54,19 @@ TransportError transportErrorOf(const QNetworkReply *reply)
     using Kind = TransportError::Kind;
     switch (reply->error()) {
     case QNetworkReply::HostNotFoundError:
-        return {Kind::HostNotFound, reply->errorString()};
+        return { Kind::HostNotFound, reply->errorString() };
     // Our own cancellations never reach here, so a cancelled operation is the transfer
     // timeout at work.
     case QNetworkReply::TimeoutError:
     case QNetworkReply::OperationCanceledError:
-        return {Kind::TimedOut, reply->errorString()};
+        return { Kind::TimedOut, reply->errorString() };
     case QNetworkReply::RemoteHostClosedError:
-        return {Kind::ConnectionLost, reply->errorString()};
+        return { Kind::ConnectionLost, reply->errorString() };
     case QNetworkReply::TemporaryNetworkFailureError:
     case QNetworkReply::NetworkSessionFailedError:
-        return {Kind::NotConnected, reply->errorString()};
+        return { Kind::NotConnected, reply->errorString() };
     default:
-        return {Kind::Other, reply->errorString()};
+        return { Kind::Other, reply->errorString() };
     }
 }
 
@@ -80,7 +81,7 @@ QList<std::pair<QByteArray, QByteArray>> headersOf(const QNetworkReply *reply)
     const auto &pairs = reply->rawHeaderPairs();
     headers.reserve(pairs.size());
     for (const auto &pair : pairs) {
-        headers.append({pair.first, pair.second});
+        headers.append({ pair.first, pair.second });
     }
     return headers;
 }
@@ -116,7 +117,7 @@ void HttpClient::setTimeout(std::chrono::milliseconds timeout)
 
 HttpClient::CallId HttpClient::send(HttpRequest request, QObject *context, ResultHandler onFinished)
 {
-    return begin(std::move(request), context, StreamHandlers{{}, std::move(onFinished)}, false);
+    return begin(std::move(request), context, StreamHandlers { {}, std::move(onFinished) }, false);
 }
 
 HttpClient::CallId HttpClient::stream(HttpRequest request, QObject *context, StreamHandlers handlers)
@@ -124,8 +125,7 @@ HttpClient::CallId HttpClient::stream(HttpRequest request, QObject *context, Str
     return begin(std::move(request), context, std::move(handlers), true);
 }
 
-HttpClient::CallId HttpClient::begin(HttpRequest request, QObject *context, StreamHandlers handlers,
-                                     bool streaming)
+HttpClient::CallId HttpClient::begin(HttpRequest request, QObject *context, StreamHandlers handlers, bool streaming)
 {
     auto call = std::make_shared<Call>();
     call->id = m_nextId++;
@@ -135,8 +135,7 @@ HttpClient::CallId HttpClient::begin(HttpRequest request, QObject *context, Stre
     if (context != nullptr) {
         call->hasContext = true;
         call->context = context;
-        call->contextWatch = connect(context, &QObject::destroyed, this,
-                                     [this, id = call->id] { cancel(id); });
+        call->contextWatch = connect(context, &QObject::destroyed, this, [this, id = call->id] { cancel(id); });
     }
     m_calls.emplace(call->id, call);
     start(call);
@@ -151,8 +150,7 @@ void HttpClient::start(const CallPtr &call)
         networkRequest.setRawHeader(name, value);
     }
     // Redirects are followed by hand (followRedirect) so that credentials can be dropped.
-    networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                                QNetworkRequest::ManualRedirectPolicy);
+    networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     const auto timeout = request.timeout.count() > 0 ? request.timeout : m_timeout;
     networkRequest.setTransferTimeout(int(timeout.count()));
 #if QT_CONFIG(ssl)
@@ -238,9 +236,9 @@ bool HttpClient::deliverLines(const CallPtr &call, QByteArrayView bytes)
         drop(call);
         return false;
     case LineSplitter::Status::LineTooLong:
-        complete(call, TransportError{TransportError::Kind::Other,
-                                      tr("A line of the reply is longer than %1 MiB.")
-                                          .arg(call->lines.maxLineLength() / (1024 * 1024))});
+        complete(call,
+            TransportError { TransportError::Kind::Other,
+                tr("A line of the reply is longer than %1 MiB.").arg(call->lines.maxLineLength() / (1024 * 1024)) });
         return false;
     }
     return false;
@@ -299,8 +297,7 @@ void HttpClient::onFinished(CallId id)
     response.headers = headersOf(reply);
     if (streamedLines) {
         const auto sink = [this, &call](QByteArrayView line) {
-            return !(call->hasContext && call->context.isNull()) && call->handlers.onLine(line)
-                && isActive(call->id);
+            return !(call->hasContext && call->context.isNull()) && call->handlers.onLine(line) && isActive(call->id);
         };
         if (call->lines.finish(sink) != LineSplitter::Status::Ok) {
             if (isActive(id)) {
@@ -326,19 +323,18 @@ bool HttpClient::followRedirect(const CallPtr &call, int status)
         return false;
     }
     if (++call->redirects > maxRedirects) {
-        complete(call, TransportError{Kind::Other, tr("Too many redirects.")});
+        complete(call, TransportError { Kind::Other, tr("Too many redirects.") });
         return true;
     }
     if (from.scheme() == QLatin1String("https") && target.scheme() == QLatin1String("http")) {
-        complete(call, TransportError{Kind::Other, tr("Refused a redirect from HTTPS to plain HTTP.")});
+        complete(call, TransportError { Kind::Other, tr("Refused a redirect from HTTPS to plain HTTP.") });
         return true;
     }
 
     HttpRequest &request = call->request;
-    if (from.host().compare(target.host(), Qt::CaseInsensitive) != 0
-        || effectivePort(from) != effectivePort(target)) {
+    if (from.host().compare(target.host(), Qt::CaseInsensitive) != 0 || effectivePort(from) != effectivePort(target)) {
         // Keys are meant for the host they were given to, never for whoever it points at.
-        for (const char *name : {"Authorization", "x-api-key", "Cookie", "Proxy-Authorization"}) {
+        for (const char *name : { "Authorization", "x-api-key", "Cookie", "Proxy-Authorization" }) {
             request.removeHeader(name);
         }
     }

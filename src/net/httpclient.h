@@ -25,14 +25,16 @@ namespace zentrik {
 // TLS peers are always verified, redirects are followed by hand so that credentials never
 // travel to another host, and the system proxy settings (including http_proxy and friends)
 // apply to every request.
-class HttpClient : public QObject {
+class HttpClient : public QObject
+{
     Q_OBJECT
 
 public:
     using CallId = quint64;
     using ResultHandler = std::function<void(const HttpResult &result)>;
 
-    struct StreamHandlers {
+    struct StreamHandlers
+    {
         // Each complete line of a successful (2xx) answer, as soon as it has arrived.
         // Returning false ends the call quietly: nothing else is read or reported.
         std::function<bool(QByteArrayView line)> onLine;
@@ -44,7 +46,7 @@ public:
 
     // How long a connection may stay silent before the request counts as timed out, unless
     // the request sets its own timeout. Matches the usual default of URL loading services.
-    static constexpr std::chrono::milliseconds defaultTimeout{60000};
+    static constexpr std::chrono::milliseconds defaultTimeout { 60000 };
     static constexpr int maxRedirects = 10;
     // The body of a failed streamed answer is kept only up to this size.
     static constexpr qsizetype maxErrorBodySize = qsizetype(1024) * 1024;

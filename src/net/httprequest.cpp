@@ -20,7 +20,7 @@ void HttpRequest::setHeader(const QByteArray &name, const QByteArray &value)
             return;
         }
     }
-    headers.append({name, value});
+    headers.append({ name, value });
 }
 
 QByteArray HttpRequest::header(QByteArrayView name) const

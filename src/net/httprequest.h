@@ -9,14 +9,15 @@
 
 namespace zentrik {
 
-struct HttpRequest {
+struct HttpRequest
+{
     QByteArray method = QByteArrayLiteral("GET");
     QUrl url;
     // Sent in this order; names are compared without regard to case.
     QList<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;
     // Longest silence allowed on the connection; zero means the client's default.
-    std::chrono::milliseconds timeout{0};
+    std::chrono::milliseconds timeout { 0 };
 
     // Replaces an existing header of that name, or appends it.
     void setHeader(const QByteArray &name, const QByteArray &value);

@@ -10,7 +10,8 @@
 
 namespace zentrik {
 
-struct HttpResponse {
+struct HttpResponse
+{
     int status = 0;
     QList<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;

@@ -6,8 +6,7 @@ namespace zentrik {
 
 LineSplitter::LineSplitter(qsizetype maxLineLength)
     : m_maxLineLength(maxLineLength)
-{
-}
+{ }
 
 LineSplitter::Status LineSplitter::feed(QByteArrayView bytes, const Sink &sink)
 {

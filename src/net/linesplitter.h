@@ -13,13 +13,14 @@ namespace zentrik {
 // follows in the next piece is then swallowed). Splitting happens on bytes, so a
 // multi-byte UTF-8 character cut between two pieces is reassembled before its line is
 // handed over. A line longer than the limit stops the reader instead of growing memory.
-class LineSplitter {
+class LineSplitter
+{
 public:
     static constexpr qsizetype defaultMaxLineLength = qsizetype(8) * 1024 * 1024;
 
     enum class Status {
-        Ok,          // every complete line was handed over
-        Stopped,     // the sink asked to stop; the reader accepts no more input
+        Ok, // every complete line was handed over
+        Stopped, // the sink asked to stop; the reader accepts no more input
         LineTooLong, // a line exceeded the limit; the reader accepts no more input
     };
 

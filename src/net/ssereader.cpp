@@ -4,8 +4,7 @@ namespace zentrik {
 
 SseReader::SseReader(qsizetype maxLineLength)
     : m_lines(maxLineLength)
-{
-}
+{ }
 
 SseReader::Status SseReader::feed(QByteArrayView bytes, const Sink &sink)
 {

@@ -12,7 +12,8 @@ namespace zentrik {
 // Reads a server-sent-events byte stream piece by piece and hands over each line,
 // classified, as soon as it is complete. Works on any byte buffer, so the same reader
 // serves the network path, recorded transcripts and fuzzing.
-class SseReader {
+class SseReader
+{
 public:
     using Status = LineSplitter::Status;
     // Returns false to stop reading.

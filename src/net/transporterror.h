@@ -6,7 +6,8 @@ namespace zentrik {
 
 // A failure below HTTP: the exchange produced no usable answer. The kinds are the ones
 // callers tell apart; everything else is Other and keeps Qt's own description.
-struct TransportError {
+struct TransportError
+{
     enum class Kind {
         NotConnected,
         HostNotFound,

@@ -10,7 +10,8 @@
 // An APIManager whose provider addresses all point at one fake provider, with its
 // preferences in a scratch directory. Environment variables are set before the manager is
 // made (the chat client's addresses are fixed at construction) and removed afterwards.
-class ProviderFixture {
+class ProviderFixture
+{
 public:
     ProviderFixture()
         : fake(std::make_unique<zentrik::test::FakeProvider>())
@@ -38,14 +39,14 @@ public:
 
     // Selects the model and gives the user keys for this run.
     void use(const QString &model, const QString &openAIKey = QStringLiteral("sk-openai"),
-             const QString &claudeKey = QStringLiteral("sk-ant"))
+        const QString &claudeKey = QStringLiteral("sk-ant"))
     {
         manager->setSelectedTextModel(model);
         manager->overrideUserKeys(openAIKey, claudeKey, {});
     }
 
-    static constexpr const char *addressVariables[] = {"ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL",
-                                                       "ZENTRIK_OPENROUTER_BASE_URL"};
+    static constexpr const char *addressVariables[]
+        = { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL", "ZENTRIK_OPENROUTER_BASE_URL" };
 
 private:
     QTemporaryDir m_config;

@@ -17,25 +17,27 @@ namespace {
 
 QByteArray chunkLine(const QString &text, const QString &finishReason = {})
 {
-    QJsonObject choice{{"index", 0}, {"delta", QJsonObject{{"content", text}}}};
+    QJsonObject choice { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } };
     choice.insert("finish_reason", finishReason.isEmpty() ? QJsonValue() : QJsonValue(finishReason));
-    const QJsonObject chunk{{"id", "gen-1"}, {"object", "chat.completion.chunk"}, {"created", 1},
-                            {"model", "m"}, {"choices", QJsonArray{choice}}};
+    const QJsonObject chunk { { "id", "gen-1" }, { "object", "chat.completion.chunk" }, { "created", 1 },
+        { "model", "m" }, { "choices", QJsonArray { choice } } };
     return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
-struct StreamOutcome {
+struct StreamOutcome
+{
     QStringList pieces;
     int finishedCalls = 0;
     std::optional<ChatError> error;
 };
 
-const QList<ChatMessage> hello{ChatMessage(ChatMessage::Role::user, QStringLiteral("Hello"))};
+const QList<ChatMessage> hello { ChatMessage(ChatMessage::Role::user, QStringLiteral("Hello")) };
 
 } // namespace
 
 // The chat client end to end against the fake provider.
-class TestOpenAIChatClient : public QObject {
+class TestOpenAIChatClient : public QObject
+{
     Q_OBJECT
 
     std::unique_ptr<FakeProvider> m_fake;
@@ -44,8 +46,8 @@ class TestOpenAIChatClient : public QObject {
     OpenAIChatClient client(QMap<QString, QString> headers = {}) const
     {
         return OpenAIChatClient(m_http.get(), QStringLiteral("sk-test"),
-                                m_fake->baseUrl().resolved(QUrl("/api/v1/chat/completions")),
-                                m_fake->baseUrl().resolved(QUrl("/api/v1/models")), std::move(headers));
+            m_fake->baseUrl().resolved(QUrl("/api/v1/chat/completions")),
+            m_fake->baseUrl().resolved(QUrl("/api/v1/models")), std::move(headers));
     }
 
     StreamOutcome runStream(const OpenAIChatClient &chat, const ChatOptions &options = {})
@@ -66,10 +68,7 @@ class TestOpenAIChatClient : public QObject {
         return outcome;
     }
 
-    void streamReply(const ScriptedReply &reply)
-    {
-        m_fake->on("POST", "/api/v1/chat/completions", reply);
-    }
+    void streamReply(const ScriptedReply &reply) { m_fake->on("POST", "/api/v1/chat/completions", reply); }
 
 private Q_SLOTS:
     void init()
@@ -86,10 +85,9 @@ private Q_SLOTS:
 
     void customHeadersComeAfterTheStandardOnes()
     {
-        streamReply(ScriptedReply::sse({"data: [DONE]\n\n"}));
-        const StreamOutcome outcome = runStream(client({{"HTTP-Referer", "https://zentrik.app"},
-                                                        {"X-Title", "Zentrik"},
-                                                        {"Authorization", "Bearer override"}}));
+        streamReply(ScriptedReply::sse({ "data: [DONE]\n\n" }));
+        const StreamOutcome outcome = runStream(client({ { "HTTP-Referer", "https://zentrik.app" },
+            { "X-Title", "Zentrik" }, { "Authorization", "Bearer override" } }));
         QVERIFY(!outcome.error);
         const auto request = m_fake->lastRequest();
         QCOMPARE(request.method, "POST");
@@ -113,7 +111,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, stream);
         QFETCH(bool, withOptions);
-        streamReply(stream ? ScriptedReply::sse({"data: [DONE]\n\n"})
+        streamReply(stream ? ScriptedReply::sse({ "data: [DONE]\n\n" })
                            : ScriptedReply::json(QByteArray(R"({"id":"x","choices":[]})")));
         ChatOptions options;
         if (withOptions) {
@@ -126,7 +124,8 @@ private Q_SLOTS:
             runStream(chat, options);
             finished = true;
         } else {
-            chat.send("m", hello, options, this, [&finished](const OpenAIChatClient::CompletionResult &) { finished = true; });
+            chat.send("m", hello, options, this,
+                [&finished](const OpenAIChatClient::CompletionResult &) { finished = true; });
         }
         QTRY_VERIFY(finished);
 
@@ -134,19 +133,28 @@ private Q_SLOTS:
         QCOMPARE(m_fake->lastRequest().header("Authorization"), "Bearer sk-test");
         QCOMPARE(body.value("stream").toBool(), stream);
         QCOMPARE(body.contains("stream_options"), stream);
-        QStringList expectedKeys{"messages", "model", "stream"};
+        QStringList expectedKeys { "messages", "model", "stream" };
         if (stream) {
             expectedKeys.append("stream_options");
         }
         if (withOptions) {
-            expectedKeys << "max_completion_tokens" << "temperature";
+            expectedKeys << "max_completion_tokens"
+                         << "temperature";
             QCOMPARE(body.value("temperature").toDouble(), 0.2);
             QCOMPARE(body.value("max_completion_tokens").toInt(), 64);
         }
         expectedKeys.sort();
         QCOMPARE(body.keys(), expectedKeys);
-        QCOMPARE(body.value("messages").toArray().first().toObject().value("content").toArray().first().toObject().value("text"),
-                 "Hello");
+        QCOMPARE(body.value("messages")
+                     .toArray()
+                     .first()
+                     .toObject()
+                     .value("content")
+                     .toArray()
+                     .first()
+                     .toObject()
+                     .value("text"),
+            "Hello");
     }
 
     void sendResults_data()
@@ -155,15 +163,17 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QString>("content");
         QTest::addColumn<QString>("failure");
-        QTest::newRow("reply") << 200
-                               << QByteArray(R"({"id":"c1","object":"chat.completion","created":5,"model":"m",)"
-                                             R"("choices":[{"index":0,"message":{"role":"assistant","content":"Hi!"},"finish_reason":"stop"}]})")
-                               << "Hi!" << QString();
-        QTest::newRow("401 with message") << 401
-                                          << QByteArray(R"({"error":{"message":"Incorrect API key provided","type":"invalid_request_error"}})")
-                                          << QString() << "HTTP 401: Incorrect API key provided";
-        QTest::newRow("429 with a plain error") << 429 << QByteArray(R"({"error":"Slow down"})") << QString()
-                                                << "HTTP 429: Slow down";
+        QTest::newRow("reply")
+            << 200
+            << QByteArray(
+                   R"({"id":"c1","object":"chat.completion","created":5,"model":"m",)"
+                   R"("choices":[{"index":0,"message":{"role":"assistant","content":"Hi!"},"finish_reason":"stop"}]})")
+            << "Hi!" << QString();
+        QTest::newRow("401 with message")
+            << 401 << QByteArray(R"({"error":{"message":"Incorrect API key provided","type":"invalid_request_error"}})")
+            << QString() << "HTTP 401: Incorrect API key provided";
+        QTest::newRow("429 with a plain error")
+            << 429 << QByteArray(R"({"error":"Slow down"})") << QString() << "HTTP 429: Slow down";
         QTest::newRow("502 without JSON") << 502 << QByteArray("<html>Bad gateway</html>") << QString() << "HTTP 502";
         QTest::newRow("200 not JSON") << 200 << QByteArray("nope") << QString()
                                       << "The reply could not be read: illegal value";
@@ -193,7 +203,8 @@ private Q_SLOTS:
     void listsModels()
     {
         m_fake->on("GET", "/api/v1/models",
-                   ScriptedReply::json(QByteArray(R"({"data":[{"id":"a:free","created":1,"object":"model","owned_by":"x"}]})")));
+            ScriptedReply::json(
+                QByteArray(R"({"data":[{"id":"a:free","created":1,"object":"model","owned_by":"x"}]})")));
         std::optional<OpenAIChatClient::ModelsResult> result;
         client().listModels(this, [&result](const OpenAIChatClient::ModelsResult &r) { result = r; });
         QTRY_VERIFY(result.has_value());
@@ -215,14 +226,15 @@ private Q_SLOTS:
         const qsizetype inPrefix = first.size() + 3;
         const qsizetype inEmoji = first.size() + second.indexOf("\xf0\x9f") + 2;
         QTest::newRow("inside a character and the prefix")
-            << QList<QByteArray>{all.left(inCharacter), all.mid(inCharacter, inPrefix - inCharacter),
-                                 all.mid(inPrefix, inEmoji - inPrefix), all.mid(inEmoji)}
-            << QStringList{QString::fromUtf8("Gr\u00fc\u00df"), QString::fromUtf8(" \U0001F600!")};
+            << QList<QByteArray> { all.left(inCharacter), all.mid(inCharacter, inPrefix - inCharacter),
+                   all.mid(inPrefix, inEmoji - inPrefix), all.mid(inEmoji) }
+            << QStringList { QString::fromUtf8("Gr\u00fc\u00df"), QString::fromUtf8(" \U0001F600!") };
         QByteArray crlf = all;
         crlf.replace("\n", "\r\n");
         const qsizetype betweenCrAndLf = crlf.indexOf("\r\n") + 1;
-        QTest::newRow("CRLF cut between CR and LF") << QList<QByteArray>{crlf.left(betweenCrAndLf), crlf.mid(betweenCrAndLf)}
-                                                    << QStringList{QString::fromUtf8("Gr\u00fc\u00df"), QString::fromUtf8(" \U0001F600!")};
+        QTest::newRow("CRLF cut between CR and LF")
+            << QList<QByteArray> { crlf.left(betweenCrAndLf), crlf.mid(betweenCrAndLf) }
+            << QStringList { QString::fromUtf8("Gr\u00fc\u00df"), QString::fromUtf8(" \U0001F600!") };
     }
 
     void piecesCutAnywhereGiveTheExactText()
@@ -244,10 +256,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("description");
         QTest::newRow("HTTP status") << 0 << QStringList() << int(ChatError::Kind::httpStatus)
                                      << "HTTP 402: Insufficient credits";
-        QTest::newRow("cut off mid-stream") << 1 << QStringList{"a", "b"} << int(ChatError::Kind::transport) << QString();
-        QTest::newRow("closed without end marker") << 2 << QStringList{"a", "b"} << int(ChatError::Kind::incomplete)
+        QTest::newRow("cut off mid-stream")
+            << 1 << QStringList { "a", "b" } << int(ChatError::Kind::transport) << QString();
+        QTest::newRow("closed without end marker") << 2 << QStringList { "a", "b" } << int(ChatError::Kind::incomplete)
                                                    << "The connection closed before the reply was complete.";
-        QTest::newRow("oversized line") << 3 << QStringList{"a"} << int(ChatError::Kind::transport)
+        QTest::newRow("oversized line") << 3 << QStringList { "a" } << int(ChatError::Kind::transport)
                                         << "A line of the reply is longer than 8 MiB.";
     }
 
@@ -257,13 +270,14 @@ private Q_SLOTS:
         QFETCH(QStringList, kept);
         QFETCH(int, kind);
         QFETCH(QString, description);
-        ScriptedReply reply = ScriptedReply::sse({chunkLine("a"), chunkLine("b")});
+        ScriptedReply reply = ScriptedReply::sse({ chunkLine("a"), chunkLine("b") });
         if (scenario == 0) {
             reply = ScriptedReply::json(QByteArray(R"({"error":{"message":"Insufficient credits","code":402}})"), 402);
         } else if (scenario == 1) {
             reply.ending = ScriptedReply::Ending::CloseEarly;
         } else if (scenario == 3) {
-            reply = ScriptedReply::sse({chunkLine("a"), "data: " + QByteArray(9 * 1024 * 1024, 'x'), "\n\n" + chunkLine("b")});
+            reply = ScriptedReply::sse(
+                { chunkLine("a"), "data: " + QByteArray(9 * 1024 * 1024, 'x'), "\n\n" + chunkLine("b") });
         }
         streamReply(reply);
         const StreamOutcome outcome = runStream(client());
@@ -279,7 +293,8 @@ private Q_SLOTS:
 
     void cancelledStreamDeliversNothingMore()
     {
-        streamReply(ScriptedReply::sse({chunkLine("a"), chunkLine("b"), chunkLine("c", "stop"), "data: [DONE]\n\n"}, 100ms));
+        streamReply(
+            ScriptedReply::sse({ chunkLine("a"), chunkLine("b"), chunkLine("c", "stop"), "data: [DONE]\n\n" }, 100ms));
         const OpenAIChatClient chat = client();
         QStringList pieces;
         int finishedCalls = 0;
@@ -294,7 +309,7 @@ private Q_SLOTS:
         QTRY_COMPARE(pieces.size(), 1);
         QVERIFY(!m_http->isActive(id));
         QTest::qWait(400);
-        QCOMPARE(pieces, QStringList{"a"});
+        QCOMPARE(pieces, QStringList { "a" });
         QCOMPARE(finishedCalls, 0);
     }
 };

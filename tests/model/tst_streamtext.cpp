@@ -17,10 +17,10 @@ namespace {
 
 QByteArray chunkLine(const QString &text, const QString &finishReason = {})
 {
-    QJsonObject choice{{"index", 0}, {"delta", QJsonObject{{"content", text}}}};
+    QJsonObject choice { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } };
     choice.insert("finish_reason", finishReason.isEmpty() ? QJsonValue() : QJsonValue(finishReason));
-    const QJsonObject chunk{{"id", "gen-1"}, {"object", "chat.completion.chunk"}, {"created", 1},
-                            {"model", "m"}, {"choices", QJsonArray{choice}}};
+    const QJsonObject chunk { { "id", "gen-1" }, { "object", "chat.completion.chunk" }, { "created", 1 },
+        { "model", "m" }, { "choices", QJsonArray { choice } } };
     return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
@@ -33,12 +33,14 @@ QByteArray anthropicEvent(const char *type, const QJsonObject &fields = {})
 
 QByteArray textDelta(const QString &text)
 {
-    return anthropicEvent("content_block_delta", {{"index", 0}, {"delta", QJsonObject{{"type", "text_delta"}, {"text", text}}}});
+    return anthropicEvent("content_block_delta",
+        { { "index", 0 }, { "delta", QJsonObject { { "type", "text_delta" }, { "text", text } } } });
 }
 
 const QByteArray done = "data: [DONE]\n\n";
 
-struct Received {
+struct Received
+{
     QStringList pieces;
     QList<Clock::time_point> pieceTimes;
     int completions = 0;
@@ -48,10 +50,12 @@ struct Received {
 } // namespace
 
 // The streaming text operation the tools use, routed by provider, through the fake.
-class TestStreamText : public QObject {
+class TestStreamText : public QObject
+{
     Q_OBJECT
 
-    APIManager::StreamId start(ProviderFixture &fixture, Received &received, const QString &prompt = QStringLiteral("Tell me"))
+    APIManager::StreamId start(
+        ProviderFixture &fixture, Received &received, const QString &prompt = QStringLiteral("Tell me"))
     {
         return fixture.manager->streamText(
             prompt, this,
@@ -80,31 +84,32 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({": OPENROUTER PROCESSING\n\n", chunkLine("Hello"), chunkLine(", world", "stop"), done}));
+            ScriptedReply::sse(
+                { ": OPENROUTER PROCESSING\n\n", chunkLine("Hello"), chunkLine(", world", "stop"), done }));
         const Received received = run(fixture, QStringLiteral("Say hi"));
         QCOMPARE(received.completions, 1);
         QVERIFY(!received.error);
-        QCOMPARE(received.pieces, (QStringList{"Hello", ", world"}));
+        QCOMPARE(received.pieces, (QStringList { "Hello", ", world" }));
 
         const auto request = fixture.fake->lastRequest();
         QCOMPARE(request.header("Authorization"), "Bearer sk-openai");
         const QJsonObject body = request.json().object();
         // Only what the streaming text operation sets: no generation options at all.
-        QCOMPARE(body.keys(), (QStringList{"messages", "model", "stream", "stream_options"}));
+        QCOMPARE(body.keys(), (QStringList { "messages", "model", "stream", "stream_options" }));
         QCOMPARE(body.value("model"), "gpt-4o-mini");
         QCOMPARE(body.value("stream"), true);
         QCOMPARE(body.value("messages").toArray().size(), 1);
         const QJsonObject message = body.value("messages").toArray().first().toObject();
         QCOMPARE(message.value("role"), "user");
         QCOMPARE(message.value("content").toArray(),
-                 (QJsonArray{QJsonObject{{"type", "text"}, {"text", "Say hi"}}}));
+            (QJsonArray { QJsonObject { { "type", "text" }, { "text", "Say hi" } } }));
     }
 
     void freeModelsStreamThroughTheChatClient()
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("meta-llama/llama-3.1-8b-instruct:free"), QString(), QString());
-        fixture.fake->on("POST", "/api/v1/chat/completions", ScriptedReply::sse({chunkLine("free"), done}));
+        fixture.fake->on("POST", "/api/v1/chat/completions", ScriptedReply::sse({ chunkLine("free"), done }));
         const QString builtIn = QString::fromUtf8(build::openRouterKey);
         if (builtIn.isEmpty()) {
             QTest::ignoreMessage(QtInfoMsg, "This build carries no key for the free models (ZENTRIK_OPENROUTER_KEY)");
@@ -116,7 +121,7 @@ private Q_SLOTS:
             return;
         }
         QVERIFY(!received.error);
-        QCOMPARE(received.pieces, QStringList{"free"});
+        QCOMPARE(received.pieces, QStringList { "free" });
         QCOMPARE(fixture.fake->lastRequest().header("Authorization"), "Bearer " + builtIn.toUtf8());
     }
 
@@ -125,11 +130,10 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("claude-3-haiku-20240307"));
         fixture.fake->on("POST", "/v1/messages",
-                         ScriptedReply::sse({anthropicEvent("message_start", {{"message", QJsonObject{{"id", "m"}}}}),
-                                             anthropicEvent("ping") + textDelta("Bonjour"),
-                                             textDelta(", \u00e7a va ?"),
-                                             anthropicEvent("message_delta", {{"delta", QJsonObject{{"stop_reason", "end_turn"}}}})
-                                                 + anthropicEvent("message_stop")}));
+            ScriptedReply::sse({ anthropicEvent("message_start", { { "message", QJsonObject { { "id", "m" } } } }),
+                anthropicEvent("ping") + textDelta("Bonjour"), textDelta(", \u00e7a va ?"),
+                anthropicEvent("message_delta", { { "delta", QJsonObject { { "stop_reason", "end_turn" } } } })
+                    + anthropicEvent("message_stop") }));
         const Received received = run(fixture, QStringLiteral("Salut"));
         QVERIFY(!received.error);
         QCOMPARE(received.pieces.join(QString()), QString::fromUtf8("Bonjour, \u00e7a va ?"));
@@ -139,10 +143,9 @@ private Q_SLOTS:
         QCOMPARE(request.header("anthropic-version"), "2023-06-01");
         QVERIFY(!request.hasHeader("Authorization"));
         QCOMPARE(request.json().object(),
-                 (QJsonObject{{"model", "claude-3-haiku-20240307"},
-                              {"max_tokens", 1024},
-                              {"messages", QJsonArray{QJsonObject{{"role", "user"}, {"content", "Salut"}}}},
-                              {"stream", true}}));
+            (QJsonObject { { "model", "claude-3-haiku-20240307" }, { "max_tokens", 1024 },
+                { "messages", QJsonArray { QJsonObject { { "role", "user" }, { "content", "Salut" } } } },
+                { "stream", true } }));
     }
 
     void failuresKeepWhatWasDelivered_data()
@@ -153,18 +156,21 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("pieces");
         QTest::addColumn<QString>("message");
         const QByteArray chat = "/v1/chat/completions";
-        QTest::newRow("error object after two pieces") << "gpt-4o-mini" << chat << 0 << QStringList{"one", "two"}
+        QTest::newRow("error object after two pieces") << "gpt-4o-mini" << chat << 0 << QStringList { "one", "two" }
                                                        << "A network error occurred: Rate limit exceeded";
         QTest::newRow("HTTP failure") << "gpt-4o-mini" << chat << 1 << QStringList()
                                       << "A network error occurred: HTTP 401: Incorrect API key provided";
-        QTest::newRow("closed without end marker") << "gpt-4o-mini" << chat << 2 << QStringList{"one", "two"}
-                                                   << "A network error occurred: The connection closed before the reply was complete.";
-        QTest::newRow("cut off") << "gpt-4o-mini" << chat << 3 << QStringList{"one", "two"}
-                                 << "The network connection was lost. Please check your internet connection and try again.";
-        QTest::newRow("unreadable chunk") << "gpt-4o-mini" << chat << 4 << QStringList{"one", "two"}
-                                          << "Failed to parse the server response: The reply stream held a chunk that could not be read: unterminated array";
-        QTest::newRow("Anthropic error event") << "claude-instant" << QByteArray("/v1/messages") << 5 << QStringList{"one"}
-                                               << "A network error occurred: Overloaded";
+        QTest::newRow("closed without end marker")
+            << "gpt-4o-mini" << chat << 2 << QStringList { "one", "two" }
+            << "A network error occurred: The connection closed before the reply was complete.";
+        QTest::newRow("cut off")
+            << "gpt-4o-mini" << chat << 3 << QStringList { "one", "two" }
+            << "The network connection was lost. Please check your internet connection and try again.";
+        QTest::newRow("unreadable chunk") << "gpt-4o-mini" << chat << 4 << QStringList { "one", "two" }
+                                          << "Failed to parse the server response: The reply stream held a chunk that "
+                                             "could not be read: unterminated array";
+        QTest::newRow("Anthropic error event") << "claude-instant" << QByteArray("/v1/messages") << 5
+                                               << QStringList { "one" } << "A network error occurred: Overloaded";
     }
 
     void failuresKeepWhatWasDelivered()
@@ -176,11 +182,13 @@ private Q_SLOTS:
         QFETCH(QString, message);
         ProviderFixture fixture;
         fixture.use(model);
-        const QList<QByteArray> two{chunkLine("one"), chunkLine("two")};
+        const QList<QByteArray> two { chunkLine("one"), chunkLine("two") };
         ScriptedReply reply = ScriptedReply::sse(two);
         switch (scenario) {
         case 0:
-            reply = ScriptedReply::sse(two + QList<QByteArray>{"data: {\"error\":{\"message\":\"Rate limit exceeded\",\"code\":429}}\n\n", done});
+            reply = ScriptedReply::sse(two
+                + QList<QByteArray> {
+                    "data: {\"error\":{\"message\":\"Rate limit exceeded\",\"code\":429}}\n\n", done });
             break;
         case 1:
             reply = ScriptedReply::json(QByteArray(R"({"error":{"message":"Incorrect API key provided"}})"), 401);
@@ -189,12 +197,14 @@ private Q_SLOTS:
             reply.ending = ScriptedReply::Ending::CloseEarly;
             break;
         case 4:
-            reply = ScriptedReply::sse(two + QList<QByteArray>{"data: {\"choices\":[\n\n", chunkLine("three"), done});
+            reply
+                = ScriptedReply::sse(two + QList<QByteArray> { "data: {\"choices\":[\n\n", chunkLine("three"), done });
             break;
         case 5:
-            reply = ScriptedReply::sse({textDelta("one"),
-                                        anthropicEvent("error", {{"error", QJsonObject{{"type", "overloaded_error"}, {"message", "Overloaded"}}}}),
-                                        textDelta("never")});
+            reply = ScriptedReply::sse({ textDelta("one"),
+                anthropicEvent("error",
+                    { { "error", QJsonObject { { "type", "overloaded_error" }, { "message", "Overloaded" } } } }),
+                textDelta("never") });
             break;
         default:
             break;
@@ -214,9 +224,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("claudeKey");
         QTest::addColumn<QString>("message");
         const QString missing = "API key is missing. Please add it in Settings.";
-        QTest::newRow("OpenAI without key") << "gpt-3.5-turbo-1106" << "" << "k" << missing;
-        QTest::newRow("Anthropic without key") << "claude-3-haiku-20240307" << "k" << "" << missing;
-        QTest::newRow("unknown model") << "gpt-4o" << "k" << "k"
+        QTest::newRow("OpenAI without key") << "gpt-3.5-turbo-1106"
+                                            << ""
+                                            << "k" << missing;
+        QTest::newRow("Anthropic without key") << "claude-3-haiku-20240307"
+                                               << "k"
+                                               << "" << missing;
+        QTest::newRow("unknown model") << "gpt-4o"
+                                       << "k"
+                                       << "k"
                                        << "Unsupported model selected. Please choose a valid model in Settings.";
     }
 
@@ -257,7 +273,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({chunkLine("kept"), chunkLine("lost"), chunkLine("lost", "stop"), done}, 150ms));
+            ScriptedReply::sse({ chunkLine("kept"), chunkLine("lost"), chunkLine("lost", "stop"), done }, 150ms));
         Received received;
         const auto id = start(fixture, received);
         QTRY_COMPARE(received.pieces.size(), 1);
@@ -267,7 +283,7 @@ private Q_SLOTS:
         QVERIFY(!fixture.manager->isStreamActive(id));
         fixture.manager->stopStream(id); // a second stop changes nothing
         QTest::qWait(500);
-        QCOMPARE(received.pieces, QStringList{"kept"});
+        QCOMPARE(received.pieces, QStringList { "kept" });
         QCOMPARE(received.completions, 1);
     }
 
@@ -278,10 +294,10 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({chunkLine("first"), chunkLine("second", "stop"), done}, 2000ms));
+            ScriptedReply::sse({ chunkLine("first"), chunkLine("second", "stop"), done }, 2000ms));
         const Received received = run(fixture);
         QVERIFY(!received.error);
-        QCOMPARE(received.pieces, (QStringList{"first", "second"}));
+        QCOMPARE(received.pieces, (QStringList { "first", "second" }));
         const auto sent = fixture.fake->lastRequest().piecesSentAt;
         QCOMPARE(sent.size(), 3);
         QVERIFY(received.pieceTimes.at(0) < sent.at(1));

@@ -15,15 +15,18 @@ using test::ScriptedReply;
 
 namespace {
 
-const QByteArray openAIReply = R"({"id":"c","object":"chat.completion","created":1,"model":"m","choices":[{"index":0,"message":{"role":"assistant","content":"Reply text"},"finish_reason":"stop"}]})";
-const QByteArray anthropicReply = R"({"id":"msg","type":"message","role":"assistant","content":[{"type":"text","text":"Reply "},{"type":"text","text":"text"}],"stop_reason":"end_turn"})";
+const QByteArray openAIReply
+    = R"({"id":"c","object":"chat.completion","created":1,"model":"m","choices":[{"index":0,"message":{"role":"assistant","content":"Reply text"},"finish_reason":"stop"}]})";
+const QByteArray anthropicReply
+    = R"({"id":"msg","type":"message","role":"assistant","content":[{"type":"text","text":"Reply "},{"type":"text","text":"text"}],"stop_reason":"end_turn"})";
 
 QString builtInOpenRouterKey()
 {
     return QString::fromUtf8(build::openRouterKey);
 }
 
-struct Outcome {
+struct Outcome
+{
     int calls = 0;
     std::optional<TextResult> result;
 };
@@ -39,7 +42,8 @@ QString messageOf(const TextResult &result)
 } // namespace
 
 // The one-shot text operation: the three provider requests and how their answers are read.
-class TestTextGeneration : public QObject {
+class TestTextGeneration : public QObject
+{
     Q_OBJECT
 
     Outcome generate(ProviderFixture &fixture, const QString &prompt = QStringLiteral("Prompt"))
@@ -66,23 +70,25 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QList<QByteArrayList>>("headers"); // name, value ("" = must be absent)
 
-        QTest::newRow("OpenAI") << "gpt-4o-mini" << true << QByteArray("/v1/chat/completions") << openAIReply
-                                << QByteArray(R"({"model":"gpt-4o-mini","messages":[{"role":"system","content":"You are a helpful assistant."},{"role":"user","content":"Prompt"}]})")
-                                << QList<QByteArrayList>{{"Content-Type", "application/json"},
-                                                         {"Authorization", "Bearer sk-openai"},
-                                                         {"x-api-key", ""}};
-        QTest::newRow("Anthropic") << "claude-3-haiku-20240307" << true << QByteArray("/v1/messages") << anthropicReply
-                                   << QByteArray(R"({"model":"claude-3-haiku-20240307","max_tokens":1024,"messages":[{"role":"user","content":"Prompt"}]})")
-                                   << QList<QByteArrayList>{{"Content-Type", "application/json"},
-                                                            {"x-api-key", "sk-ant"},
-                                                            {"anthropic-version", "2023-06-01"},
-                                                            {"Authorization", ""}};
+        QTest::newRow("OpenAI")
+            << "gpt-4o-mini" << true << QByteArray("/v1/chat/completions") << openAIReply
+            << QByteArray(
+                   R"({"model":"gpt-4o-mini","messages":[{"role":"system","content":"You are a helpful assistant."},{"role":"user","content":"Prompt"}]})")
+            << QList<QByteArrayList> { { "Content-Type", "application/json" }, { "Authorization", "Bearer sk-openai" },
+                   { "x-api-key", "" } };
+        QTest::newRow("Anthropic")
+            << "claude-3-haiku-20240307" << true << QByteArray("/v1/messages") << anthropicReply
+            << QByteArray(
+                   R"({"model":"claude-3-haiku-20240307","max_tokens":1024,"messages":[{"role":"user","content":"Prompt"}]})")
+            << QList<QByteArrayList> { { "Content-Type", "application/json" }, { "x-api-key", "sk-ant" },
+                   { "anthropic-version", "2023-06-01" }, { "Authorization", "" } };
         if (!builtInOpenRouterKey().isEmpty()) {
             QTest::newRow("OpenRouter with the built-in key")
                 << "google/gemma-2-9b-it:free" << false << QByteArray("/api/v1/chat/completions") << openAIReply
-                << QByteArray(R"({"model":"google/gemma-2-9b-it:free","messages":[{"role":"user","content":"Prompt"}]})")
-                << QList<QByteArrayList>{{"Content-Type", "application/json"},
-                                         {"Authorization", "Bearer " + builtInOpenRouterKey().toUtf8()}};
+                << QByteArray(
+                       R"({"model":"google/gemma-2-9b-it:free","messages":[{"role":"user","content":"Prompt"}]})")
+                << QList<QByteArrayList> { { "Content-Type", "application/json" },
+                       { "Authorization", "Bearer " + builtInOpenRouterKey().toUtf8() } };
         }
     }
 
@@ -96,7 +102,8 @@ private Q_SLOTS:
         QFETCH(QList<QByteArrayList>, headers);
 
         ProviderFixture fixture;
-        fixture.use(model, userKeys ? QStringLiteral("sk-openai") : QString(), userKeys ? QStringLiteral("sk-ant") : QString());
+        fixture.use(
+            model, userKeys ? QStringLiteral("sk-openai") : QString(), userKeys ? QStringLiteral("sk-ant") : QString());
         fixture.fake->on("POST", path, ScriptedReply::json(reply));
         const Outcome outcome = generate(fixture);
         QCOMPARE(outcome.calls, 1);
@@ -137,10 +144,18 @@ private Q_SLOTS:
         QTest::addColumn<QString>("message");
         const QString unsupported = "Unsupported model selected. Please choose a valid model in Settings.";
         const QString missing = "API key is missing. Please add it in Settings.";
-        QTest::newRow("unknown id") << "gpt-4o" << "k" << "k" << unsupported;
-        QTest::newRow("empty id") << "" << "k" << "k" << unsupported;
-        QTest::newRow("OpenAI without key") << "gpt-4-turbo" << "" << "k" << missing;
-        QTest::newRow("Anthropic without key") << "claude-3-opus-20240229" << "k" << "" << missing;
+        QTest::newRow("unknown id") << "gpt-4o"
+                                    << "k"
+                                    << "k" << unsupported;
+        QTest::newRow("empty id") << ""
+                                  << "k"
+                                  << "k" << unsupported;
+        QTest::newRow("OpenAI without key") << "gpt-4-turbo"
+                                            << ""
+                                            << "k" << missing;
+        QTest::newRow("Anthropic without key") << "claude-3-opus-20240229"
+                                               << "k"
+                                               << "" << missing;
     }
 
     void refusesBeforeSending()
@@ -165,7 +180,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("log");
 
         const QString invalid = "Invalid response received from the server.";
-        QTest::newRow("empty choices") << "gpt-4o-mini" << 200 << QByteArray(R"({"choices":[]})") << invalid << QString();
+        QTest::newRow("empty choices") << "gpt-4o-mini" << 200 << QByteArray(R"({"choices":[]})") << invalid
+                                       << QString();
         QTest::newRow("null content") << "gpt-3.5-turbo-1106" << 200
                                       << QByteArray(R"({"choices":[{"message":{"role":"assistant","content":null}}]})")
                                       << invalid << QString();
@@ -174,18 +190,20 @@ private Q_SLOTS:
         QTest::newRow("truncated JSON") << "gpt-4o-mini" << 200 << QByteArray(R"({"choices":[)")
                                         << "Failed to parse the server response: unterminated array" << QString();
         QTest::newRow("JSON array") << "gpt-4o-mini" << 200 << QByteArray("[1]") << invalid << QString();
-        QTest::newRow("no body") << "gpt-4o-mini" << 200 << QByteArray() << "No data received from the server." << QString();
+        QTest::newRow("no body") << "gpt-4o-mini" << 200 << QByteArray() << "No data received from the server."
+                                 << QString();
         QTest::newRow("error body") << "gpt-4o-mini" << 401
                                     << QByteArray(R"({"error":{"message":"Incorrect API key provided: sk-op***ai."}})")
                                     << invalid << "OpenAI answered HTTP 401: Incorrect API key provided: sk-op***ai.";
-        QTest::newRow("Anthropic without text")
-            << "claude-instant" << 200 << QByteArray(R"({"content":[]})") << invalid
-            << "API request failed: Invalid response received from the server.";
+        QTest::newRow("Anthropic without text") << "claude-instant" << 200 << QByteArray(R"({"content":[]})") << invalid
+                                                << "API request failed: Invalid response received from the server.";
         QTest::newRow("Anthropic error body")
-            << "claude-3-5-sonnet-20240620" << 529 << QByteArray(R"({"type":"error","error":{"type":"overloaded_error","message":"Overloaded"}})")
-            << invalid << "Anthropic answered HTTP 529: Overloaded|API request failed: Invalid response received from the server.";
-        QTest::newRow("Anthropic not JSON") << "claude-instant" << 200 << QByteArray("x") << "Failed to parse the server response: illegal value"
-                                            << "API request failed: Failed to parse the server response: illegal value";
+            << "claude-3-5-sonnet-20240620" << 529
+            << QByteArray(R"({"type":"error","error":{"type":"overloaded_error","message":"Overloaded"}})") << invalid
+            << "Anthropic answered HTTP 529: Overloaded|API request failed: Invalid response received from the server.";
+        QTest::newRow("Anthropic not JSON")
+            << "claude-instant" << 200 << QByteArray("x") << "Failed to parse the server response: illegal value"
+            << "API request failed: Failed to parse the server response: illegal value";
     }
 
     void readsAnswersInTheCommonOrder()
@@ -211,12 +229,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("scenario");
         QTest::addColumn<QString>("message");
-        QTest::newRow("never answers") << "silent" << "The request timed out. Please try again.";
-        QTest::newRow("closes mid-body") << "truncated"
-                                         << "The network connection was lost. Please check your internet connection and try again.";
-        QTest::newRow("unknown host") << "invalid"
-                                      << "Unable to find the server. Please check your internet connection or try again later.";
-        QTest::newRow("refused") << "refused" << "A network error occurred: Connection refused";
+        QTest::newRow("never answers") << "silent"
+                                       << "The request timed out. Please try again.";
+        QTest::newRow("closes mid-body")
+            << "truncated"
+            << "The network connection was lost. Please check your internet connection and try again.";
+        QTest::newRow("unknown host")
+            << "invalid"
+            << "Unable to find the server. Please check your internet connection or try again later.";
+        QTest::newRow("refused") << "refused"
+                                 << "A network error occurred: Connection refused";
     }
 
     void transportFailuresHaveTheirMessages()

@@ -48,7 +48,8 @@ int closedPort()
 } // namespace
 
 // One-shot requests against a real loopback server.
-class TestHttpClient : public QObject {
+class TestHttpClient : public QObject
+{
     Q_OBJECT
 
 private Q_SLOTS:
@@ -87,7 +88,7 @@ private Q_SLOTS:
     void errorStatusesKeepTheirBody_data()
     {
         QTest::addColumn<int>("status");
-        for (int status : {400, 401, 403, 404, 409, 429, 500, 503}) {
+        for (int status : { 400, 401, 403, 404, 409, 429, 500, 503 }) {
             QTest::addRow("%d", status) << status;
         }
     }

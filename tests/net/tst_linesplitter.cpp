@@ -10,7 +10,8 @@ using zentrik::SseReader;
 
 namespace {
 
-struct Outcome {
+struct Outcome
+{
     QList<QByteArray> lines;
     LineSplitter::Status status = LineSplitter::Status::Ok;
 };
@@ -32,7 +33,8 @@ Outcome splitInPieces(const QList<QByteArray> &pieces, qsizetype maxLength = Lin
 
 } // namespace
 
-class TestLineSplitter : public QObject {
+class TestLineSplitter : public QObject
+{
     Q_OBJECT
 
 private Q_SLOTS:
@@ -40,16 +42,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("input");
         QTest::addColumn<QList<QByteArray>>("lines");
-        QTest::newRow("LF") << QByteArray("a\nbb\n") << QList<QByteArray>{"a", "bb"};
-        QTest::newRow("CRLF") << QByteArray("a\r\nbb\r\n") << QList<QByteArray>{"a", "bb"};
-        QTest::newRow("CR") << QByteArray("a\rbb\r") << QList<QByteArray>{"a", "bb"};
-        QTest::newRow("mixed") << QByteArray("a\r\nb\rc\nd") << QList<QByteArray>{"a", "b", "c", "d"};
-        QTest::newRow("blank lines kept") << QByteArray("a\n\n\r\n\rb\n") << QList<QByteArray>{"a", "", "", "", "b"};
-        QTest::newRow("LF CR is two endings") << QByteArray("a\n\rb") << QList<QByteArray>{"a", "", "b"};
-        QTest::newRow("unterminated last line") << QByteArray("data: x") << QList<QByteArray>{"data: x"};
-        QTest::newRow("nothing") << QByteArray() << QList<QByteArray>{};
+        QTest::newRow("LF") << QByteArray("a\nbb\n") << QList<QByteArray> { "a", "bb" };
+        QTest::newRow("CRLF") << QByteArray("a\r\nbb\r\n") << QList<QByteArray> { "a", "bb" };
+        QTest::newRow("CR") << QByteArray("a\rbb\r") << QList<QByteArray> { "a", "bb" };
+        QTest::newRow("mixed") << QByteArray("a\r\nb\rc\nd") << QList<QByteArray> { "a", "b", "c", "d" };
+        QTest::newRow("blank lines kept") << QByteArray("a\n\n\r\n\rb\n") << QList<QByteArray> { "a", "", "", "", "b" };
+        QTest::newRow("LF CR is two endings") << QByteArray("a\n\rb") << QList<QByteArray> { "a", "", "b" };
+        QTest::newRow("unterminated last line") << QByteArray("data: x") << QList<QByteArray> { "data: x" };
+        QTest::newRow("nothing") << QByteArray() << QList<QByteArray> {};
         QTest::newRow("multi-byte text") << QByteArray("\xc3\xa9t\xc3\xa9\n\xf0\x9f\x98\x80\r\n")
-                                         << QList<QByteArray>{"\xc3\xa9t\xc3\xa9", "\xf0\x9f\x98\x80"};
+                                         << QList<QByteArray> { "\xc3\xa9t\xc3\xa9", "\xf0\x9f\x98\x80" };
     }
 
     // Whatever the boundaries between pieces, the lines are the same: a CR at the end of a
@@ -59,9 +61,9 @@ private Q_SLOTS:
         QFETCH(QByteArray, input);
         QFETCH(QList<QByteArray>, lines);
 
-        QCOMPARE(splitInPieces({input}).lines, lines);
+        QCOMPARE(splitInPieces({ input }).lines, lines);
         for (qsizetype cut = 0; cut <= input.size(); ++cut) {
-            QCOMPARE(splitInPieces({input.left(cut), input.mid(cut)}).lines, lines);
+            QCOMPARE(splitInPieces({ input.left(cut), input.mid(cut) }).lines, lines);
         }
         QList<QByteArray> bytes;
         for (char c : input) {
@@ -79,11 +81,11 @@ private Q_SLOTS:
             return true;
         };
         splitter.feed("first\r", sink);
-        QCOMPARE(seen, QList<QByteArray>{"first"});
+        QCOMPARE(seen, QList<QByteArray> { "first" });
         splitter.feed("\nsec", sink);
-        QCOMPARE(seen, QList<QByteArray>{"first"});
+        QCOMPARE(seen, QList<QByteArray> { "first" });
         splitter.feed("ond\n", sink);
-        QCOMPARE(seen, (QList<QByteArray>{"first", "second"}));
+        QCOMPARE(seen, (QList<QByteArray> { "first", "second" }));
     }
 
     void boundsLineLength_data()
@@ -93,13 +95,14 @@ private Q_SLOTS:
         QTest::addColumn<QList<QByteArray>>("lines");
         using S = LineSplitter::Status;
         const QByteArray exactly(16, 'x');
-        QTest::newRow("exactly the limit") << QList<QByteArray>{exactly + "\n"} << int(S::Ok) << QList<QByteArray>{exactly};
-        QTest::newRow("one over, in one piece") << QList<QByteArray>{"ok\n" + exactly + "y\nnext\n"} << int(S::LineTooLong)
-                                                << QList<QByteArray>{"ok"};
-        QTest::newRow("one over, across pieces") << QList<QByteArray>{"ok\n" + exactly, "y", "\n"} << int(S::LineTooLong)
-                                                 << QList<QByteArray>{"ok"};
-        QTest::newRow("over without any ending") << QList<QByteArray>{exactly, exactly} << int(S::LineTooLong)
-                                                 << QList<QByteArray>{};
+        QTest::newRow("exactly the limit")
+            << QList<QByteArray> { exactly + "\n" } << int(S::Ok) << QList<QByteArray> { exactly };
+        QTest::newRow("one over, in one piece") << QList<QByteArray> { "ok\n" + exactly + "y\nnext\n" }
+                                                << int(S::LineTooLong) << QList<QByteArray> { "ok" };
+        QTest::newRow("one over, across pieces")
+            << QList<QByteArray> { "ok\n" + exactly, "y", "\n" } << int(S::LineTooLong) << QList<QByteArray> { "ok" };
+        QTest::newRow("over without any ending")
+            << QList<QByteArray> { exactly, exactly } << int(S::LineTooLong) << QList<QByteArray> {};
     }
 
     void boundsLineLength()
@@ -138,7 +141,7 @@ private Q_SLOTS:
         QCOMPARE(splitter.feed("a\nstop\nb\n", sink), LineSplitter::Status::Stopped);
         QCOMPARE(splitter.feed("c\n", sink), LineSplitter::Status::Stopped);
         QCOMPARE(splitter.finish(sink), LineSplitter::Status::Stopped);
-        QCOMPARE(seen, (QList<QByteArray>{"a", "stop"}));
+        QCOMPARE(seen, (QList<QByteArray> { "a", "stop" }));
     }
 
     void classifiesServerSentEventLines_data()
@@ -151,11 +154,13 @@ private Q_SLOTS:
         QTest::newRow("data keeps further blanks") << QByteArray("data:  x ") << int(K::Data) << QByteArray(" x ");
         QTest::newRow("empty data") << QByteArray("data: ") << int(K::Data) << QByteArray();
         QTest::newRow("end marker") << QByteArray("data: [DONE]") << int(K::Done) << QByteArray("[DONE]");
-        QTest::newRow("end marker without blank") << QByteArray("data:[DONE]") << int(K::Other) << QByteArray("data:[DONE]");
-        QTest::newRow("end marker with trailing blank") << QByteArray("data: [DONE] ") << int(K::Data) << QByteArray("[DONE] ");
+        QTest::newRow("end marker without blank")
+            << QByteArray("data:[DONE]") << int(K::Other) << QByteArray("data:[DONE]");
+        QTest::newRow("end marker with trailing blank")
+            << QByteArray("data: [DONE] ") << int(K::Data) << QByteArray("[DONE] ");
         QTest::newRow("data without blank") << QByteArray("data:{}") << int(K::Other) << QByteArray("data:{}");
-        QTest::newRow("keep-alive comment") << QByteArray(": OPENROUTER PROCESSING") << int(K::Comment)
-                                            << QByteArray(" OPENROUTER PROCESSING");
+        QTest::newRow("keep-alive comment")
+            << QByteArray(": OPENROUTER PROCESSING") << int(K::Comment) << QByteArray(" OPENROUTER PROCESSING");
         QTest::newRow("event") << QByteArray("event: content_block_delta") << int(K::Event)
                                << QByteArray("content_block_delta");
         QTest::newRow("blank") << QByteArray() << int(K::Blank) << QByteArray();
@@ -183,7 +188,7 @@ private Q_SLOTS:
             SseReader reader;
             QList<std::pair<int, QByteArray>> seen;
             const auto sink = [&seen](const SseLine &line) {
-                seen.append({int(line.kind), line.value.toByteArray()});
+                seen.append({ int(line.kind), line.value.toByteArray() });
                 return line.kind != SseLine::Kind::Done;
             };
             for (qsizetype at = 0; at < transcript.size(); at += pieceSize) {
@@ -193,14 +198,14 @@ private Q_SLOTS:
             return seen;
         };
         using K = SseLine::Kind;
-        const QList<std::pair<int, QByteArray>> expected{
-            {int(K::Comment), " OPENROUTER PROCESSING"},
-            {int(K::Blank), ""},
-            {int(K::Data), "{\"x\":\"\xe2\x82\xac\"}"},
-            {int(K::Blank), ""},
-            {int(K::Event), "ping"},
-            {int(K::Other), "data:[DONE]"},
-            {int(K::Done), "[DONE]"},
+        const QList<std::pair<int, QByteArray>> expected {
+            { int(K::Comment), " OPENROUTER PROCESSING" },
+            { int(K::Blank), "" },
+            { int(K::Data), "{\"x\":\"\xe2\x82\xac\"}" },
+            { int(K::Blank), "" },
+            { int(K::Event), "ping" },
+            { int(K::Other), "data:[DONE]" },
+            { int(K::Done), "[DONE]" },
         };
         for (qsizetype size = 1; size <= transcript.size(); ++size) {
             QCOMPARE(read(size), expected);

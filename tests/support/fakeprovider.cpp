@@ -16,7 +16,7 @@ ScriptedReply ScriptedReply::json(const QByteArray &body, int status)
 {
     ScriptedReply reply;
     reply.status = status;
-    reply.pieces = {{body, 0ms}};
+    reply.pieces = { { body, 0ms } };
     return reply;
 }
 
@@ -31,7 +31,7 @@ ScriptedReply ScriptedReply::sse(const QList<QByteArray> &pieces, std::chrono::m
     reply.contentType = QByteArrayLiteral("text/event-stream");
     reply.chunked = true;
     for (qsizetype i = 0; i < pieces.size(); ++i) {
-        reply.pieces.append({pieces.at(i), i == 0 ? 0ms : pause});
+        reply.pieces.append({ pieces.at(i), i == 0 ? 0ms : pause });
     }
     return reply;
 }
@@ -39,8 +39,8 @@ ScriptedReply ScriptedReply::sse(const QList<QByteArray> &pieces, std::chrono::m
 ScriptedReply ScriptedReply::truncated(const QByteArray &body, qsizetype sent)
 {
     ScriptedReply reply = json(body);
-    reply.pieces = {{body.left(sent), 0ms}};
-    reply.headers.append({QByteArrayLiteral("X-Fake-Announced-Length"), QByteArray::number(body.size())});
+    reply.pieces = { { body.left(sent), 0ms } };
+    reply.headers.append({ QByteArrayLiteral("X-Fake-Announced-Length"), QByteArray::number(body.size()) });
     reply.ending = Ending::CloseEarly;
     return reply;
 }
@@ -56,7 +56,7 @@ ScriptedReply ScriptedReply::redirect(const QByteArray &location, int status)
 {
     ScriptedReply reply;
     reply.status = status;
-    reply.headers.append({QByteArrayLiteral("Location"), location});
+    reply.headers.append({ QByteArrayLiteral("Location"), location });
     return reply;
 }
 
@@ -87,7 +87,8 @@ QJsonDocument RecordedRequest::json() const
     return QJsonDocument::fromJson(body);
 }
 
-struct FakeProvider::State {
+struct FakeProvider::State
+{
     httplib::Server server;
     std::thread thread;
     int port = 0;
@@ -149,9 +150,9 @@ struct FakeProvider::State {
         if (handler) {
             return handler(request);
         }
-        return ScriptedReply::json(QByteArrayLiteral(R"({"error":{"message":"No route scripted for )")
-                                       + key + QByteArrayLiteral(R"("}})"),
-                                   404);
+        return ScriptedReply::json(
+            QByteArrayLiteral(R"({"error":{"message":"No route scripted for )") + key + QByteArrayLiteral(R"("}})"),
+            404);
     }
 
     void serve(const httplib::Request &in, httplib::Response &out)
@@ -166,7 +167,7 @@ struct FakeProvider::State {
             if (name == "REMOTE_ADDR" || name == "REMOTE_PORT" || name == "LOCAL_ADDR" || name == "LOCAL_PORT") {
                 continue;
             }
-            request.headers.append({QByteArray::fromStdString(name), QByteArray::fromStdString(value)});
+            request.headers.append({ QByteArray::fromStdString(name), QByteArray::fromStdString(value) });
         }
         request.body = QByteArray::fromStdString(in.body);
         qsizetype index = 0;
@@ -199,7 +200,8 @@ struct FakeProvider::State {
                 if (piece.pauseBefore.count() > 0 && !pause(piece.pauseBefore)) {
                     return false;
                 }
-                if ((sink.is_writable && !sink.is_writable()) || !sink.write(piece.bytes.constData(), size_t(piece.bytes.size()))) {
+                if ((sink.is_writable && !sink.is_writable())
+                    || !sink.write(piece.bytes.constData(), size_t(piece.bytes.size()))) {
                     return false;
                 }
                 markSent(index);
@@ -216,9 +218,7 @@ struct FakeProvider::State {
 
         if (reply.chunked) {
             out.set_chunked_content_provider(reply.contentType.toStdString(),
-                                             [writePieces](size_t, httplib::DataSink &sink) {
-                                                 return writePieces(sink);
-                                             });
+                [writePieces](size_t, httplib::DataSink &sink) { return writePieces(sink); });
             return;
         }
         qsizetype length = 0;
@@ -234,11 +234,11 @@ struct FakeProvider::State {
             return;
         }
         out.set_content_provider(size_t(length), reply.contentType.toStdString(),
-                                 [writePieces](size_t offset, size_t, httplib::DataSink &sink) {
-                                     // The provider is asked again while bytes are missing;
-                                     // everything was written the first time.
-                                     return offset == 0 && writePieces(sink);
-                                 });
+            [writePieces](size_t offset, size_t, httplib::DataSink &sink) {
+                // The provider is asked again while bytes are missing;
+                // everything was written the first time.
+                return offset == 0 && writePieces(sink);
+            });
     }
 };
 
@@ -323,7 +323,7 @@ int FakeProvider::requestCount() const
 RecordedRequest FakeProvider::lastRequest() const
 {
     std::lock_guard lock(m_state->mutex);
-    return m_state->requests.isEmpty() ? RecordedRequest{} : m_state->requests.constLast();
+    return m_state->requests.isEmpty() ? RecordedRequest {} : m_state->requests.constLast();
 }
 
 int FakeProvider::finishedCount() const

@@ -15,18 +15,20 @@ namespace zentrik::test {
 using Clock = std::chrono::steady_clock;
 
 // What the fake provider answers to one request.
-struct ScriptedReply {
+struct ScriptedReply
+{
     // A piece of a body, written as soon as its pause has passed. With chunked bodies each
     // piece goes out as its own write, so tests decide where the boundaries fall.
-    struct Piece {
+    struct Piece
+    {
         QByteArray bytes;
-        std::chrono::milliseconds pauseBefore{0};
+        std::chrono::milliseconds pauseBefore { 0 };
     };
 
     enum class Ending {
-        Complete,    // the whole body, properly terminated
-        CloseEarly,  // the connection is dropped after the pieces, mid-body
-        NoAnswer,    // nothing at all is sent; the connection stays open until shutdown
+        Complete, // the whole body, properly terminated
+        CloseEarly, // the connection is dropped after the pieces, mid-body
+        NoAnswer, // nothing at all is sent; the connection stays open until shutdown
     };
 
     int status = 200;
@@ -41,8 +43,8 @@ struct ScriptedReply {
     [[nodiscard]] static ScriptedReply json(const QJsonDocument &body, int status = 200);
     // A text/event-stream body sent in exactly these pieces, with `pause` before each but
     // the first.
-    [[nodiscard]] static ScriptedReply sse(const QList<QByteArray> &pieces,
-                                           std::chrono::milliseconds pause = std::chrono::milliseconds(15));
+    [[nodiscard]] static ScriptedReply sse(
+        const QList<QByteArray> &pieces, std::chrono::milliseconds pause = std::chrono::milliseconds(15));
     // A Content-Length body of which only the first `sent` bytes are written before the
     // connection is closed.
     [[nodiscard]] static ScriptedReply truncated(const QByteArray &body, qsizetype sent);
@@ -50,9 +52,10 @@ struct ScriptedReply {
     [[nodiscard]] static ScriptedReply redirect(const QByteArray &location, int status = 307);
 };
 
-struct RecordedRequest {
+struct RecordedRequest
+{
     QByteArray method;
-    QByteArray path;   // as sent on the request line, without the query
+    QByteArray path; // as sent on the request line, without the query
     QByteArray target; // the whole request target, query included
     QList<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;
@@ -70,7 +73,8 @@ struct RecordedRequest {
 // each, in order), then the route's standing reply, then a handler, else 404. Any path can
 // be scripted, so one fake serves every provider. Destroying it stops it promptly, even
 // with requests that were told never to answer.
-class FakeProvider {
+class FakeProvider
+{
 public:
     using Handler = std::function<ScriptedReply(const RecordedRequest &request)>;
 
