@@ -1,0 +1,64 @@
+#pragma once
+
+#include "privacy/piialertviewmodel.h"
+#include "tools/chattoolviewmodel.h"
+
+#include <QStringList>
+
+namespace zentrik {
+
+
+// The general chat. Each send validates the model choice, asks about personal information
+// when the redacted copy differs, puts the chosen suggestion's prefix before the text and
+// waits for the whole reply. The model sees only that one prompt, not the conversation.
+class AskMeAnythingViewModel : public ChatToolViewModel
+{
+    Q_OBJECT
+    Q_PROPERTY(QString newMessage READ newMessage WRITE setNewMessage NOTIFY newMessageChanged FINAL)
+    Q_PROPERTY(QString selectedSuggestion READ selectedSuggestion WRITE setSelectedSuggestion NOTIFY
+                   selectedSuggestionChanged FINAL)
+    Q_PROPERTY(QStringList suggestions READ suggestions CONSTANT FINAL)
+    Q_PROPERTY(bool isAIProcessing READ isProcessing NOTIFY isProcessingChanged FINAL)
+    Q_PROPERTY(PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
+
+public:
+    explicit AskMeAnythingViewModel(QObject *parent = nullptr);
+
+    [[nodiscard]] QString newMessage() const { return m_newMessage; }
+    void setNewMessage(const QString &text);
+    [[nodiscard]] QString selectedSuggestion() const { return m_selectedSuggestion; }
+    // Choosing the selected suggestion again clears it; an unknown label clears it too.
+    void setSelectedSuggestion(const QString &label);
+    Q_INVOKABLE void toggleSuggestion(const QString &label);
+    [[nodiscard]] static QStringList suggestions();
+    [[nodiscard]] PiiAlertViewModel *piiAlertVM() const { return m_piiAlert; }
+
+    // The send button and Return. With personal information found, the dialog opens and
+    // nothing is sent until sendOriginal() or sendRedacted().
+    Q_INVOKABLE virtual void send();
+    Q_INVOKABLE virtual void sendOriginal();
+    Q_INVOKABLE virtual void sendRedacted();
+
+Q_SIGNALS:
+    void newMessageChanged();
+    void selectedSuggestionChanged();
+
+protected:
+    // The prompt that goes out for the text the user chose to send.
+    [[nodiscard]] virtual QString composePrompt(const QString &text) const;
+    // Runs the request for the composed prompt; the reply becomes an assistant message.
+    virtual void request(const QString &prompt);
+    // Validation before anything is sent; the message to show, or nothing.
+    [[nodiscard]] virtual std::optional<QString> validate(const QString &text) const;
+
+    void deliver(const QString &text);
+    // Shows `shown` as the user's message, clears the input and sends `prompt`.
+    void deliverPrompt(const QString &shown, const QString &prompt);
+
+private:
+    QString m_newMessage;
+    QString m_selectedSuggestion;
+    PiiAlertViewModel *m_piiAlert;
+};
+
+} // namespace zentrik

@@ -1,0 +1,110 @@
+#include "tools/chatmessagelistmodel.h"
+
+#include "render/markdownmodel.h"
+#include "render/markdownstrip.h"
+
+#include <QUuid>
+
+namespace zentrik {
+
+ChatMessageListModel::ChatMessageListModel(QObject *parent)
+    : QAbstractListModel(parent)
+{
+}
+
+ChatMessageListModel::~ChatMessageListModel() = default;
+
+int ChatMessageListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_entries.size());
+}
+
+QVariant ChatMessageListModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
+        return {};
+    }
+    const Entry &entry = m_entries.at(size_t(index.row()));
+    const bool assistant = entry.record.role == ChatMessageRecord::Role::assistant;
+    switch (role) {
+    case IdRole:
+        return entry.record.id;
+    case RoleRole:
+        return assistant ? QStringLiteral("assistant") : QStringLiteral("user");
+    case Qt::DisplayRole:
+    case ContentRole:
+        return entry.record.content;
+    case IsCopiedRole:
+        return !m_copiedId.isEmpty() && entry.record.id == m_copiedId;
+    case BlocksRole:
+        return QVariant::fromValue<QObject *>(entry.blocks.get());
+    case IsRuleRole:
+        return entry.isRule;
+    case SymbolRole:
+        return assistant ? QStringLiteral("brain.head.profile") : QStringLiteral("person.circle.fill");
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> ChatMessageListModel::roleNames() const
+{
+    return {{IdRole, "messageId"},       {RoleRole, "role"},       {ContentRole, "content"},
+            {IsCopiedRole, "isCopied"},  {BlocksRole, "blocks"},   {IsRuleRole, "isRule"},
+            {SymbolRole, "symbol"}};
+}
+
+QString ChatMessageListModel::append(ChatMessageRecord::Role role, const QString &content)
+{
+    Entry entry;
+    entry.record = {QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), role, content};
+    if (role == ChatMessageRecord::Role::assistant) {
+        entry.blocks = std::make_unique<MarkdownModel>();
+        entry.blocks->setText(content);
+        entry.isRule = matchesRulePattern(content);
+    }
+    const int row = int(m_entries.size());
+    beginInsertRows({}, row, row);
+    m_entries.push_back(std::move(entry));
+    endInsertRows();
+    Q_EMIT countChanged();
+    return m_entries.back().record.id;
+}
+
+void ChatMessageListModel::clear()
+{
+    if (m_entries.empty()) {
+        return;
+    }
+    beginResetModel();
+    m_entries.clear();
+    m_copiedId.clear();
+    endResetModel();
+    Q_EMIT countChanged();
+}
+
+int ChatMessageListModel::indexOf(const QString &id) const
+{
+    for (size_t row = 0; row < m_entries.size(); ++row) {
+        if (m_entries[row].record.id == id) {
+            return int(row);
+        }
+    }
+    return -1;
+}
+
+void ChatMessageListModel::setCopiedId(const QString &id)
+{
+    if (m_copiedId == id) {
+        return;
+    }
+    const int before = indexOf(m_copiedId);
+    m_copiedId = id;
+    for (int row : {before, indexOf(id)}) {
+        if (row >= 0) {
+            Q_EMIT dataChanged(index(row), index(row), {IsCopiedRole});
+        }
+    }
+}
+
+} // namespace zentrik

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace zentrik {
+
+class MarkdownModel;
+
+// One message of a conversation: AskMeMessage, DebuggerMessage and the sample-data
+// generator's messages share this shape.
+struct ChatMessageRecord {
+    enum class Role { user, assistant };
+
+    QString id; // a fresh UUID string per message
+    Role role = Role::user;
+    QString content;
+};
+using AskMeMessage = ChatMessageRecord;
+using DebuggerMessage = ChatMessageRecord;
+
+// The messages of one tool's conversation for its QML list. Assistant messages also carry
+// their Markdown blocks for display, and whether they match the divider rule pattern.
+class ChatMessageListModel : public QAbstractListModel
+{
+    Q_OBJECT
+    Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
+
+public:
+    enum Role {
+        IdRole = Qt::UserRole + 1,
+        RoleRole,     // "user" or "assistant"
+        ContentRole,  // the text as shown (and copied)
+        IsCopiedRole, // the copy button shows its copied state
+        BlocksRole,   // MarkdownModel* of an assistant message; null for user messages
+        IsRuleRole,   // an assistant reply that the divider pattern matches
+        SymbolRole,   // "person.circle.fill" or "brain.head.profile"
+    };
+    Q_ENUM(Role)
+
+    explicit ChatMessageListModel(QObject *parent = nullptr);
+    ~ChatMessageListModel() override;
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    // Appends a message with a fresh id and returns that id.
+    QString append(ChatMessageRecord::Role role, const QString &content);
+    void clear();
+
+    [[nodiscard]] int count() const { return int(m_entries.size()); }
+    [[nodiscard]] const ChatMessageRecord &at(int row) const { return m_entries.at(size_t(row)).record; }
+    [[nodiscard]] int indexOf(const QString &id) const;
+
+    [[nodiscard]] QString copiedId() const { return m_copiedId; }
+    // Marks one message as just copied (an empty id clears the mark).
+    void setCopiedId(const QString &id);
+
+Q_SIGNALS:
+    void countChanged();
+
+private:
+    struct Entry {
+        ChatMessageRecord record;
+        std::unique_ptr<MarkdownModel> blocks;
+        bool isRule = false;
+    };
+    std::vector<Entry> m_entries;
+    QString m_copiedId;
+};
+
+} // namespace zentrik
