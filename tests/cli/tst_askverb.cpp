@@ -5,7 +5,7 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
-#include "clirunner.h"
+#include "support/clirunner.h"
 #include "support/fakeprovider.h"
 #include "support/testregistry.h"
 
@@ -16,8 +16,9 @@ namespace {
 
 QByteArray chunkLine(const QString &text)
 {
-    const QJsonObject chunk{{"id", "c"}, {"object", "chat.completion.chunk"}, {"created", 1}, {"model", "m"},
-                            {"choices", QJsonArray{QJsonObject{{"index", 0}, {"delta", QJsonObject{{"content", text}}}}}}};
+    const QJsonObject chunk { { "id", "c" }, { "object", "chat.completion.chunk" }, { "created", 1 }, { "model", "m" },
+        { "choices",
+            QJsonArray { QJsonObject { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } } } } };
     return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
@@ -30,7 +31,8 @@ QByteArray lastLine(const QByteArray &text)
 } // namespace
 
 // zentrik-cli ask against the fake provider, keys from the environment.
-class AskVerbTest : public QObject {
+class AskVerbTest : public QObject
+{
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -65,11 +67,11 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QByteArray>("input");
         QTest::addColumn<QString>("prompt");
-        QTest::newRow("text argument") << QStringList{"ask", "--model", "gpt-4o-mini", "What is 2+2?"} << QByteArray()
-                                       << "What is 2+2?";
-        QTest::newRow("stdin") << QStringList{"ask", "--model", "gpt-4o-mini", "-"} << QByteArray("From\nstdin")
+        QTest::newRow("text argument") << QStringList { "ask", "--model", "gpt-4o-mini", "What is 2+2?" }
+                                       << QByteArray() << "What is 2+2?";
+        QTest::newRow("stdin") << QStringList { "ask", "--model", "gpt-4o-mini", "-" } << QByteArray("From\nstdin")
                                << "From\nstdin";
-        QTest::newRow("stdin without dash") << QStringList{"ask"} << QByteArray("Default model") << "Default model";
+        QTest::newRow("stdin without dash") << QStringList { "ask" } << QByteArray("Default model") << "Default model";
     }
 
     void printsTheWholeReply()
@@ -78,22 +80,27 @@ private Q_SLOTS:
         QFETCH(QByteArray, input);
         QFETCH(QString, prompt);
         m_fake->on("POST", "/v1/chat/completions",
-                   ScriptedReply::json(QByteArray(R"({"choices":[{"index":0,"message":{"role":"assistant","content":"Four."}}]})")));
+            ScriptedReply::json(
+                QByteArray(R"({"choices":[{"index":0,"message":{"role":"assistant","content":"Four."}}]})")));
         const CliResult result = runCli(arguments, input, environment());
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Four.\n"));
         const auto request = m_fake->lastRequest();
         QCOMPARE(request.header("Authorization"), "Bearer sk-from-env");
-        QCOMPARE(request.json().object().value("messages").toArray().last().toObject().value("content").toString(), prompt);
+        QCOMPARE(
+            request.json().object().value("messages").toArray().last().toObject().value("content").toString(), prompt);
     }
 
     void streamsTheReply()
     {
         m_fake->on("POST", "/v1/messages",
-                   ScriptedReply::sse({"data: {\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"Str\"}}\n\n",
-                                       "data: {\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"eamed\"}}\n\n",
-                                       "data: {\"type\":\"message_stop\"}\n\n"}));
-        const CliResult result = runCli({"ask", "--stream", "--model", "claude-3-haiku-20240307", "Go"}, {}, environment());
+            ScriptedReply::sse(
+                { "data: {\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"Str\"}}\n\n",
+                    "data: "
+                    "{\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"eamed\"}}\n\n",
+                    "data: {\"type\":\"message_stop\"}\n\n" }));
+        const CliResult result
+            = runCli({ "ask", "--stream", "--model", "claude-3-haiku-20240307", "Go" }, {}, environment());
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Streamed\n"));
         QCOMPARE(m_fake->lastRequest().header("x-api-key"), "sk-ant-env");
@@ -105,13 +112,15 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("out");
         QTest::addColumn<QByteArray>("err");
         QTest::newRow("stream refused by the service")
-            << QStringList{"ask", "--stream", "--model", "gpt-4o-mini", "x"} << QByteArray()
+            << QStringList { "ask", "--stream", "--model", "gpt-4o-mini", "x" } << QByteArray()
             << QByteArray("zentrik-cli: A network error occurred: HTTP 401: Incorrect API key provided");
-        QTest::newRow("stream cut short") << QStringList{"ask", "--stream", "--model", "gpt-4-turbo", "x"}
-                                          << QByteArray("partial\n")
-                                          << QByteArray("zentrik-cli: A network error occurred: The connection closed before the reply was complete.");
-        QTest::newRow("unknown model") << QStringList{"ask", "--model", "gpt-5", "x"} << QByteArray()
-                                       << QByteArray("zentrik-cli: Unsupported model selected. Please choose a valid model in Settings.");
+        QTest::newRow("stream cut short")
+            << QStringList { "ask", "--stream", "--model", "gpt-4-turbo", "x" } << QByteArray("partial\n")
+            << QByteArray(
+                   "zentrik-cli: A network error occurred: The connection closed before the reply was complete.");
+        QTest::newRow("unknown model")
+            << QStringList { "ask", "--model", "gpt-5", "x" } << QByteArray()
+            << QByteArray("zentrik-cli: Invalid model selected. Please choose a valid model in Settings.");
     }
 
     void failuresAreOneLineAndExitOne()
@@ -120,10 +129,10 @@ private Q_SLOTS:
         QFETCH(QByteArray, out);
         QFETCH(QByteArray, err);
         if (arguments.contains("gpt-4-turbo")) {
-            m_fake->on("POST", "/v1/chat/completions", ScriptedReply::sse({chunkLine("partial")}));
+            m_fake->on("POST", "/v1/chat/completions", ScriptedReply::sse({ chunkLine("partial") }));
         } else {
             m_fake->on("POST", "/v1/chat/completions",
-                       ScriptedReply::json(QByteArray(R"({"error":{"message":"Incorrect API key provided"}})"), 401));
+                ScriptedReply::json(QByteArray(R"({"error":{"message":"Incorrect API key provided"}})"), 401));
         }
         const CliResult result = runCli(arguments, {}, environment());
         QCOMPARE(result.exitCode, 1);
@@ -135,9 +144,9 @@ private Q_SLOTS:
     void usageErrors_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("nothing to ask") << QStringList{"ask"};
-        QTest::newRow("two texts") << QStringList{"ask", "a", "b"};
-        QTest::newRow("unknown option") << QStringList{"ask", "--fast", "a"};
+        QTest::newRow("nothing to ask") << QStringList { "ask" };
+        QTest::newRow("two texts") << QStringList { "ask", "a", "b" };
+        QTest::newRow("unknown option") << QStringList { "ask", "--fast", "a" };
     }
 
     void usageErrors()

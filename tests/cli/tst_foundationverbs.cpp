@@ -1,4 +1,4 @@
-#include "clirunner.h"
+#include "support/clirunner.h"
 #include "settings/secretstore.h"
 #include "support/testregistry.h"
 

@@ -1,9 +1,26 @@
-#include "clirunner.h"
+#pragma once
 
+#include <QByteArray>
 #include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
 
-CliResult runCli(const QStringList &arguments, const QByteArray &input, const QProcessEnvironment &extra,
-                 int timeoutMs)
+// Runs the built zentrik-cli with the given arguments and stdin, in the test's environment
+// plus the given extra variables, and captures what it prints.
+struct CliResult {
+    int exitCode = -1;
+    bool crashed = false;
+    QByteArray out;
+    QByteArray err;
+};
+
+// The test target defines ZENTRIK_CLI_PATH, the built executable.
+inline CliResult runCli(const QStringList &arguments, const QByteArray &input = {},
+                        const QProcessEnvironment &extra = {}, int timeoutMs = 30000);
+
+
+inline CliResult runCli(const QStringList &arguments, const QByteArray &input, const QProcessEnvironment &extra,
+                        int timeoutMs)
 {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();

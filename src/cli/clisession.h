@@ -1,0 +1,67 @@
+#pragma once
+
+#include "model/apimanager.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+
+#include <memory>
+#include <optional>
+
+namespace zentrik::cli {
+
+// The options every verb that talks to a model shares.
+struct ModelOptions {
+    QCommandLineOption model{QStringLiteral("model"), QStringLiteral("Use this text model for this run."),
+                             QStringLiteral("ID")};
+    void addTo(QCommandLineParser &parser) const { parser.addOption(model); }
+};
+
+// An APIManager for one run: the stored keys, overridden by OPENAI_API_KEY,
+// ANTHROPIC_API_KEY and FAL_KEY when set, and the --model choice when given.
+[[nodiscard]] std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser,
+                                                         const ModelOptions &options);
+
+// What to send when the privacy guard changed the text.
+enum class SendChoice { original, redacted };
+
+struct SendOption {
+    QCommandLineOption option{QStringLiteral("send"),
+                              QStringLiteral("When personal information is found, send the original or the "
+                                             "redacted text without asking."),
+                              QStringLiteral("original|redacted")};
+    void addTo(QCommandLineParser &parser) const { parser.addOption(option); }
+};
+
+// The --send value; std::nullopt when absent. A bad value yields the usage exit code.
+[[nodiscard]] std::variant<std::optional<SendChoice>, int> parseSendChoice(const QCommandLineParser &parser,
+                                                                           const SendOption &option,
+                                                                           const QString &verb);
+
+// The choice for a text in which personal information was found: --send when given,
+// otherwise the user's answer on a terminal. Without either it prints why and gives the
+// usage exit code.
+[[nodiscard]] std::variant<SendChoice, int> resolvePersonalInformation(std::optional<SendChoice> preset,
+                                                                       const QString &original,
+                                                                       const QString &redacted,
+                                                                       const QString &verb);
+
+// A conversational tool's error without the connection tip the window adds below it, so
+// that the CLI's failure stays one line.
+[[nodiscard]] QString firstParagraph(const QString &message);
+
+// Prints a growing text as it grows: only what was not printed yet.
+class IncrementalPrinter
+{
+public:
+    void update(const QString &fullText);
+    // Ends the output with a line break if it does not have one.
+    void finish();
+    [[nodiscard]] bool printedAnything() const { return m_printed > 0; }
+
+private:
+    qsizetype m_printed = 0;
+    bool m_endsWithNewline = true;
+};
+
+} // namespace zentrik::cli

@@ -1,0 +1,92 @@
+// zentrik-cli generate TITLE --field LABEL=VALUE ...: runs a form-driven assistant as its
+// screen does and streams the reply to stdout.
+#include "clisession.h"
+#include "formarguments.h"
+#include "verb.h"
+
+#include "tools/generatorviewmodel.h"
+
+#include <QEventLoop>
+
+using namespace zentrik;
+using namespace zentrik::cli;
+
+namespace {
+
+const QString verbName = QStringLiteral("generate");
+
+int runGenerate(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Runs a form-driven assistant with the given field values and streams the reply. "
+                       "'zentrik-cli assistants' lists the titles and their fields."));
+    const QCommandLineOption fieldOption(QStringLiteral("field"),
+                                         QStringLiteral("A field's value; repeat for more fields."),
+                                         QStringLiteral("LABEL=VALUE"));
+    parser.addOption(fieldOption);
+    const ModelOptions modelOptions;
+    modelOptions.addTo(parser);
+    const SendOption sendOption;
+    sendOption.addTo(parser);
+    parser.addPositionalArgument(QStringLiteral("TITLE"), QStringLiteral("The assistant's title."));
+    if (auto exit = parseArguments(parser, verbName, arguments)) {
+        return *exit;
+    }
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() != 1) {
+        return usageError(verbName, QStringLiteral("give exactly one assistant title (quote a title with spaces)"));
+    }
+    const auto parsed = parseFormArguments(verbName, positional.first(), parser.values(fieldOption));
+    if (const int *exit = std::get_if<int>(&parsed)) {
+        return *exit;
+    }
+    const FormSelection &form = std::get<FormSelection>(parsed);
+    const auto send = parseSendChoice(parser, sendOption, verbName);
+    if (const int *exit = std::get_if<int>(&send)) {
+        return *exit;
+    }
+
+    const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    GeneratorViewModel generator;
+    generator.setApiManager(manager.get());
+    generator.setFamily(form.family->identifier());
+    generator.selectAssistant(form.assistant->title);
+    for (auto it = form.inputs.cbegin(); it != form.inputs.cend(); ++it) {
+        generator.setInput(it.key(), it.value());
+    }
+
+    IncrementalPrinter printer;
+    QObject::connect(&generator, &GeneratorViewModel::outputChanged, &generator,
+                     [&] { printer.update(generator.output()); });
+    generator.generate();
+    if (generator.piiAlertVM()->showAlert()) {
+        const auto choice = resolvePersonalInformation(std::get<std::optional<SendChoice>>(send),
+                                                       generator.piiAlertVM()->originalMessage(),
+                                                       generator.piiAlertVM()->redactedMessage(), verbName);
+        if (const int *exit = std::get_if<int>(&choice)) {
+            return *exit;
+        }
+        std::get<SendChoice>(choice) == SendChoice::original ? generator.sendOriginal() : generator.sendRedacted();
+    }
+    if (generator.isGenerating()) {
+        QEventLoop loop;
+        QObject::connect(&generator, &GeneratorViewModel::isGeneratingChanged, &loop, [&] {
+            if (!generator.isGenerating()) {
+                loop.quit();
+            }
+        });
+        loop.exec();
+    }
+    printer.update(generator.output());
+    printer.finish();
+    if (!generator.errorMessage().isEmpty()) {
+        return fail(generator.errorMessage());
+    }
+    return exitSuccess;
+}
+
+} // namespace
+
+ZENTRIK_CLI_VERB(generate, QStringLiteral("generate"),
+                 QStringLiteral("Run a form-driven assistant and stream its reply"), runGenerate)

@@ -1,0 +1,190 @@
+#include "support/clirunner.h"
+#include "support/fakeprovider.h"
+#include "support/testregistry.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using zentrik::test::FakeProvider;
+using zentrik::test::ScriptedReply;
+
+namespace {
+
+QByteArray chunk(const QString &text)
+{
+    const QJsonObject object{{"id", "c"}, {"object", "chat.completion.chunk"}, {"created", 1}, {"model", "m"},
+                             {"choices", QJsonArray{QJsonObject{{"index", 0}, {"delta", QJsonObject{{"content", text}}}}}}};
+    return "data: " + QJsonDocument(object).toJson(QJsonDocument::Compact) + "\n\n";
+}
+
+QString sentText(const zentrik::test::RecordedRequest &request)
+{
+    const QJsonValue content = request.json().object().value("messages").toArray().last().toObject().value("content");
+    if (content.isString()) {
+        return content.toString();
+    }
+    QString text;
+    for (const QJsonValue &part : content.toArray()) {
+        text += part.toObject().value("text").toString();
+    }
+    return text;
+}
+
+} // namespace
+
+// generate, ask's confirmation, debug and sample-data, run as a user would against the fake provider.
+class ToolVerbsTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<FakeProvider> m_fake;
+
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment env;
+        env.insert("ZENTRIK_CONFIG_DIR", m_dir->path());
+        env.insert("ZENTRIK_OPENAI_BASE_URL", m_fake->baseUrl().toString());
+        env.insert("ZENTRIK_ANTHROPIC_BASE_URL", m_fake->baseUrl().toString());
+        env.insert("ZENTRIK_OPENROUTER_BASE_URL", m_fake->baseUrl().toString());
+        env.insert("OPENAI_API_KEY", "sk-from-env");
+        env.insert("ANTHROPIC_API_KEY", "sk-ant-env");
+        return env;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_fake = std::make_unique<FakeProvider>();
+        m_fake->on("POST", "/v1/chat/completions",
+                   ScriptedReply::sse({chunk("Acme: "), chunk("built to last."), "data: [DONE]\n\n"}));
+    }
+
+    void cleanup()
+    {
+        m_fake.reset();
+        m_dir.reset();
+    }
+
+    void generateStreamsTheReply()
+    {
+        const CliResult result = runCli({"generate", "Slogan Generator", "--field", "Brand/Product Name=Acme",
+                                         "--model", "gpt-3.5-turbo-1106"},
+                                        {}, environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("Acme: built to last.\n"));
+        const QString sent = sentText(m_fake->lastRequest());
+        QVERIFY(sent.contains("Category: Slogan Generator\nBrand/Product Name: Acme\n\nStructure:\n1. "));
+        // The same prompt the prompt verb prints.
+        const CliResult prompt = runCli({"prompt", "Slogan Generator", "--field", "Brand/Product Name=Acme"}, {}, environment());
+        QCOMPARE(QString::fromUtf8(prompt.out), sent + "\n");
+    }
+
+    void generateRefusesWhatTheScreenRefuses()
+    {
+        // The generators accept gpt-3.5 but not gpt-4o-mini, whatever the keys.
+        const CliResult result = runCli({"generate", "Slogan Generator", "--model", "gpt-4o-mini"}, {}, environment());
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err, QByteArray("zentrik-cli: Unsupported model selected. Please choose a valid model in Settings.\n"));
+        QCOMPARE(m_fake->requestCount(), 0);
+    }
+
+    void personalInformationNeedsAChoice_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("sentHas");
+        const QStringList generate{"generate", "Slogan Generator", "--model", "gpt-3.5-turbo-1106", "--field",
+                                   "Brand/Product Name=mail bob@example.com"};
+        QTest::newRow("generate without --send") << generate << 2 << QString();
+        QTest::newRow("generate redacted") << (generate + QStringList{"--send", "redacted"}) << 0 << "mail [EMAIL_ADDRESS]";
+        QTest::newRow("generate original") << (generate + QStringList{"--send", "original"}) << 0 << "mail bob@example.com";
+        const QStringList ask{"ask", "--model", "gpt-4o-mini", "write to bob@example.com"};
+        QTest::newRow("ask without --send") << ask << 2 << QString();
+        QTest::newRow("ask redacted, streamed") << (ask + QStringList{"--send", "redacted", "--stream"}) << 0
+                                                << "write to [EMAIL_ADDRESS]";
+        QTest::newRow("bad --send") << (ask + QStringList{"--send", "maybe"}) << 2 << QString();
+    }
+
+    void personalInformationNeedsAChoice()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QString, sentHas);
+        const CliResult result = runCli(arguments, {}, environment());
+        QCOMPARE(result.exitCode, exitCode);
+        if (sentHas.isEmpty()) {
+            QCOMPARE(m_fake->requestCount(), 0);
+            QCOMPARE(result.err.count('\n'), 1);
+        } else {
+            QVERIFY2(sentText(m_fake->lastRequest()).contains(sentHas), qPrintable(sentText(m_fake->lastRequest())));
+        }
+    }
+
+    void askUsesTheSuggestionPrefix()
+    {
+        m_fake->on("POST", "/v1/chat/completions",
+                   ScriptedReply::json(QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"**Fixed.**"}}]})")));
+        const CliResult result = runCli({"ask", "--suggestion", "Grammar Checker", "--model", "gpt-4o-mini", "me and him goes"},
+                                        {}, environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("**Fixed.**\n"));
+        QCOMPARE(sentText(m_fake->lastRequest()),
+                 QString("Please check the following text for grammatical errors and provide corrections: me and him goes"));
+        QCOMPARE(runCli({"ask", "--suggestion", "Poetry", "x"}, {}, environment()).exitCode, 2);
+    }
+
+    void debugSendsRedactedAndStreams()
+    {
+        const CliResult result = runCli({"debug", "--suggestion", "logicError", "--model", "gpt-4o-mini", "-"},
+                                        "x = 1 + # ask jo@example.com", environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("Acme: built to last.\n"));
+        QCOMPARE(sentText(m_fake->lastRequest()),
+                 QString("There seems to be a logic error in my program. Can you assist in finding the issue?\n\n"
+                         "x = 1 + # ask [EMAIL_ADDRESS]"));
+    }
+
+    void debugWithClaudeWaitsForWholeReply()
+    {
+        m_fake->on("POST", "/v1/messages",
+                   ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"Use a colon."}]})")));
+        const CliResult result = runCli({"debug", "--model", "claude-3-haiku-20240307", "if x print(x)"}, {}, environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("Use a colon.\n"));
+        QVERIFY(!m_fake->lastRequest().json().object().contains("stream"));
+    }
+
+    void sampleDataFormats_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("sent");
+        QTest::newRow("csv") << QStringList{"sample-data", "--format", "csv", "--model", "gpt-4o-mini", "three customers"} << 0
+                             << "Create sample data in CSV format with the following information:\n\nthree customers";
+        QTest::newRow("no format") << QStringList{"sample-data", "three users"} << 2 << QString();
+        QTest::newRow("unknown format") << QStringList{"sample-data", "--format", "TOML", "x"} << 2 << QString();
+        QTest::newRow("unknown debug key") << QStringList{"debug", "--suggestion", "typo", "x"} << 2 << QString();
+    }
+
+    void sampleDataFormats()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QString, sent);
+        const CliResult result = runCli(arguments, {}, environment());
+        QCOMPARE(result.exitCode, exitCode);
+        if (sent.isEmpty()) {
+            QCOMPARE(m_fake->requestCount(), 0);
+        } else {
+            QCOMPARE(sentText(m_fake->lastRequest()), sent);
+        }
+    }
+};
+
+ZENTRIK_TEST(ToolVerbsTest)
+#include "tst_toolverbs.moc"
