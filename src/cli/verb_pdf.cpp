@@ -1,0 +1,142 @@
+// zentrik-cli pdf summary FILE / pdf ask FILE QUESTION: the PDF chat from a shell.
+#include "clisession.h"
+#include "verb.h"
+
+#include "pdf/pdfchatviewmodel.h"
+
+#include <QEventLoop>
+
+using namespace zentrik;
+using namespace zentrik::cli;
+
+namespace {
+
+const QString verbName = QStringLiteral("pdf");
+
+// Runs the event loop until `busy` turns false.
+template<typename Signal>
+void waitWhile(PdfChatViewModel &chat, Signal changed, const std::function<bool()> &busy)
+{
+    if (!busy()) {
+        return;
+    }
+    QEventLoop loop;
+    QObject::connect(&chat, changed, &loop, [&] {
+        if (!busy()) {
+            loop.quit();
+        }
+    });
+    loop.exec();
+}
+
+// Answers the privacy dialog the way the user chose, if it opened.
+std::optional<int> settlePersonalInformation(PdfChatViewModel &chat, std::optional<SendChoice> preset)
+{
+    if (!chat.piiAlertVM()->showAlert()) {
+        return std::nullopt;
+    }
+    const auto choice = resolvePersonalInformation(preset, chat.piiAlertVM()->originalMessage(),
+                                                   chat.piiAlertVM()->redactedMessage(), verbName);
+    if (const int *exit = std::get_if<int>(&choice)) {
+        return *exit;
+    }
+    std::get<SendChoice>(choice) == SendChoice::original ? chat.sendOriginal() : chat.sendRedacted();
+    return std::nullopt;
+}
+
+int runPdf(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Chats with a PDF.\n"
+        "  pdf summary FILE            title, brief summary and key points\n"
+        "  pdf ask FILE QUESTION       an answer that cites the pages it used\n"
+        "Personal information in the question or the document is found first; on a terminal you choose "
+        "what to send, otherwise say it with --send."));
+    parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("summary or ask"));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The PDF."));
+    parser.addPositionalArgument(QStringLiteral("QUESTION"), QStringLiteral("ask only; - reads stdin"),
+                                 QStringLiteral("[QUESTION]"));
+    const ModelOptions modelOptions;
+    modelOptions.addTo(parser);
+    const SendOption sendOption;
+    sendOption.addTo(parser);
+    if (auto exit = parseArguments(parser, verbName, arguments)) {
+        return *exit;
+    }
+    const QStringList args = parser.positionalArguments();
+    const QString action = args.value(0);
+    if (action != QStringLiteral("summary") && action != QStringLiteral("ask")) {
+        return usageError(verbName, action.isEmpty() ? QStringLiteral("say summary or ask")
+                                                     : QStringLiteral("unknown action '%1'").arg(action));
+    }
+    if (action == QStringLiteral("summary") ? args.size() != 2 : (args.size() < 2 || args.size() > 3)) {
+        return usageError(verbName, action == QStringLiteral("summary")
+                                        ? QStringLiteral("pdf summary takes one FILE")
+                                        : QStringLiteral("pdf ask takes a FILE and one QUESTION (quote it)"));
+    }
+    const auto send = parseSendChoice(parser, sendOption, verbName);
+    if (const int *exit = std::get_if<int>(&send)) {
+        return *exit;
+    }
+    QString question;
+    if (action == QStringLiteral("ask")) {
+        question = textArgument(args, 2).trimmed();
+        if (question.isEmpty()) {
+            return usageError(verbName, QStringLiteral("the question is empty"));
+        }
+    }
+
+    const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    PdfChatViewModel chat;
+    chat.setApiManager(manager.get());
+    if (!chat.openFile(args.at(1))) {
+        return fail(chat.documentError());
+    }
+    const std::optional<SendChoice> preset = std::get<std::optional<SendChoice>>(send);
+
+    if (action == QStringLiteral("summary")) {
+        chat.summarize();
+        if (auto exit = settlePersonalInformation(chat, preset)) {
+            return *exit;
+        }
+        waitWhile(chat, &PdfChatViewModel::isSummarizingChanged, [&] { return chat.isSummarizing(); });
+        if (!chat.errorMessage().isEmpty()) {
+            return fail(firstParagraph(chat.errorMessage()));
+        }
+        if (!chat.summaryMarkdown().isEmpty()) {
+            printOut(chat.summaryMarkdown().trimmed() + QLatin1Char('\n'));
+            return exitSuccess;
+        }
+        QString card = chat.summaryTitle() + QStringLiteral("\n\n") + chat.summaryText() + QStringLiteral("\n\nKey points:\n");
+        for (const QString &point : chat.keyPoints()) {
+            card += QStringLiteral("- %1\n").arg(point);
+        }
+        printOut(card);
+        return exitSuccess;
+    }
+
+    chat.setNewMessage(question);
+    chat.send();
+    if (!chat.errorMessage().isEmpty()) {
+        return fail(firstParagraph(chat.errorMessage()));
+    }
+    if (auto exit = settlePersonalInformation(chat, preset)) {
+        return *exit;
+    }
+    waitWhile(chat, &ChatToolViewModel::isProcessingChanged, [&] { return chat.isProcessing(); });
+    if (!chat.errorMessage().isEmpty()) {
+        return fail(firstParagraph(chat.errorMessage()));
+    }
+    const ChatMessageListModel *messages = chat.messages();
+    if (messages->count() < 2) {
+        return fail(QStringLiteral("no reply arrived"));
+    }
+    const QString answer = messages->at(messages->count() - 1).content.trimmed();
+    printOut(answer + QLatin1Char('\n'));
+    return exitSuccess;
+}
+
+} // namespace
+
+ZENTRIK_CLI_VERB(pdf, QStringLiteral("pdf"), QStringLiteral("Summarize a PDF or ask about it"), runPdf)

@@ -1,0 +1,100 @@
+#include "pdffixtures.h"
+#include "support/clirunner.h"
+#include "support/fakeprovider.h"
+#include "support/testregistry.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using zentrik::test::FakeProvider;
+using zentrik::test::ScriptedReply;
+
+// zentrik-cli pdf summary / pdf ask against the fake provider.
+class PdfVerbTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<FakeProvider> m_fake;
+
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment env;
+        env.insert("ZENTRIK_CONFIG_DIR", m_dir.filePath("config"));
+        env.insert("ZENTRIK_OPENAI_BASE_URL", m_fake->baseUrl().toString());
+        env.insert("OPENAI_API_KEY", "sk-test");
+        return env;
+    }
+
+    void reply(const QString &text)
+    {
+        const QJsonObject message{{"role", "assistant"}, {"content", text}};
+        m_fake->enqueue("POST", "/v1/chat/completions",
+                        ScriptedReply::json(QJsonDocument(QJsonObject{{"choices", QJsonArray{QJsonObject{{"message", message}}}}}).toJson()));
+    }
+
+private Q_SLOTS:
+    void init() { m_fake = std::make_unique<FakeProvider>(); }
+    void cleanup() { m_fake.reset(); }
+
+    void summaryPrintsTheCard()
+    {
+        const QString file = m_dir.filePath("doc.pdf");
+        QVERIFY(pdffixtures::writeTextPdf(file, {"Budget for the year", "Hiring plan"}));
+        reply(R"({"title":"Plans","summary":"Budget and hiring.","keyPoints":["Budget","Hiring","Timeline"]})");
+        const CliResult result = runCli({"pdf", "summary", file, "--model", "gpt-4o-mini"}, {}, environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("Plans\n\nBudget and hiring.\n\nKey points:\n- Budget\n- Hiring\n- Timeline\n"));
+    }
+
+    void askPrintsTheAnswer()
+    {
+        const QString file = m_dir.filePath("doc2.pdf");
+        QVERIFY(pdffixtures::writeTextPdf(file, {"Intro", "The office opens at nine"}));
+        reply("At nine (page 2).");
+        const CliResult result = runCli({"pdf", "ask", file, "When does the office open?", "--model", "gpt-4o-mini"}, {},
+                                        environment());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QByteArray("At nine (page 2).\n"));
+        const QString sent = m_fake->lastRequest().json().object().value("messages").toArray().last().toObject()
+                                 .value("content").toString();
+        QVERIFY(sent.contains("--- Page 2 ---"));
+    }
+
+    void problems_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QByteArray>("err");
+        const QString notPdf = m_dir.filePath("notes.txt");
+        QFile out(notPdf);
+        out.open(QIODevice::WriteOnly);
+        out.write("plain text");
+        out.close();
+        QTest::newRow("not a pdf") << QStringList{"pdf", "summary", notPdf} << 1
+                                   << QByteArray("zentrik-cli: This file is not a PDF.\n");
+        QTest::newRow("missing") << QStringList{"pdf", "ask", m_dir.filePath("none.pdf"), "q"} << 1
+                                 << QByteArray("zentrik-cli: The file could not be found.\n");
+        QTest::newRow("empty question") << QStringList{"pdf", "ask", notPdf, "  "} << 2 << QByteArray();
+        QTest::newRow("unknown action") << QStringList{"pdf", "print", notPdf} << 2 << QByteArray();
+    }
+
+    void problems()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QByteArray, err);
+        const CliResult result = runCli(arguments, {}, environment());
+        QCOMPARE(result.exitCode, exitCode);
+        if (!err.isEmpty()) {
+            QCOMPARE(result.err, err);
+        }
+        QCOMPARE(m_fake->requestCount(), 0);
+    }
+};
+ZENTRIK_TEST(PdfVerbTest)
+
+#include "tst_pdfverb.moc"
