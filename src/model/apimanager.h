@@ -2,6 +2,8 @@
 
 #include "model/aimodel.h"
 #include "model/apierror.h"
+#include "model/falqueuestatus.h"
+#include "model/imageerror.h"
 #include "model/openaichatclient.h"
 #include "model/providerrouting.h"
 #include "net/httpclient.h"
@@ -13,6 +15,7 @@
 #include <QString>
 #include <QUrl>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -23,6 +26,8 @@ namespace zentrik {
 
 // The reply text, or why there is none.
 using TextResult = std::variant<QString, APIError>;
+// The address of a generated picture (remote, or a local file), or why there is none.
+using ImageResult = std::variant<QString, ImageError>;
 
 // The one object through which every tool reaches a model service: the catalogues, the
 // user's choices, the provider keys and the routing rule. One instance lives as long as
@@ -86,6 +91,27 @@ public:
     void stopStream(StreamId id);
     [[nodiscard]] bool isStreamActive(StreamId id) const { return m_streams.contains(id); }
 
+    using ImageCompletion = std::function<void(const ImageResult &result)>;
+    // Each status of a queued fal request as it arrives.
+    using ImageProgress = std::function<void(const fal::QueueStatus &status)>;
+    // Generates a picture from the prompt with the selected image model: "DALL-E" through
+    // OpenAI, the free FLUX model through Together, any other id as a fal application. The
+    // completion runs exactly once, on this object's thread, never from inside this call and
+    // never after `context` (when given) is destroyed.
+    void generateImage(const QString &prompt, QObject *context, ImageCompletion completion,
+        ImageProgress onProgress = {});
+    void generateOpenAIImage(const QString &prompt, QObject *context, ImageCompletion completion);
+    // Writes the picture as a PNG file in the temporary directory and hands back its address.
+    void generateTogetherImage(const QString &prompt, QObject *context, ImageCompletion completion);
+    void generateFalImage(const QString &modelId, const QString &prompt, QObject *context,
+        ImageCompletion completion, ImageProgress onProgress = {});
+    // How the fal path waits for its queue: the pause between two status requests and the
+    // time limit (none waits for ever).
+    void setFalPolling(std::chrono::nanoseconds interval, std::optional<std::chrono::nanoseconds> timeLimit);
+    // A Together key for this run only, for builds without the built-in one; an empty value
+    // leaves the built-in key in place.
+    void overrideTogetherKey(const QString &key);
+
     // Keys given for this run only (the command line's OPENAI_API_KEY, ANTHROPIC_API_KEY and
     // FAL_KEY); an empty value leaves the key from the secret store in place.
     void overrideUserKeys(const QString &openAIKey, const QString &claudeKey, const QString &falAIKey);
@@ -137,6 +163,9 @@ private:
     QUrl m_openRouterModelsUrl;
     QList<AIModel> m_textModels;
     QList<ImageModel> m_imageModels;
+
+    std::chrono::nanoseconds m_falPollInterval = std::chrono::milliseconds(500);
+    std::optional<std::chrono::nanoseconds> m_falTimeLimit = std::chrono::minutes(5);
 
     std::unordered_map<StreamId, std::shared_ptr<ActiveStream>> m_streams;
     StreamId m_nextStreamId = 1;

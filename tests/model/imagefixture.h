@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QBuffer>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <memory>
+
+#include "model/apimanager.h"
+#include "support/fakeprovider.h"
+
+// An APIManager whose OpenAI, Together and fal addresses point at one fake provider, with
+// keys for every provider, its preferences in a scratch directory and the temporary
+// directory (where Together pictures are written) in another, so a test sees exactly the
+// files it caused.
+class ImageFixture
+{
+public:
+    explicit ImageFixture(const QString &imageModel = QStringLiteral("DALL-E"))
+        : fake(std::make_unique<zentrik::test::FakeProvider>())
+    {
+        m_previousTmp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", m_tmp.path().toUtf8());
+        qputenv("ZENTRIK_CONFIG_DIR", m_config.path().toUtf8());
+        const QByteArray base = fake->baseUrl().toString().toUtf8();
+        for (const char *variable : addressVariables) {
+            qputenv(variable, base);
+        }
+        manager = std::make_unique<zentrik::APIManager>();
+        manager->overrideUserKeys(QStringLiteral("sk-openai"), {}, QStringLiteral("fal-key"));
+        manager->overrideTogetherKey(QStringLiteral("together-key"));
+        manager->setSelectedImageModel(imageModel);
+    }
+
+    ~ImageFixture()
+    {
+        manager.reset();
+        fake.reset();
+        for (const char *variable : addressVariables) {
+            qunsetenv(variable);
+        }
+        qunsetenv("ZENTRIK_CONFIG_DIR");
+        if (m_previousTmp.isEmpty()) {
+            qunsetenv("TMPDIR");
+        } else {
+            qputenv("TMPDIR", m_previousTmp);
+        }
+    }
+
+    ImageFixture(const ImageFixture &) = delete;
+    ImageFixture &operator=(const ImageFixture &) = delete;
+
+    [[nodiscard]] QString tempPath() const { return m_tmp.path(); }
+
+    static constexpr const char *addressVariables[] = { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL",
+        "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" };
+
+    // A small picture with a recognisable pattern, in the given format ("PNG", "JPG").
+    static QByteArray picture(const char *format, int width = 64, int height = 48)
+    {
+        QImage image(width, height, QImage::Format_RGB32);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                image.setPixel(x, y, qRgb(x * 255 / width, y * 255 / height, 128));
+            }
+        }
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, format);
+        return bytes;
+    }
+
+private:
+    QTemporaryDir m_config;
+    QTemporaryDir m_tmp;
+    QByteArray m_previousTmp;
+
+public:
+    std::unique_ptr<zentrik::test::FakeProvider> fake;
+    std::unique_ptr<zentrik::APIManager> manager;
+};
