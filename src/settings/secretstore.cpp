@@ -133,6 +133,44 @@ private:
     GHashTable *m_table;
 };
 
+SecretService *connectService(Deadline &deadline, int &code);
+
+// Lookups, deletes and listings see the access group when one is set, and either only
+// local items or, for a synchronisable store, both kinds ("any": the attribute is left out).
+void addLookupScope(QVariantMap &query, Attributes &attributes, const std::optional<QString> &group,
+                    bool synchronizable)
+{
+    if (group) {
+        query.insert(QStringLiteral("accessGroup"), *group);
+        attributes.insert(attrAccessGroup, *group);
+    }
+    if (synchronizable) {
+        query.insert(QStringLiteral("synchronizable"), QStringLiteral("any"));
+    } else {
+        attributes.insert(attrSynchronizable, QStringLiteral("false"));
+    }
+}
+
+// Removes every item of ours that matches; true when at least one went.
+bool deleteMatching(const Attributes &attributes, int &code)
+{
+    Deadline deadline(SecretStore::timeoutMs);
+    SecretService *service = connectService(deadline, code);
+    if (!service) {
+        return false;
+    }
+    ErrorGuard clearError;
+    const gboolean removed = secret_service_clear_sync(service, genericPasswordSchema(), attributes.table(),
+                                                       deadline.cancellable(), &clearError.error);
+    g_object_unref(service);
+    if (clearError.error) {
+        code = classify(clearError.error, deadline);
+        return false;
+    }
+    code = removed ? secretSuccess : secretNotFound;
+    return removed;
+}
+
 SecretService *connectService(Deadline &deadline, int &code)
 {
     ErrorGuard guard;
@@ -253,16 +291,7 @@ std::optional<QByteArray> SecretStore::getData(const QString &key, bool asRefere
     query.insert(asReference ? QStringLiteral("returnPersistentRef") : QStringLiteral("returnData"), true);
     Attributes attributes;
     attributes.insert(attrAccount, account);
-    if (m_accessGroup) {
-        query.insert(QStringLiteral("accessGroup"), *m_accessGroup);
-        attributes.insert(attrAccessGroup, *m_accessGroup);
-    }
-    if (m_synchronizable) {
-        // "any": leaving the attribute out matches synchronisable and local items alike.
-        query.insert(QStringLiteral("synchronizable"), QStringLiteral("any"));
-    } else {
-        attributes.insert(attrSynchronizable, QStringLiteral("false"));
-    }
+    addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
     Deadline deadline(timeoutMs);
@@ -317,32 +346,10 @@ bool SecretStore::removeLocked(const QString &key)
                       {QStringLiteral("account"), account}};
     Attributes attributes;
     attributes.insert(attrAccount, account);
-    if (m_accessGroup) {
-        query.insert(QStringLiteral("accessGroup"), *m_accessGroup);
-        attributes.insert(attrAccessGroup, *m_accessGroup);
-    }
-    if (m_synchronizable) {
-        query.insert(QStringLiteral("synchronizable"), QStringLiteral("any"));
-    } else {
-        attributes.insert(attrSynchronizable, QStringLiteral("false"));
-    }
+    addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
-    Deadline deadline(timeoutMs);
-    SecretService *service = connectService(deadline, m_lastResultCode);
-    if (!service) {
-        return false;
-    }
-    ErrorGuard clearError;
-    const gboolean removed = secret_service_clear_sync(service, genericPasswordSchema(), attributes.table(),
-                                                       deadline.cancellable(), &clearError.error);
-    g_object_unref(service);
-    if (clearError.error) {
-        m_lastResultCode = classify(clearError.error, deadline);
-        return false;
-    }
-    m_lastResultCode = removed ? secretSuccess : secretNotFound;
-    return removed;
+    return deleteMatching(attributes, m_lastResultCode);
 }
 
 bool SecretStore::clear()
@@ -350,32 +357,10 @@ bool SecretStore::clear()
     std::lock_guard lock(m_lock);
     QVariantMap query{{QStringLiteral("class"), QStringLiteral("genericPassword")}};
     Attributes attributes;
-    if (m_accessGroup) {
-        query.insert(QStringLiteral("accessGroup"), *m_accessGroup);
-        attributes.insert(attrAccessGroup, *m_accessGroup);
-    }
-    if (m_synchronizable) {
-        query.insert(QStringLiteral("synchronizable"), QStringLiteral("any"));
-    } else {
-        attributes.insert(attrSynchronizable, QStringLiteral("false"));
-    }
+    addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
-    Deadline deadline(timeoutMs);
-    SecretService *service = connectService(deadline, m_lastResultCode);
-    if (!service) {
-        return false;
-    }
-    ErrorGuard clearError;
-    const gboolean removed = secret_service_clear_sync(service, genericPasswordSchema(), attributes.table(),
-                                                       deadline.cancellable(), &clearError.error);
-    g_object_unref(service);
-    if (clearError.error) {
-        m_lastResultCode = classify(clearError.error, deadline);
-        return false;
-    }
-    m_lastResultCode = removed ? secretSuccess : secretNotFound;
-    return removed;
+    return deleteMatching(attributes, m_lastResultCode);
 }
 
 QStringList SecretStore::allKeys()
@@ -387,13 +372,7 @@ QStringList SecretStore::allKeys()
                       {QStringLiteral("returnPersistentRef"), true},
                       {QStringLiteral("matchLimit"), QStringLiteral("all")}};
     Attributes attributes;
-    if (m_accessGroup) {
-        query.insert(QStringLiteral("accessGroup"), *m_accessGroup);
-        attributes.insert(attrAccessGroup, *m_accessGroup);
-    }
-    if (m_synchronizable) {
-        query.insert(QStringLiteral("synchronizable"), QStringLiteral("any"));
-    }
+    addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
     Deadline deadline(timeoutMs);
