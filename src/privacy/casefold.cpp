@@ -69,7 +69,7 @@ bool appendAsciiFold(UChar32 c, std::string &out)
         return true;
     }
     const std::string *folded = nonAsciiFold(c);
-    if (!folded) {
+    if (folded == nullptr) {
         return false;
     }
     out.append(*folded);
@@ -86,7 +86,7 @@ bool appendAsciiFoldReversed(UChar32 c, std::string &out)
         return true;
     }
     const std::string *folded = nonAsciiFold(c);
-    if (!folded) {
+    if (folded == nullptr) {
         return false;
     }
     out.append(folded->rbegin(), folded->rend());

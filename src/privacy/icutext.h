@@ -16,7 +16,7 @@ namespace zentrik::icutext {
 // the view and stay unchanged while it is used.
 [[nodiscard]] inline icu::UnicodeString view(const QString &text)
 {
-    return { false, reinterpret_cast<const char16_t *>(text.utf16()), int32_t(text.size()) };
+    return { static_cast<UBool>(false), reinterpret_cast<const char16_t *>(text.utf16()), int32_t(text.size()) };
 }
 
 // An ICU string holding its own copy of the text.

@@ -71,8 +71,8 @@ private:
     Map m_byReversedName;
     int m_count = 0;
     std::size_t m_longest = 0;
-    std::bitset<26 * 26> m_endings2;
-    std::bitset<26 * 26 * 26> m_endings3;
+    std::bitset<std::size_t(26 * 26)> m_endings2;
+    std::bitset<std::size_t(26 * 26 * 26)> m_endings3;
 };
 
 } // namespace zentrik

@@ -10,7 +10,8 @@ namespace zentrik {
 
 namespace {
 
-template<std::size_t... Index> std::array<PatternPass, sizeof...(Index)> makePasses(std::index_sequence<Index...>)
+template<std::size_t... Index>
+std::array<PatternPass, sizeof...(Index)> makePasses(std::index_sequence<Index...> /*indices*/)
 {
     return { PatternPass(redactionRules[Index])... };
 }

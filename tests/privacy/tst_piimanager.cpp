@@ -91,6 +91,7 @@ private Q_SLOTS:
         const QString expected = PIIManager::redact(text);
         std::vector<QString> results(4);
         std::vector<std::thread> threads;
+        threads.reserve(results.size());
         for (QString &result : results) {
             threads.emplace_back([&result, &text] {
                 for (int i = 0; i < 50; ++i) {

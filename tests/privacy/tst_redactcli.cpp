@@ -3,34 +3,37 @@
 #include <QProcess>
 #include <QTest>
 
+namespace {
+
+struct Result
+{
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+Result run(const QStringList &arguments, const QByteArray &input = {})
+{
+    QProcess process;
+    process.start(QStringLiteral(ZENTRIK_CLI_PATH), QStringList { QStringLiteral("redact") } + arguments);
+    if (!process.waitForStarted()) {
+        return {};
+    }
+    process.write(input);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(20000) || process.exitStatus() != QProcess::NormalExit) {
+        return {};
+    }
+    return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+        QString::fromUtf8(process.readAllStandardError()) };
+}
+
+} // namespace
+
 // zentrik-cli redact, run as a separate process.
 class RedactCliTest : public QObject
 {
     Q_OBJECT
-
-private:
-    struct Result
-    {
-        int exitCode = -1;
-        QString out;
-        QString err;
-    };
-
-    static Result run(const QStringList &arguments, const QByteArray &input = {})
-    {
-        QProcess process;
-        process.start(QStringLiteral(ZENTRIK_CLI_PATH), QStringList { QStringLiteral("redact") } + arguments);
-        if (!process.waitForStarted()) {
-            return {};
-        }
-        process.write(input);
-        process.closeWriteChannel();
-        if (!process.waitForFinished(20000) || process.exitStatus() != QProcess::NormalExit) {
-            return {};
-        }
-        return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError()) };
-    }
 
 private Q_SLOTS:
     void redactsTheArgument()

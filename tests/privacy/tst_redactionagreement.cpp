@@ -66,7 +66,7 @@ public:
         const int length = int(m_random.bounded(1, 80));
         for (int i = 0; i < length; ++i) {
             if (m_random.bounded(40) == 0) {
-                text += QString::fromUcs4(U"\U0001F600\U0001D7D9", 2).mid(m_random.bounded(2) * 2, 2);
+                text += QString::fromUcs4(U"\U0001F600\U0001D7D9", 2).mid(qsizetype(m_random.bounded(2)) * 2, 2);
             } else {
                 text += pool.at(m_random.bounded(int(pool.size())));
             }
@@ -256,55 +256,54 @@ QString describe(const QString &text)
     return shown;
 }
 
+// Compares the matches of both name passes and the text after each.
+bool namesAgree(const NameRedactorPII &redactor, const QString &text, QString *named)
+{
+    const QString replacement = QStringLiteral("[NAME]");
+    QString current = text;
+    for (NamePass pass : { NamePass::Greeting, NamePass::SignOff }) {
+        const NameMatches matches = redactor.matches(pass, current);
+        const NameMatches expected = reference::nameMatches(pass, current, redactor.wellKnownNames());
+        if (matches != expected) {
+            qWarning().noquote() << (pass == NamePass::Greeting ? "greeting" : "sign-off") << "matches differ for"
+                                 << describe(current) << "got" << matches << "expected" << expected;
+            return false;
+        }
+        current = reference::applyNameMatches(current, expected, replacement);
+    }
+    *named = redactor.redact(text);
+    if (*named != current) {
+        qWarning().noquote() << "names differ for" << describe(text) << "got" << describe(*named) << "expected"
+                             << describe(current);
+        return false;
+    }
+    return true;
+}
+
+// Compares the nine rules. Recompiling them is most of the reference's cost on short
+// texts, so the tests hand it several generated texts joined into one.
+bool rulesAgree(const QString &text)
+{
+    static const std::vector<PatternPass> passes(redactionRules.begin(), redactionRules.end());
+    QString patterned = text;
+    for (const PatternPass &pass : passes) {
+        patterned = pass.apply(patterned);
+    }
+    const QString expected = reference::redactPatterns(text);
+    if (patterned != expected) {
+        qWarning().noquote() << "rules differ for" << describe(text) << "got" << describe(patterned) << "expected"
+                             << describe(expected);
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 // The fast path against the straightforward chain it replaces.
 class RedactionAgreementTest : public QObject
 {
     Q_OBJECT
-
-private:
-    // Compares the matches of both name passes and the text after each.
-    static bool namesAgree(const NameRedactorPII &redactor, const QString &text, QString *named)
-    {
-        const QString replacement = QStringLiteral("[NAME]");
-        QString current = text;
-        for (NamePass pass : { NamePass::Greeting, NamePass::SignOff }) {
-            const NameMatches matches = redactor.matches(pass, current);
-            const NameMatches expected = reference::nameMatches(pass, current, redactor.wellKnownNames());
-            if (matches != expected) {
-                qWarning().noquote() << (pass == NamePass::Greeting ? "greeting" : "sign-off") << "matches differ for"
-                                     << describe(current) << "got" << matches << "expected" << expected;
-                return false;
-            }
-            current = reference::applyNameMatches(current, expected, replacement);
-        }
-        *named = redactor.redact(text);
-        if (*named != current) {
-            qWarning().noquote() << "names differ for" << describe(text) << "got" << describe(*named) << "expected"
-                                 << describe(current);
-            return false;
-        }
-        return true;
-    }
-
-    // Compares the nine rules. Recompiling them is most of the reference's cost on short
-    // texts, so the tests hand it several generated texts joined into one.
-    static bool rulesAgree(const QString &text)
-    {
-        static const std::vector<PatternPass> passes(redactionRules.begin(), redactionRules.end());
-        QString patterned = text;
-        for (const PatternPass &pass : passes) {
-            patterned = pass.apply(patterned);
-        }
-        const QString expected = reference::redactPatterns(text);
-        if (patterned != expected) {
-            qWarning().noquote() << "rules differ for" << describe(text) << "got" << describe(patterned) << "expected"
-                                 << describe(expected);
-            return false;
-        }
-        return true;
-    }
 
 private Q_SLOTS:
     void generatedTexts_data()
@@ -319,14 +318,14 @@ private Q_SLOTS:
         for (qsizetype i = 0; i < shipped.size(); i += 97) {
             sample.append(shipped.at(i));
         }
-        QTest::newRow("tricky names") << trickyNames() << 1u << 6000;
-        QTest::newRow("sample of the shipped names") << sample << 2u << 3000;
-        QTest::newRow("one name") << QStringList { QStringLiteral("Anna") } << 3u << 600;
-        QTest::newRow("two names") << QStringList { QStringLiteral("Jo"), QStringLiteral("Annabelle") } << 4u << 600;
-        QTest::newRow("no names") << QStringList {} << 5u << 200;
+        QTest::newRow("tricky names") << trickyNames() << 1U << 6000;
+        QTest::newRow("sample of the shipped names") << sample << 2U << 3000;
+        QTest::newRow("one name") << QStringList { QStringLiteral("Anna") } << 3U << 600;
+        QTest::newRow("two names") << QStringList { QStringLiteral("Jo"), QStringLiteral("Annabelle") } << 4U << 600;
+        QTest::newRow("no names") << QStringList {} << 5U << 200;
         QTest::newRow("names that are no plain words")
-            << QStringList { QStringLiteral("A.na"), QStringLiteral("J(o)") } << 6u << 200;
-        QTest::newRow("shipped names") << shipped << 7u << 40;
+            << QStringList { QStringLiteral("A.na"), QStringLiteral("J(o)") } << 6U << 200;
+        QTest::newRow("shipped names") << shipped << 7U << 40;
     }
 
     void generatedTexts()
