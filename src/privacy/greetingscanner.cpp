@@ -5,6 +5,8 @@
 #include "privacy/namelookup.h"
 #include "privacy/wordboundaryprobe.h"
 
+#include <QStringView>
+
 #include <unicode/utf16.h>
 
 #include <algorithm>
@@ -65,9 +67,10 @@ public:
             }
         };
         examine(0);
-        const std::u16string_view chars(m_chars, size_t(m_length));
-        for (size_t dot = chars.find(u'.', std::max<size_t>(1, resumeAt)); dot != std::u16string_view::npos;
-             dot = chars.find(u'.', std::max<size_t>(dot + 1, resumeAt))) {
+        // QStringView's single-character search is vectorised.
+        const QStringView chars(m_chars, m_length);
+        for (qsizetype dot = chars.indexOf(u'.', std::max(1, resumeAt)); dot >= 0;
+             dot = chars.indexOf(u'.', std::max(dot + 1, qsizetype(resumeAt)))) {
             examine(int32_t(dot));
         }
         return matches;

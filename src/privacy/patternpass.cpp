@@ -65,19 +65,25 @@ PatternPass::PatternPass(const RedactionRule &rule)
 
 QString PatternPass::apply(const QString &text) const
 {
+    QString result;
+    return applyInto(text, result) ? result : text;
+}
+
+bool PatternPass::applyInto(const QString &text, QString &result) const
+{
     if (!m_pattern || text.isEmpty()) {
-        return text;
+        return false;
     }
     const auto *chars = reinterpret_cast<const char16_t *>(text.utf16());
     const std::vector<Span> sites = sitesIn(chars, int32_t(text.size()));
     if (sites.empty()) {
-        return text;
+        return false;
     }
     const std::vector<Span> matches = matchesIn(text, sites);
     if (matches.empty()) {
-        return text;
+        return false;
     }
-    QString result;
+    result.resize(0); // keeps the capacity of a buffer used before
     result.reserve(text.size() + qsizetype(matches.size()) * m_replacement.size());
     int32_t copied = 0;
     for (const Span &match : matches) {
@@ -86,7 +92,7 @@ QString PatternPass::apply(const QString &text) const
         copied = match.end;
     }
     result.append(QStringView(text).mid(copied));
-    return result;
+    return true;
 }
 
 std::vector<PatternPass::Span> PatternPass::sitesIn(const char16_t *chars, int32_t length) const

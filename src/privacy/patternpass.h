@@ -26,6 +26,10 @@ public:
 
     [[nodiscard]] QString apply(const QString &text) const;
 
+    // As apply, writing into `result` (whose storage is reused) and returning true when
+    // something was replaced; `result` is left alone otherwise.
+    bool applyInto(const QString &text, QString &result) const;
+
 private:
     struct Span
     {

@@ -27,8 +27,12 @@ const std::array<PatternPass, redactionRules.size()> &patternPasses()
 QString PIIManager::redact(const QString &text)
 {
     QString current = NameRedactorPII::shared().redact(text);
+    // Two buffers take turns, so that long texts don't pay for fresh memory on every pass.
+    QString spare;
     for (const PatternPass &pass : patternPasses()) {
-        current = pass.apply(current);
+        if (pass.applyInto(current, spare)) {
+            current.swap(spare);
+        }
     }
     return current;
 }
