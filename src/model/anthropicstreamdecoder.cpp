@@ -97,7 +97,7 @@ AnthropicStreamDecoder::Event AnthropicStreamDecoder::endOfInput()
     return failure(ChatError::incompleteStream());
 }
 
-bool AnthropicStreamDecoder::handle(const Event &event, const Sink &sink)
+bool AnthropicStreamDecoder::handle(const Event &event, const Sink &sink) const
 {
     if (event.kind == Event::Kind::skipped) {
         return true;

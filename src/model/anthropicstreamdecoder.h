@@ -38,7 +38,7 @@ public:
     [[nodiscard]] bool hasEnded() const { return m_ended; }
 
 private:
-    bool handle(const Event &event, const Sink &sink);
+    bool handle(const Event &event, const Sink &sink) const;
 
     LineSplitter m_lines;
     bool m_ended = false;

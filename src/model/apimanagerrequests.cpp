@@ -108,7 +108,7 @@ APIManager::StreamId APIManager::streamText(
     stream->onPiece = std::move(onPiece);
     stream->completion = std::move(completion);
 
-    const auto failAtOnce = [this, context, &stream](APIError error) {
+    const auto failAtOnce = [this, context, &stream](const APIError &error) {
         deliverLater(context, [completion = stream->completion, error] { completion(error); });
         return stream->id;
     };

@@ -80,7 +80,7 @@ ChatStreamDecoder::Event ChatStreamDecoder::endOfInput()
     return failure(ChatError::incompleteStream());
 }
 
-bool ChatStreamDecoder::handle(const Event &event, const Sink &sink)
+bool ChatStreamDecoder::handle(const Event &event, const Sink &sink) const
 {
     if (event.kind == Event::Kind::skipped) {
         return true;
@@ -115,7 +115,7 @@ void ChatStreamDecoder::finish(const Sink &sink)
 QString ChatStreamDecoder::lineTooLong(qsizetype limit)
 {
     return QCoreApplication::translate("ChatStreamDecoder", "A line of the reply is longer than %1 MiB.")
-        .arg(limit / (1024 * 1024));
+        .arg(limit / (qsizetype(1024) * 1024));
 }
 
 } // namespace zentrik

@@ -48,7 +48,7 @@ public:
     [[nodiscard]] static QString lineTooLong(qsizetype limit);
 
 private:
-    bool handle(const Event &event, const Sink &sink);
+    bool handle(const Event &event, const Sink &sink) const;
 
     LineSplitter m_lines;
     bool m_ended = false;

@@ -238,7 +238,8 @@ bool HttpClient::deliverLines(const CallPtr &call, QByteArrayView bytes)
     case LineSplitter::Status::LineTooLong:
         complete(call,
             TransportError { TransportError::Kind::Other,
-                tr("A line of the reply is longer than %1 MiB.").arg(call->lines.maxLineLength() / (1024 * 1024)) });
+                tr("A line of the reply is longer than %1 MiB.")
+                    .arg(call->lines.maxLineLength() / (qsizetype(1024) * 1024)) });
         return false;
     }
     return false;
