@@ -1,0 +1,231 @@
+#include "tools/imagegeneratorviewmodel.h"
+
+#include "tools/imageexamples.h"
+#include "tools/imageloader.h"
+
+#include <QDir>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QVariantMap>
+
+namespace zentrik {
+
+ImageGeneratorViewModel::ImageGeneratorViewModel(QObject *parent)
+    : QObject(parent)
+{
+    m_copiedTimer.setSingleShot(true);
+    m_copiedTimer.setInterval(copiedFeedbackMs);
+    connect(&m_copiedTimer, &QTimer::timeout, this, [this] { setCopiedPromptIndex(-1); });
+}
+
+ImageGeneratorViewModel::~ImageGeneratorViewModel() = default;
+
+void ImageGeneratorViewModel::setApiManager(APIManager *apiManager)
+{
+    if (m_apiManager == apiManager) {
+        return;
+    }
+    const bool could = canGenerate();
+    m_apiManager = apiManager;
+    Q_EMIT apiManagerChanged();
+    if (could != canGenerate()) {
+        Q_EMIT canGenerateChanged();
+    }
+}
+
+void ImageGeneratorViewModel::setPrompt(const QString &prompt)
+{
+    if (m_prompt == prompt) {
+        return;
+    }
+    const bool could = canGenerate();
+    m_prompt = prompt;
+    Q_EMIT promptChanged();
+    if (could != canGenerate()) {
+        Q_EMIT canGenerateChanged();
+    }
+}
+
+QStringList ImageGeneratorViewModel::sizeLabels()
+{
+    return { QStringLiteral("256x256"), QStringLiteral("512x512"), QStringLiteral("1024x1024") };
+}
+
+void ImageGeneratorViewModel::setSelectedSize(ImageSize size)
+{
+    if (m_selectedSize == size) {
+        return;
+    }
+    m_selectedSize = size;
+    Q_EMIT selectedSizeChanged();
+}
+
+bool ImageGeneratorViewModel::canGenerate() const
+{
+    return !m_isGenerating && !m_apiManager.isNull() && !m_prompt.trimmed().isEmpty();
+}
+
+void ImageGeneratorViewModel::setShowExamples(bool show)
+{
+    if (m_showExamples == show) {
+        return;
+    }
+    m_showExamples = show;
+    Q_EMIT showExamplesChanged();
+}
+
+QVariantList ImageGeneratorViewModel::examplePrompts()
+{
+    QVariantList list;
+    for (const ImageExample &example : imageExamples()) {
+        list.append(QVariantMap { { QStringLiteral("title"), example.title }, { QStringLiteral("text"), example.text } });
+    }
+    return list;
+}
+
+QUrl ImageGeneratorViewModel::suggestedFileUrl()
+{
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    if (folder.isEmpty() || !QDir(folder).exists()) {
+        folder = QDir::homePath();
+    }
+    return QUrl::fromLocalFile(QDir(folder).absoluteFilePath(suggestedFileName()));
+}
+
+void ImageGeneratorViewModel::copyExample(int index)
+{
+    const QList<ImageExample> &examples = imageExamples();
+    if (index < 0 || index >= examples.size()) {
+        return;
+    }
+    setPrompt(examples.at(index).text);
+    Q_EMIT copyRequested(examples.at(index).text);
+    setCopiedPromptIndex(index);
+    m_copiedTimer.start();
+}
+
+void ImageGeneratorViewModel::generate()
+{
+    if (!canGenerate()) {
+        return;
+    }
+    const quint64 generation = ++m_generation;
+    setErrorMessage({});
+    setProgress(tr("Generating image…"), -1);
+    setGenerating(true);
+    m_apiManager->generateImage(
+        m_prompt, this,
+        [this, generation](const ImageResult &result) {
+            if (generation != m_generation) {
+                return;
+            }
+            if (const auto *error = std::get_if<ImageError>(&result)) {
+                finishWithError(error->message());
+                return;
+            }
+            showPicture(std::get<QString>(result), generation);
+        },
+        [this, generation](const fal::QueueStatus &status) {
+            if (generation != m_generation || !m_isGenerating) {
+                return;
+            }
+            if (status.state() == fal::QueueStatus::State::inQueue) {
+                setProgress(tr("In queue (position %1)").arg(status.position()), status.position());
+            } else {
+                setProgress(tr("Generating image…"), -1);
+            }
+        });
+}
+
+void ImageGeneratorViewModel::showPicture(const QString &address, quint64 generation)
+{
+    setProgress(tr("Loading image…"), -1);
+    if (m_apiManager.isNull()) {
+        finishWithError(tr("Failed to load image"));
+        return;
+    }
+    ImageLoader::load(m_apiManager->httpClient(), address, m_cache.path(), this,
+        [this, generation](const ImageLoader::Result &result) {
+            if (generation != m_generation) {
+                return;
+            }
+            if (const auto *message = std::get_if<QString>(&result)) {
+                finishWithError(*message);
+                return;
+            }
+            const auto &picture = std::get<ImageLoader::Picture>(result);
+            m_png = picture.png;
+            m_imageSize = picture.size;
+            m_imageUrl = picture.displayUrl;
+            Q_EMIT imageChanged();
+            setProgress({}, -1);
+            setGenerating(false);
+        });
+}
+
+void ImageGeneratorViewModel::finishWithError(const QString &message)
+{
+    setErrorMessage(message);
+    setProgress({}, -1);
+    setGenerating(false);
+}
+
+bool ImageGeneratorViewModel::save(const QUrl &file)
+{
+    if (m_png.isEmpty()) {
+        return false;
+    }
+    const QString path = file.isLocalFile() ? file.toLocalFile() : file.toString();
+    QSaveFile out(path);
+    if (path.isEmpty() || !out.open(QIODevice::WriteOnly) || out.write(m_png) != m_png.size() || !out.commit()) {
+        const QString reason = path.isEmpty() ? tr("No file was chosen.") : out.errorString();
+        setErrorMessage(tr("Failed to save image: ") + reason);
+        return false;
+    }
+    setErrorMessage({});
+    Q_EMIT saved(path);
+    return true;
+}
+
+void ImageGeneratorViewModel::setGenerating(bool generating)
+{
+    if (m_isGenerating == generating) {
+        return;
+    }
+    const bool could = canGenerate();
+    m_isGenerating = generating;
+    Q_EMIT isGeneratingChanged();
+    if (could != canGenerate()) {
+        Q_EMIT canGenerateChanged();
+    }
+}
+
+void ImageGeneratorViewModel::setProgress(const QString &text, int queuePosition)
+{
+    if (m_progressText == text && m_queuePosition == queuePosition) {
+        return;
+    }
+    m_progressText = text;
+    m_queuePosition = queuePosition;
+    Q_EMIT progressChanged();
+}
+
+void ImageGeneratorViewModel::setErrorMessage(const QString &message)
+{
+    if (m_errorMessage == message) {
+        return;
+    }
+    m_errorMessage = message;
+    Q_EMIT errorMessageChanged();
+}
+
+void ImageGeneratorViewModel::setCopiedPromptIndex(int index)
+{
+    if (m_copiedPromptIndex == index) {
+        return;
+    }
+    m_copiedPromptIndex = index;
+    Q_EMIT copiedPromptIndexChanged();
+}
+
+} // namespace zentrik

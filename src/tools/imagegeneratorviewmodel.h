@@ -1,0 +1,131 @@
+#pragma once
+
+#include "model/apimanager.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QSize>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QUrl>
+#include <QVariantList>
+
+namespace zentrik {
+
+// State of the image studio: the prompt, the size choice, a generation through the shared
+// APIManager (whose selected image model picks the provider), the picture it produced and
+// saving that picture as a PNG file. The size choice is shown and kept but never sent: each
+// provider asks for its own fixed frame.
+class ImageGeneratorViewModel : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
+    Q_PROPERTY(QString prompt READ prompt WRITE setPrompt NOTIFY promptChanged FINAL)
+    Q_PROPERTY(QStringList sizeLabels READ sizeLabels CONSTANT FINAL)
+    Q_PROPERTY(ImageSize selectedSize READ selectedSize WRITE setSelectedSize NOTIFY selectedSizeChanged FINAL)
+    Q_PROPERTY(bool isGenerating READ isGenerating NOTIFY isGeneratingChanged FINAL)
+    Q_PROPERTY(bool canGenerate READ canGenerate NOTIFY canGenerateChanged FINAL)
+    Q_PROPERTY(QString progressText READ progressText NOTIFY progressChanged FINAL)
+    // How many requests are ahead in the fal queue; -1 when no queue position is known.
+    Q_PROPERTY(int queuePosition READ queuePosition NOTIFY progressChanged FINAL)
+    // Where the view shows the picture from (always a local file); empty before the first.
+    Q_PROPERTY(QUrl imageUrl READ imageUrl NOTIFY imageChanged FINAL)
+    Q_PROPERTY(bool hasImage READ hasImage NOTIFY imageChanged FINAL)
+    Q_PROPERTY(QSize imageSize READ imageSize NOTIFY imageChanged FINAL)
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
+    Q_PROPERTY(bool showExamples READ showExamples WRITE setShowExamples NOTIFY showExamplesChanged FINAL)
+    // [{title, text}] in the order shown.
+    Q_PROPERTY(QVariantList examplePrompts READ examplePrompts CONSTANT FINAL)
+    // The example whose text was copied last, for a while; -1 when none.
+    Q_PROPERTY(int copiedPromptIndex READ copiedPromptIndex NOTIFY copiedPromptIndexChanged FINAL)
+    Q_PROPERTY(QString suggestedFileName READ suggestedFileName CONSTANT FINAL)
+    // Where the save dialog proposes to write: the suggested name in the user's pictures folder.
+    Q_PROPERTY(QUrl suggestedFileUrl READ suggestedFileUrl CONSTANT FINAL)
+
+public:
+    enum class ImageSize { small, medium, large };
+    Q_ENUM(ImageSize)
+
+    explicit ImageGeneratorViewModel(QObject *parent = nullptr);
+    ~ImageGeneratorViewModel() override;
+
+    [[nodiscard]] APIManager *apiManager() const { return m_apiManager; }
+    void setApiManager(APIManager *apiManager);
+    [[nodiscard]] QString prompt() const { return m_prompt; }
+    void setPrompt(const QString &prompt);
+    // "256x256", "512x512", "1024x1024".
+    [[nodiscard]] static QStringList sizeLabels();
+    [[nodiscard]] ImageSize selectedSize() const { return m_selectedSize; }
+    void setSelectedSize(ImageSize size);
+    [[nodiscard]] bool isGenerating() const { return m_isGenerating; }
+    // A prompt with more than blanks, and nothing under way.
+    [[nodiscard]] bool canGenerate() const;
+    [[nodiscard]] QString progressText() const { return m_progressText; }
+    [[nodiscard]] int queuePosition() const { return m_queuePosition; }
+    [[nodiscard]] QUrl imageUrl() const { return m_imageUrl; }
+    [[nodiscard]] bool hasImage() const { return !m_png.isEmpty(); }
+    [[nodiscard]] QSize imageSize() const { return m_imageSize; }
+    // The picture as the PNG that Save writes.
+    [[nodiscard]] QByteArray imagePng() const { return m_png; }
+    [[nodiscard]] QString errorMessage() const { return m_errorMessage; }
+    [[nodiscard]] bool showExamples() const { return m_showExamples; }
+    void setShowExamples(bool show);
+    [[nodiscard]] static QVariantList examplePrompts();
+    [[nodiscard]] int copiedPromptIndex() const { return m_copiedPromptIndex; }
+    [[nodiscard]] static QString suggestedFileName() { return QStringLiteral("generated-image.png"); }
+    [[nodiscard]] static QUrl suggestedFileUrl();
+
+    Q_INVOKABLE void generate();
+    Q_INVOKABLE void toggleExamples() { setShowExamples(!m_showExamples); }
+    // Puts the example's text into the prompt field and hands it to copyRequested.
+    Q_INVOKABLE void copyExample(int index);
+    // Writes the picture as PNG to the chosen file (a file address from the save dialog, or
+    // a path). A failure shows "Failed to save image: " and the reason.
+    Q_INVOKABLE bool save(const QUrl &file);
+
+    static constexpr int copiedFeedbackMs = 2000;
+
+Q_SIGNALS:
+    void apiManagerChanged();
+    void promptChanged();
+    void selectedSizeChanged();
+    void isGeneratingChanged();
+    void canGenerateChanged();
+    void progressChanged();
+    void imageChanged();
+    void errorMessageChanged();
+    void showExamplesChanged();
+    void copiedPromptIndexChanged();
+    // The window puts the text on the clipboard.
+    void copyRequested(const QString &text);
+    // The picture was written to path.
+    void saved(const QString &path);
+
+private:
+    void finishWithError(const QString &message);
+    void showPicture(const QString &address, quint64 generation);
+    void setGenerating(bool generating);
+    void setProgress(const QString &text, int queuePosition);
+    void setErrorMessage(const QString &message);
+    void setCopiedPromptIndex(int index);
+
+    QPointer<APIManager> m_apiManager;
+    QString m_prompt;
+    ImageSize m_selectedSize = ImageSize::large;
+    bool m_isGenerating = false;
+    QString m_progressText;
+    int m_queuePosition = -1;
+    QUrl m_imageUrl;
+    QSize m_imageSize;
+    QByteArray m_png;
+    QString m_errorMessage;
+    bool m_showExamples = false;
+    int m_copiedPromptIndex = -1;
+    // Identifies the generation whose answers still count.
+    quint64 m_generation = 0;
+    QTemporaryDir m_cache;
+    QTimer m_copiedTimer;
+};
+
+} // namespace zentrik

@@ -1,0 +1,103 @@
+#include "tools/imageloader.h"
+
+#include "model/apierror.h"
+#include "model/backgroundtask.h"
+#include "model/imagecodec.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QUuid>
+
+namespace zentrik {
+
+namespace {
+
+QString invalidImageUrl()
+{
+    return QCoreApplication::translate("ImageGeneratorViewModel", "Invalid image URL");
+}
+
+QString failedToLoad()
+{
+    return QCoreApplication::translate("ImageGeneratorViewModel", "Failed to load image");
+}
+
+// Decodes and re-encodes on a worker thread; writes a copy for display when the picture has
+// no local file of its own.
+ImageLoader::Result decode(const QByteArray &bytes, const QUrl &localFile, const QString &cacheDirectory)
+{
+    const std::optional<Bitmap> bitmap = ImageCodec::decode(bytes);
+    if (!bitmap) {
+        return failedToLoad();
+    }
+    ImageLoader::Picture picture;
+    picture.size = QSize(bitmap->width, bitmap->height);
+    picture.png = ImageCodec::encodePng(*bitmap);
+    if (picture.png.isEmpty()) {
+        return failedToLoad();
+    }
+    if (localFile.isValid()) {
+        picture.displayUrl = localFile;
+        return picture;
+    }
+    const QString path = QDir(cacheDirectory)
+                             .absoluteFilePath(QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".png"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(picture.png) != picture.png.size()) {
+        return failedToLoad();
+    }
+    picture.displayUrl = QUrl::fromLocalFile(path);
+    return picture;
+}
+
+} // namespace
+
+bool ImageLoader::isUsableAddress(const QUrl &url)
+{
+    if (!url.isValid()) {
+        return false;
+    }
+    if (url.isLocalFile()) {
+        return !url.toLocalFile().isEmpty();
+    }
+    const QString scheme = url.scheme();
+    return (scheme == QLatin1String("http") || scheme == QLatin1String("https")) && !url.host().isEmpty();
+}
+
+void ImageLoader::load(HttpClient &http, const QString &address, const QString &cacheDirectory, QObject *context,
+    std::function<void(const Result &result)> done)
+{
+    const QUrl url(address, QUrl::StrictMode);
+    if (!isUsableAddress(url)) {
+        QMetaObject::invokeMethod(context, [done] { done(invalidImageUrl()); }, Qt::QueuedConnection);
+        return;
+    }
+    if (url.isLocalFile()) {
+        runInBackground(
+            context,
+            [url, cacheDirectory]() -> Result {
+                QFile file(url.toLocalFile());
+                if (!file.open(QIODevice::ReadOnly)) {
+                    return failedToLoad();
+                }
+                return decode(file.readAll(), url, cacheDirectory);
+            },
+            done);
+        return;
+    }
+    HttpRequest request;
+    request.url = url;
+    http.send(std::move(request), context, [context, cacheDirectory, done](const HttpResult &result) {
+        if (const auto *error = std::get_if<TransportError>(&result)) {
+            done(APIError::fromTransport(*error).message());
+            return;
+        }
+        // Whatever came back, an error page included, is judged by whether it is a picture.
+        const QByteArray bytes = std::get<HttpResponse>(result).body;
+        runInBackground(
+            context, [bytes, cacheDirectory] { return decode(bytes, QUrl(), cacheDirectory); }, done);
+    });
+}
+
+} // namespace zentrik

@@ -1,0 +1,356 @@
+#include "model/imagecodec.h"
+#include "model/imagefixture.h"
+#include "support/testregistry.h"
+#include "tools/imagegeneratorviewmodel.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace zentrik;
+using namespace std::chrono_literals;
+using test::ScriptedReply;
+
+namespace {
+
+const QByteArray imagesPath = "/v1/images/generations";
+
+ScriptedReply pictureReply(const QByteArray &bytes, const QByteArray &type = "image/png", int status = 200)
+{
+    ScriptedReply reply = ScriptedReply::json(bytes, status);
+    reply.contentType = type;
+    return reply;
+}
+
+// OpenAI answers with an address on the fake itself, where the picture waits.
+void scriptOpenAI(ImageFixture &fixture, const QString &address)
+{
+    fixture.fake->on("POST", imagesPath,
+        ScriptedReply::json(QJsonDocument(QJsonObject {
+            { QStringLiteral("data"), QJsonArray { QJsonObject { { QStringLiteral("url"), address } } } } })));
+}
+
+QString onFake(const ImageFixture &fixture, const char *path)
+{
+    return fixture.fake->baseUrl().toString() + QLatin1String(path);
+}
+
+} // namespace
+
+// The image studio's state against the real image operation and a fake provider: what
+// Generate sends and when it may, the progress, the picture, the three error texts, Save
+// and the examples.
+class ImageGeneratorViewModelTest : public QObject
+{
+    Q_OBJECT
+
+    static void waitUntilIdle(ImageGeneratorViewModel &vm)
+    {
+        QTRY_VERIFY_WITH_TIMEOUT(!vm.isGenerating(), 10000);
+    }
+
+private Q_SLOTS:
+    void offersTheThreeSizes()
+    {
+        QCOMPARE(ImageGeneratorViewModel::sizeLabels(), QStringList({ "256x256", "512x512", "1024x1024" }));
+        QCOMPARE(ImageGeneratorViewModel::suggestedFileName(), "generated-image.png");
+    }
+
+    // The smallest size on the screen still asks DALL-E for its square frame, and the
+    // picture fetched from the answer's address is shown at the size it has.
+    void keepsTheSizeChoiceOutOfTheRequest()
+    {
+        ImageFixture fixture(QStringLiteral("DALL-E"));
+        scriptOpenAI(fixture, onFake(fixture, "/images/dalle.png"));
+        fixture.fake->on("GET", "/images/dalle.png", pictureReply(ImageFixture::picture("PNG", 1024, 1024)));
+        ImageGeneratorViewModel vm;
+        vm.setApiManager(fixture.manager.get());
+        vm.setSelectedSize(ImageGeneratorViewModel::ImageSize::small);
+        vm.setPrompt(QStringLiteral("A lighthouse at dawn"));
+        vm.generate();
+        QVERIFY(vm.isGenerating());
+        waitUntilIdle(vm);
+
+        QVERIFY2(vm.errorMessage().isEmpty(), qPrintable(vm.errorMessage()));
+        const auto requests = fixture.fake->requests();
+        QCOMPARE(requests.size(), 2);
+        QCOMPARE(requests.at(0).json().object().value(QLatin1String("size")).toString(), "1024x1024");
+        QCOMPARE(requests.at(0).json().object().value(QLatin1String("prompt")).toString(), "A lighthouse at dawn");
+        QCOMPARE(requests.at(1).method, "GET");
+        QCOMPARE(requests.at(1).path, "/images/dalle.png");
+        QVERIFY(vm.hasImage());
+        QCOMPARE(vm.imageSize(), QSize(1024, 1024));
+        QVERIFY(vm.imageUrl().isLocalFile());
+        QVERIFY(QFileInfo::exists(vm.imageUrl().toLocalFile()));
+        QCOMPARE(vm.selectedSize(), ImageGeneratorViewModel::ImageSize::small);
+    }
+
+    void enablesGenerateOnlyWithAPromptAndNothingUnderWay_data()
+    {
+        QTest::addColumn<QString>("prompt");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("empty") << "" << false;
+        QTest::newRow("blanks") << " \n\t " << false;
+        QTest::newRow("a word") << "cat" << true;
+    }
+
+    void enablesGenerateOnlyWithAPromptAndNothingUnderWay()
+    {
+        QFETCH(QString, prompt);
+        QFETCH(bool, enabled);
+        ImageFixture fixture(QStringLiteral("DALL-E"));
+        ScriptedReply slow = ScriptedReply::json(R"({"data":[]})");
+        slow.pieces.first().pauseBefore = 150ms;
+        fixture.fake->on("POST", imagesPath, slow);
+        ImageGeneratorViewModel vm;
+        QVERIFY(!vm.canGenerate()); // no model access yet
+        vm.setApiManager(fixture.manager.get());
+        QSignalSpy canGenerate(&vm, &ImageGeneratorViewModel::canGenerateChanged);
+        vm.setPrompt(prompt);
+        QCOMPARE(vm.canGenerate(), enabled);
+        QCOMPARE(canGenerate.count(), enabled ? 1 : 0);
+        vm.generate();
+        vm.generate();
+        QCOMPARE(vm.isGenerating(), enabled);
+        QVERIFY(!vm.canGenerate());
+        waitUntilIdle(vm);
+        QCOMPARE(vm.canGenerate(), enabled);
+        QCOMPARE(fixture.fake->requestCount(), enabled ? 1 : 0);
+    }
+
+    void showsTheQueuePositionWhileFalWorks()
+    {
+        ImageFixture fixture(QStringLiteral("fal-ai/fast-sdxl"));
+        fixture.manager->setFalPolling(20ms, 10s);
+        fixture.fake->on("POST", "/fal-ai/fast-sdxl", ScriptedReply::json(R"({"request_id":"r9"})"));
+        for (const char *status : { R"({"status":"IN_QUEUE","queue_position":3,"response_url":"u"})",
+                 R"({"status":"IN_QUEUE","queue_position":0,"response_url":"u"})", R"({"status":"IN_PROGRESS"})",
+                 R"({"status":"COMPLETED","response_url":"u"})" }) {
+            fixture.fake->enqueue("GET", "/fal-ai/fast-sdxl/requests/r9/status", ScriptedReply::json(status));
+        }
+        fixture.fake->on("GET", "/fal-ai/fast-sdxl/requests/r9",
+            ScriptedReply::json(QJsonDocument(QJsonObject { { QStringLiteral("images"),
+                QJsonArray { QJsonObject { { QStringLiteral("url"), onFake(fixture, "/files/out.jpg") } } } } })));
+        fixture.fake->on("GET", "/files/out.jpg", pictureReply(ImageFixture::picture("JPG", 96, 64), "image/jpeg"));
+
+        ImageGeneratorViewModel vm;
+        vm.setApiManager(fixture.manager.get());
+        vm.setPrompt(QStringLiteral("A bowl of ramen"));
+        QStringList progress;
+        QList<int> positions;
+        connect(&vm, &ImageGeneratorViewModel::progressChanged, this, [&] {
+            progress.append(vm.progressText());
+            positions.append(vm.queuePosition());
+        });
+        vm.generate();
+        waitUntilIdle(vm);
+
+        QVERIFY2(vm.errorMessage().isEmpty(), qPrintable(vm.errorMessage()));
+        QCOMPARE(progress,
+            QStringList({ "Generating image…", "In queue (position 3)", "In queue (position 0)", "Generating image…",
+                "Loading image…", "" }));
+        QCOMPARE(positions, QList<int>({ -1, 3, 0, -1, -1, -1 }));
+        QVERIFY(vm.hasImage());
+        QCOMPARE(vm.imageSize(), QSize(96, 64));
+        // A JPEG from the provider is kept as PNG, ready for Save.
+        QVERIFY(ImageCodec::isPng(vm.imagePng()));
+        QCOMPARE(fixture.fake->lastRequest().path, "/files/out.jpg");
+    }
+
+    // The Together answer is a local file; it is shown from there like any other picture,
+    // without a request to the network.
+    void showsTheTogetherFileLikeARemotePicture()
+    {
+        ImageFixture fixture(QStringLiteral("black-forest-labs/FLUX.1-schnell-Free"));
+        fixture.fake->on("POST", imagesPath,
+            ScriptedReply::json("{\"data\":[{\"b64_json\":\"" + ImageFixture::picture("JPG", 120, 90).toBase64() + "\"}]}"));
+        ImageGeneratorViewModel vm;
+        vm.setApiManager(fixture.manager.get());
+        vm.setPrompt(QStringLiteral("Foggy harbour"));
+        QSignalSpy imageChanged(&vm, &ImageGeneratorViewModel::imageChanged);
+        vm.generate();
+        waitUntilIdle(vm);
+        QVERIFY2(vm.errorMessage().isEmpty(), qPrintable(vm.errorMessage()));
+        QCOMPARE(imageChanged.count(), 1);
+        QCOMPARE(fixture.fake->requestCount(), 1);
+        QCOMPARE(QFileInfo(vm.imageUrl().toLocalFile()).absolutePath(), QDir(fixture.tempPath()).absolutePath());
+        QCOMPARE(vm.imageSize(), QSize(120, 90));
+    }
+
+    void showsWhyThereIsNoPicture_data()
+    {
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QByteArray>("answer"); // the provider's JSON; %1 is the fake's address
+        QTest::addColumn<QByteArray>("served"); // what the picture's address serves
+        QTest::addColumn<int>("servedStatus");
+        QTest::addColumn<QString>("error");
+
+        QTest::newRow("address that is not one")
+            << "DALL-E" << QByteArray(R"({"data":[{"url":"not a valid address"}]})") << QByteArray() << 200
+            << "Invalid image URL";
+        QTest::newRow("address of another kind")
+            << "DALL-E" << QByteArray(R"({"data":[{"url":"ftp:/host/pic.png"}]})") << QByteArray() << 200
+            << "Invalid image URL";
+        QTest::newRow("bytes that are no picture")
+            << "DALL-E" << QByteArray(R"({"data":[{"url":"%1/pic.png"}]})") << QByteArray("<html>oops</html>") << 200
+            << "Failed to load image";
+        QTest::newRow("missing picture")
+            << "DALL-E" << QByteArray(R"({"data":[{"url":"%1/pic.png"}]})") << QByteArray("Not Found") << 404
+            << "Failed to load image";
+        QTest::newRow("answer without a picture") << "DALL-E" << QByteArray(R"({"data":[]})") << QByteArray() << 200
+                                                  << "Invalid response received from the server.";
+        QTest::newRow("fal result without an address")
+            << "fal-ai/flux-pro" << QByteArray(R"({"images":[{"content_type":"image/png"}]})") << QByteArray() << 200
+            << "No image URL found in response";
+    }
+
+    void showsWhyThereIsNoPicture()
+    {
+        QFETCH(QString, model);
+        QFETCH(QByteArray, answer);
+        QFETCH(QByteArray, served);
+        QFETCH(int, servedStatus);
+        QFETCH(QString, error);
+
+        ImageFixture fixture(model);
+        fixture.manager->setFalPolling(5ms, 10s);
+        answer.replace("%1", fixture.fake->baseUrl().toEncoded());
+        fixture.fake->on("POST", imagesPath, ScriptedReply::json(answer));
+        fixture.fake->on("POST", "/fal-ai/flux-pro", ScriptedReply::json(R"({"request_id":"r"})"));
+        fixture.fake->on("GET", "/fal-ai/flux-pro/requests/r/status",
+            ScriptedReply::json(R"({"status":"COMPLETED","response_url":"u"})"));
+        fixture.fake->on("GET", "/fal-ai/flux-pro/requests/r", ScriptedReply::json(answer));
+        fixture.fake->on("GET", "/pic.png", pictureReply(served, "text/html", servedStatus));
+
+        ImageGeneratorViewModel vm;
+        vm.setApiManager(fixture.manager.get());
+        vm.setPrompt(QStringLiteral("Keep me"));
+        vm.generate();
+        waitUntilIdle(vm);
+        QCOMPARE(vm.errorMessage(), error);
+        QVERIFY(!vm.hasImage());
+        QVERIFY(vm.progressText().isEmpty());
+        QCOMPARE(vm.prompt(), "Keep me");
+        QVERIFY(vm.canGenerate());
+    }
+
+    // A failed second generation leaves the first picture on screen; a new start clears
+    // the old error.
+    void keepsThePictureAfterAFailure()
+    {
+        ImageFixture fixture(QStringLiteral("DALL-E"));
+        scriptOpenAI(fixture, onFake(fixture, "/one.png"));
+        fixture.fake->on("GET", "/one.png", pictureReply(ImageFixture::picture("PNG")));
+        ImageGeneratorViewModel vm;
+        vm.setApiManager(fixture.manager.get());
+        vm.setPrompt(QStringLiteral("first"));
+        vm.generate();
+        waitUntilIdle(vm);
+        QVERIFY(vm.hasImage());
+        const QUrl first = vm.imageUrl();
+
+        fixture.fake->on("POST", imagesPath, ScriptedReply::json(R"({"data":[{"url":5}]})"));
+        vm.generate();
+        waitUntilIdle(vm);
+        QCOMPARE(vm.errorMessage(), "Invalid response received from the server.");
+        QCOMPARE(vm.imageUrl(), first);
+        QVERIFY(vm.hasImage());
+
+        scriptOpenAI(fixture, onFake(fixture, "/one.png"));
+        QSignalSpy errors(&vm, &ImageGeneratorViewModel::errorMessageChanged);
+        vm.generate();
+        QCOMPARE(errors.count(), 1);
+        QVERIFY(vm.errorMessage().isEmpty());
+        waitUntilIdle(vm);
+        QVERIFY(vm.imageUrl() != first);
+    }
+
+    void savesThePictureAsPng()
+    {
+        ImageFixture fixture(QStringLiteral("DALL-E"));
+        scriptOpenAI(fixture, onFake(fixture, "/p.jpg"));
+        fixture.fake->on("GET", "/p.jpg", pictureReply(ImageFixture::picture("JPG", 40, 30), "image/jpeg"));
+        ImageGeneratorViewModel vm;
+        QVERIFY(!vm.save(QUrl::fromLocalFile(fixture.tempPath() + QStringLiteral("/nothing.png"))));
+        vm.setApiManager(fixture.manager.get());
+        vm.setPrompt(QStringLiteral("p"));
+        vm.generate();
+        waitUntilIdle(vm);
+        QVERIFY(vm.hasImage());
+
+        const QString target = fixture.tempPath() + QStringLiteral("/out/") + vm.suggestedFileName();
+        QSignalSpy saved(&vm, &ImageGeneratorViewModel::saved);
+        QVERIFY(!vm.save(QUrl::fromLocalFile(target))); // the folder does not exist
+        QVERIFY2(vm.errorMessage().startsWith(QLatin1String("Failed to save image: ")), qPrintable(vm.errorMessage()));
+        QVERIFY(vm.errorMessage().size() > QStringLiteral("Failed to save image: ").size());
+        QCOMPARE(saved.count(), 0);
+
+        QVERIFY(QDir(fixture.tempPath()).mkdir(QStringLiteral("out")));
+        QVERIFY(vm.save(QUrl::fromLocalFile(target)));
+        QVERIFY(vm.errorMessage().isEmpty());
+        QCOMPARE(saved.count(), 1);
+        QFile file(target);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        QVERIFY(ImageCodec::isPng(bytes));
+        const std::optional<Bitmap> written = ImageCodec::decode(bytes);
+        QVERIFY(written);
+        QCOMPARE(QSize(written->width, written->height), QSize(40, 30));
+    }
+
+    void copiesAnExampleIntoThePrompt()
+    {
+        ImageGeneratorViewModel vm;
+        const QVariantList examples = vm.examplePrompts();
+        QStringList titles;
+        for (const QVariant &example : examples) {
+            titles.append(example.toMap().value(QStringLiteral("title")).toString());
+        }
+        QCOMPARE(titles,
+            QStringList({ "Logo", "Product Image", "E-commerce Banner", "Social Media Post", "Book Cover" }));
+        QVERIFY(examples.at(0).toMap().value(QStringLiteral("text")).toString().startsWith(
+            QLatin1String("Create a modern and sleek logo for a sustainable energy company named 'EcoVolt'.")));
+
+        QCOMPARE(vm.showExamples(), false);
+        vm.toggleExamples();
+        QCOMPARE(vm.showExamples(), true);
+
+        QSignalSpy copied(&vm, &ImageGeneratorViewModel::copyRequested);
+        vm.copyExample(7);
+        vm.copyExample(-1);
+        QCOMPARE(copied.count(), 0);
+        QCOMPARE(vm.copiedPromptIndex(), -1);
+
+        vm.copyExample(2);
+        const QString banner = examples.at(2).toMap().value(QStringLiteral("text")).toString();
+        QCOMPARE(vm.prompt(), banner);
+        QCOMPARE(copied.count(), 1);
+        QCOMPARE(copied.first().first().toString(), banner);
+        QCOMPARE(vm.copiedPromptIndex(), 2);
+        QTRY_COMPARE_WITH_TIMEOUT(vm.copiedPromptIndex(), -1, ImageGeneratorViewModel::copiedFeedbackMs + 2000);
+    }
+
+    // The screen may close while a picture is on its way.
+    void survivesClosingMidGeneration()
+    {
+        ImageFixture fixture(QStringLiteral("DALL-E"));
+        scriptOpenAI(fixture, onFake(fixture, "/late.png"));
+        ScriptedReply late = pictureReply(ImageFixture::picture("PNG"));
+        late.pieces.first().pauseBefore = 150ms;
+        fixture.fake->on("GET", "/late.png", late);
+        auto vm = std::make_unique<ImageGeneratorViewModel>();
+        vm->setApiManager(fixture.manager.get());
+        vm->setPrompt(QStringLiteral("p"));
+        vm->generate();
+        QTRY_COMPARE(fixture.fake->requestCount(), 2);
+        vm.reset();
+        QTest::qWait(300);
+        QCOMPARE(fixture.manager->httpClient().activeCallCount(), 0);
+    }
+};
+
+ZENTRIK_TEST(ImageGeneratorViewModelTest)
+
+#include "tst_imagegeneratorviewmodel.moc"
