@@ -1,0 +1,150 @@
+// zentrik-cli image: one picture from a prompt with the selected (or given) image model,
+// saved as a PNG file.
+#include "verb.h"
+
+#include "model/apimanager.h"
+#include "model/imagecodec.h"
+
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+using namespace zentrik;
+using namespace zentrik::cli;
+
+namespace {
+
+const QString verbName = QStringLiteral("image");
+const QString defaultFileName = QStringLiteral("generated-image.png");
+
+// "generated-image.png", or the first of "generated-image-2.png", "-3", … that does not
+// exist yet, so that a second run never overwrites the first picture.
+QString freshDefaultPath()
+{
+    QString path = defaultFileName;
+    for (int n = 2; QFileInfo::exists(path); ++n) {
+        path = QStringLiteral("generated-image-%1.png").arg(n);
+    }
+    return path;
+}
+
+// The bytes at the address the image operation handed back: a local file is read, a remote
+// picture fetched with one GET. On failure the message to print.
+std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &address)
+{
+    const QUrl url(address, QUrl::StrictMode);
+    if (url.isLocalFile()) {
+        QFile file(url.toLocalFile());
+        if (!file.open(QIODevice::ReadOnly)) {
+            return QStringLiteral("Failed to load image: %1").arg(file.errorString());
+        }
+        return file.readAll();
+    }
+    if (!url.isValid() || (url.scheme() != QLatin1String("https") && url.scheme() != QLatin1String("http"))) {
+        return QStringLiteral("Invalid image URL");
+    }
+    QEventLoop loop;
+    std::variant<QByteArray, QString> outcome = QString();
+    HttpRequest request;
+    request.url = url;
+    manager.httpClient().send(request, &loop, [&](const HttpResult &result) {
+        if (const auto *error = std::get_if<TransportError>(&result)) {
+            outcome = APIError::fromTransport(*error).message();
+        } else if (const auto &response = std::get<HttpResponse>(result); !response.isSuccess()) {
+            outcome = QStringLiteral("Failed to load image: HTTP %1").arg(response.status);
+        } else {
+            outcome = response.body;
+        }
+        loop.quit();
+    });
+    loop.exec();
+    return outcome;
+}
+
+int runImage(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Generates a picture from the prompt with the selected image model and saves it as a PNG "
+                       "file. \"DALL-E\" uses OpenAI (OPENAI_API_KEY or the stored key), the free FLUX model "
+                       "Together (the built-in key, or TOGETHER_API_KEY), every other model fal (FAL_KEY or the "
+                       "stored key). Prints the path of the file written."));
+    const QCommandLineOption modelOption(
+        QStringLiteral("model"), QStringLiteral("Use this image model for this run."), QStringLiteral("ID"));
+    const QCommandLineOption outputOption({ QStringLiteral("o"), QStringLiteral("output") },
+        QStringLiteral("Write the picture to FILE (default: %1 in the current folder, numbered when it "
+                       "exists).")
+            .arg(defaultFileName),
+        QStringLiteral("FILE"));
+    parser.addOption(modelOption);
+    parser.addOption(outputOption);
+    parser.addPositionalArgument(
+        QStringLiteral("PROMPT"), QStringLiteral("What the picture shows; - or nothing reads stdin."));
+    if (auto exit = parseArguments(parser, verbName, arguments)) {
+        return *exit;
+    }
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() > 1) {
+        return usageError(verbName, QStringLiteral("image takes one PROMPT (quote it)"));
+    }
+    if (parser.isSet(outputOption) && parser.value(outputOption).isEmpty()) {
+        return usageError(verbName, QStringLiteral("-o needs a file name"));
+    }
+    const QString prompt = textArgument(positional).trimmed();
+    if (prompt.isEmpty()) {
+        return usageError(verbName, QStringLiteral("nothing to draw: give PROMPT or pipe it in"));
+    }
+
+    APIManager manager;
+    manager.overrideUserKeys(qEnvironmentVariable("OPENAI_API_KEY"), {}, qEnvironmentVariable("FAL_KEY"));
+    manager.overrideTogetherKey(qEnvironmentVariable("TOGETHER_API_KEY"));
+    if (parser.isSet(modelOption)) {
+        manager.setSelectedImageModel(parser.value(modelOption));
+    }
+
+    QEventLoop loop;
+    std::optional<ImageResult> result;
+    int lastPosition = -1;
+    manager.generateImage(
+        prompt, &loop,
+        [&](const ImageResult &outcome) {
+            result = outcome;
+            loop.quit();
+        },
+        [&](const fal::QueueStatus &status) {
+            if (status.state() == fal::QueueStatus::State::inQueue && status.position() != lastPosition) {
+                lastPosition = status.position();
+                printErr(QStringLiteral("In queue (position %1)\n").arg(lastPosition));
+            }
+        });
+    loop.exec();
+    if (const auto *error = std::get_if<ImageError>(&*result)) {
+        return fail(error->message());
+    }
+
+    const auto fetched = fetch(manager, std::get<QString>(*result));
+    if (const auto *message = std::get_if<QString>(&fetched)) {
+        return fail(*message);
+    }
+    QByteArray png = std::get<QByteArray>(fetched);
+    if (!ImageCodec::isPng(png)) {
+        // fal models often answer with JPEG; the file promised is a PNG.
+        png = ImageCodec::toPng(png);
+        if (png.isEmpty()) {
+            return fail(QStringLiteral("Failed to load image: the answer is not a picture"));
+        }
+    }
+
+    const QString path = parser.isSet(outputOption) ? parser.value(outputOption) : freshDefaultPath();
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(png) != png.size() || !file.commit()) {
+        return fail(QStringLiteral("Failed to save image: %1").arg(file.errorString()));
+    }
+    printOut(QFileInfo(path).absoluteFilePath() + QLatin1Char('\n'));
+    return exitSuccess;
+}
+
+} // namespace
+
+ZENTRIK_CLI_VERB(image, verbName, QStringLiteral("Generate a picture from a prompt and save it as PNG"), runImage)

@@ -1,0 +1,247 @@
+#include <QtTest>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include "model/imagecodec.h"
+#include "model/imagefixture.h"
+#include "support/clirunner.h"
+#include "support/fakeprovider.h"
+#include "support/testregistry.h"
+
+using zentrik::Bitmap;
+using zentrik::ImageCodec;
+using zentrik::test::FakeProvider;
+using zentrik::test::ScriptedReply;
+
+namespace {
+
+ScriptedReply served(const QByteArray &bytes, const QByteArray &type)
+{
+    ScriptedReply reply = ScriptedReply::json(bytes);
+    reply.contentType = type;
+    return reply;
+}
+
+QSize pngSize(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const QByteArray bytes = file.readAll();
+    const std::optional<Bitmap> bitmap = ImageCodec::isPng(bytes) ? ImageCodec::decode(bytes) : std::nullopt;
+    return bitmap ? QSize(bitmap->width, bitmap->height) : QSize();
+}
+
+} // namespace
+
+// zentrik-cli image against the fake providers: one PNG file per run, whatever the provider
+// answered with, and one line on failure.
+class ImageVerbTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<FakeProvider> m_fake;
+
+    QProcessEnvironment environment(bool withKeys = true) const
+    {
+        QProcessEnvironment env;
+        const QString base = m_fake->baseUrl().toString();
+        env.insert("ZENTRIK_CONFIG_DIR", m_dir->path() + "/config");
+        env.insert("TMPDIR", m_dir->path());
+        for (const char *variable :
+            { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" }) {
+            env.insert(variable, base);
+        }
+        if (withKeys) {
+            env.insert("OPENAI_API_KEY", "sk-env");
+            env.insert("FAL_KEY", "fal-env");
+            env.insert("TOGETHER_API_KEY", "together-env");
+        }
+        return env;
+    }
+
+    QString output(const char *name) const { return m_dir->filePath(QString::fromLatin1(name)); }
+
+    void scriptOpenAI(const QByteArray &picturePath)
+    {
+        m_fake->on("POST", "/v1/images/generations",
+            ScriptedReply::json(QJsonDocument(QJsonObject { { "data",
+                QJsonArray { QJsonObject { { "url", m_fake->baseUrl().toString() + QString::fromUtf8(picturePath) } } } } })));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_fake = std::make_unique<FakeProvider>();
+    }
+
+    void cleanup()
+    {
+        m_fake.reset();
+        m_dir.reset();
+    }
+
+    void writesThePictureAsPng_data()
+    {
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QByteArray>("format");
+        QTest::newRow("Together, free model") << "black-forest-labs/FLUX.1-schnell-Free" << QByteArray("JPG");
+        QTest::newRow("OpenAI, a PNG") << "DALL-E" << QByteArray("PNG");
+        QTest::newRow("OpenAI, a JPEG") << "DALL-E" << QByteArray("JPG");
+        QTest::newRow("fal, a JPEG") << "fal-ai/fast-sdxl" << QByteArray("JPG");
+    }
+
+    void writesThePictureAsPng()
+    {
+        QFETCH(QString, model);
+        QFETCH(QByteArray, format);
+        const QByteArray picture = ImageFixture::picture(format.constData(), 72, 40);
+        m_fake->on("POST", "/v1/images/generations",
+            ScriptedReply::json("{\"data\":[{\"b64_json\":\"" + picture.toBase64() + "\"}]}"));
+        if (model == QLatin1String("DALL-E")) {
+            scriptOpenAI("/pictures/p");
+        }
+        m_fake->on("GET", "/pictures/p", served(picture, "application/octet-stream"));
+        m_fake->on("POST", "/fal-ai/fast-sdxl", ScriptedReply::json(R"({"request_id":"r"})"));
+        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r/status",
+            ScriptedReply::json(R"({"status":"COMPLETED","response_url":"u"})"));
+        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r",
+            ScriptedReply::json(QJsonDocument(QJsonObject { { "images",
+                QJsonArray { QJsonObject { { "url", m_fake->baseUrl().toString() + "/pictures/p" } } } } })));
+
+        const CliResult result
+            = runCli({ "image", "--model", model, "-o", output("out.png"), "A quiet harbour" }, {}, environment());
+        QVERIFY2(result.exitCode == 0, result.err.constData());
+        QCOMPARE(result.out, QFileInfo(output("out.png")).absoluteFilePath().toUtf8() + '\n');
+        QCOMPARE(pngSize(output("out.png")), QSize(72, 40));
+        if (format == "PNG") {
+            // Already a PNG: written as it came.
+            QFile file(output("out.png"));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QCOMPARE(file.readAll(), picture);
+        }
+        const auto first = m_fake->requests().first();
+        QCOMPARE(first.json().object().value("prompt").toString(), "A quiet harbour");
+        if (model.startsWith("black-forest-labs")) {
+            QCOMPARE(first.header("Authorization"), "Bearer together-env");
+        } else if (model == QLatin1String("DALL-E")) {
+            QCOMPARE(first.header("Authorization"), "Bearer sk-env");
+        } else {
+            QCOMPARE(first.header("authorization"), "Key fal-env");
+        }
+    }
+
+    // Without -o the picture lands in the current folder and never overwrites an earlier one.
+    void numbersTheDefaultFileName()
+    {
+        scriptOpenAI("/pictures/p");
+        m_fake->on("GET", "/pictures/p", served(ImageFixture::picture("PNG"), "image/png"));
+        QStringList written;
+        for (int run = 0; run < 2; ++run) {
+            QProcess process;
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            const QProcessEnvironment extra = environment();
+            for (const QString &key : extra.keys()) {
+                env.insert(key, extra.value(key));
+            }
+            process.setProcessEnvironment(env);
+            process.setWorkingDirectory(m_dir->path());
+            process.start(QStringLiteral(ZENTRIK_CLI_PATH), { "image", "--model", "DALL-E", "a cat" });
+            QVERIFY(process.waitForFinished(30000));
+            QCOMPARE(process.exitCode(), 0);
+            written.append(QString::fromUtf8(process.readAllStandardOutput()).trimmed());
+        }
+        QCOMPARE(written, QStringList({ QDir(m_dir->path()).absoluteFilePath("generated-image.png"),
+                              QDir(m_dir->path()).absoluteFilePath("generated-image-2.png") }));
+        QCOMPARE(pngSize(written.at(0)), QSize(64, 48));
+        QCOMPARE(pngSize(written.at(1)), QSize(64, 48));
+    }
+
+    void failsWithOneLine_data()
+    {
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<bool>("keys");
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QByteArray>("err");
+        QTest::newRow("no key") << "DALL-E" << false << QByteArray() << "out.png"
+                                << QByteArray("zentrik-cli: API key is missing. Please add it in Settings.");
+        QTest::newRow("no picture in the answer")
+            << "DALL-E" << true << QByteArray(R"({"data":[]})") << "out.png"
+            << QByteArray("zentrik-cli: Invalid response received from the server.");
+        QTest::newRow("the address serves no picture")
+            << "DALL-E" << true << QByteArray("serve text") << "out.png"
+            << QByteArray("zentrik-cli: Failed to load image: the answer is not a picture");
+        QTest::newRow("fal without an address")
+            << "fal-ai/fast-sdxl" << true << QByteArray(R"({"images":[{"width":5}]})") << "out.png"
+            << QByteArray("zentrik-cli: No image URL found in response");
+        QTest::newRow("unwritable file") << "DALL-E" << true << QByteArray("serve png") << "missing/folder/out.png"
+                                         << QByteArray("zentrik-cli: Failed to save image: ");
+    }
+
+    void failsWithOneLine()
+    {
+        QFETCH(QString, model);
+        QFETCH(bool, keys);
+        QFETCH(QByteArray, answer);
+        QFETCH(QString, target);
+        QFETCH(QByteArray, err);
+        if (answer.startsWith("serve")) {
+            scriptOpenAI("/pictures/p");
+            m_fake->on("GET", "/pictures/p",
+                served(answer == "serve png" ? ImageFixture::picture("PNG") : QByteArray("<html>no</html>"), "text/html"));
+        } else {
+            m_fake->on("POST", "/v1/images/generations", ScriptedReply::json(answer));
+        }
+        m_fake->on("POST", "/fal-ai/fast-sdxl", ScriptedReply::json(R"({"request_id":"r"})"));
+        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r/status",
+            ScriptedReply::json(R"({"status":"COMPLETED","response_url":"u"})"));
+        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r", ScriptedReply::json(answer));
+
+        QProcessEnvironment env = environment(keys);
+        if (!keys) {
+            // Nor from the secret store: the test's own keyring holds no OpenAI key.
+            env.insert("OPENAI_API_KEY", "");
+        }
+        const CliResult result
+            = runCli({ "image", "--model", model, "-o", m_dir->filePath(target), "a prompt" }, {}, env);
+        if (!keys && result.exitCode == 0) {
+            QSKIP("the secret store holds an OpenAI key");
+        }
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY(result.out.isEmpty());
+        QVERIFY2(result.err.startsWith(err), result.err.constData());
+        QCOMPARE(result.err.count('\n'), 1);
+        QVERIFY(!QFileInfo::exists(m_dir->filePath(target)));
+        QVERIFY(!result.err.contains("sk-env") && !result.err.contains("fal-env"));
+    }
+
+    void refusesBadUsage_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("input");
+        QTest::newRow("nothing to draw") << QStringList { "image" } << QByteArray("  \n");
+        QTest::newRow("two prompts") << QStringList { "image", "a", "b" } << QByteArray();
+        QTest::newRow("unknown option") << QStringList { "image", "--size", "256x256", "a" } << QByteArray();
+    }
+
+    void refusesBadUsage()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, input);
+        const CliResult result = runCli(arguments, input, environment());
+        QCOMPARE(result.exitCode, 2);
+        QVERIFY(result.out.isEmpty());
+        QCOMPARE(m_fake->requestCount(), 0);
+    }
+};
+
+ZENTRIK_TEST(ImageVerbTest)
+
+#include "tst_imageverb.moc"
