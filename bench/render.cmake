@@ -1,0 +1,3 @@
+if(TARGET zentrik_render)
+  zentrik_bench(render LIBS zentrik_render)
+endif()

@@ -1,0 +1,515 @@
+#include "render/openparagraph.h"
+
+#include "render/blockbuilder.h"
+#include "render/cmarkdocument.h"
+#include "render/richtextwriter.h"
+
+#include <cstring>
+
+namespace zentrik {
+
+namespace {
+
+// Live text longer than this is worth freezing; a failed attempt waits for this much more.
+constexpr qsizetype freezeLength = 96;
+constexpr qsizetype freezeRetry = 48;
+
+// Appended where the live part will begin, it marks that place in the rendered text. A
+// private-use character is plain text to cmark and, after white space, joins no word.
+constexpr char16_t marker = 0xe000;
+constexpr const char *markerUtf8 = "\xee\x80\x80";
+
+bool isSpaceOrTab(QChar c)
+{
+    return c == QLatin1Char(' ') || c == QLatin1Char('\t');
+}
+
+QByteArray withMarker(QStringView text)
+{
+    return text.toUtf8() + markerUtf8;
+}
+
+// The last paragraph of a block, following the last child through lists, items and quotes.
+cmark_node *deepestLastParagraph(cmark_node *node)
+{
+    while (node != nullptr) {
+        switch (cmark_node_get_type(node)) {
+        case CMARK_NODE_PARAGRAPH:
+            return node;
+        case CMARK_NODE_LIST:
+        case CMARK_NODE_ITEM:
+        case CMARK_NODE_BLOCK_QUOTE:
+            node = cmark_node_last_child(node);
+            break;
+        default:
+            return nullptr;
+        }
+    }
+    return nullptr;
+}
+
+// True when nothing in the paragraph is left waiting for a partner: every emphasis,
+// strikethrough, code span, bracket and angle bracket has closed, so nothing that follows
+// can change how the paragraph so far reads.
+bool isClean(cmark_node *paragraph)
+{
+    cmark_iter *iter = cmark_iter_new(paragraph);
+    bool clean = true;
+    while (clean && cmark_iter_next(iter) != CMARK_EVENT_DONE) {
+        cmark_node *node = cmark_iter_get_node(iter);
+        if (cmark_node_get_type(node) == CMARK_NODE_TEXT) {
+            clean = std::strpbrk(cmark_node_get_literal(node), "*_~`[]<") == nullptr;
+        }
+    }
+    cmark_iter_free(iter);
+    return clean;
+}
+
+// True when the paragraph ends with the marker and is clean before it.
+bool endsCleanWithMarker(cmark_node *paragraph)
+{
+    cmark_node *last = cmark_node_last_child(paragraph);
+    const char *lastText = last != nullptr && cmark_node_get_type(last) == CMARK_NODE_TEXT
+                               ? cmark_node_get_literal(last)
+                               : nullptr;
+    const size_t markerLength = std::strlen(markerUtf8);
+    if (lastText == nullptr || std::strlen(lastText) < markerLength
+        || std::strcmp(lastText + std::strlen(lastText) - markerLength, markerUtf8) != 0) {
+        return false;
+    }
+    return isClean(paragraph);
+}
+
+cmark_node *soleNode(const CmarkDocument &document)
+{
+    cmark_node *first = cmark_node_first_child(document.root());
+    return first != nullptr && cmark_node_next(first) == nullptr ? first : nullptr;
+}
+
+// Characters that open a construct, or escape or name one, so text after them must be
+// parsed rather than appended.
+bool opensOrEscapes(QChar c)
+{
+    switch (c.unicode()) {
+    case '*':
+    case '_':
+    case '~':
+    case '`':
+    case '[':
+    case '<':
+    case '\\':
+    case '@':
+    case '&':
+        return true;
+    default:
+        return false;
+    }
+}
+
+// True when the letters at the end of the text name a scheme that cmark-gfm turns into a
+// link when "://" follows it.
+bool endsWithScheme(QStringView text)
+{
+    qsizetype start = text.size();
+    while (start > 0 && text.at(start - 1).isLetter()) {
+        --start;
+    }
+    const QStringView letters = text.sliced(start);
+    for (const char *scheme : {"http", "https", "ftp", "mailto", "xmpp"}) {
+        if (letters.endsWith(QLatin1StringView(scheme), Qt::CaseInsensitive)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool hasLetterOrDigit(QStringView text)
+{
+    for (const QChar c : text) {
+        if (c.isLetterOrNumber()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Past a list or quote marker, if the line starts with one.
+qsizetype skipContainerMarker(QStringView line, qsizetype at)
+{
+    const QChar c = line.at(at);
+    if (c == QLatin1Char('>')) {
+        return at + 1;
+    }
+    if ((c == QLatin1Char('-') || c == QLatin1Char('*') || c == QLatin1Char('+')) && at + 1 < line.size()
+        && isSpaceOrTab(line.at(at + 1))) {
+        return at + 2;
+    }
+    qsizetype digits = at;
+    while (digits < line.size() && digits - at < 9 && line.at(digits).isDigit()) {
+        ++digits;
+    }
+    if (digits > at && digits + 1 < line.size()
+        && (line.at(digits) == QLatin1Char('.') || line.at(digits) == QLatin1Char(')'))
+        && isSpaceOrTab(line.at(digits + 1))) {
+        return digits + 2;
+    }
+    return at;
+}
+
+} // namespace
+
+OpenParagraph::OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype end, Target target)
+    : m_lineStart(lineStart)
+    , m_checked(end)
+    , m_liveStart(liveStart)
+    , m_target(target)
+{
+}
+
+bool OpenParagraph::lineRoleIsFixed(QStringView line)
+{
+    qsizetype at = 0;
+    while (true) {
+        while (at < line.size() && isSpaceOrTab(line.at(at))) {
+            ++at;
+        }
+        if (at >= line.size()) {
+            return false;
+        }
+        const qsizetype content = skipContainerMarker(line, at);
+        if (content == at) {
+            break;
+        }
+        at = content;
+    }
+    const QChar first = line.at(at);
+    if (first.isLetter()) {
+        return true;
+    }
+    qsizetype run = at;
+    while (run < line.size() && line.at(run) == first) {
+        ++run;
+    }
+    if (run >= line.size()) {
+        return false;
+    }
+    const QChar next = line.at(run);
+    switch (first.unicode()) {
+    case '#': // a heading needs at most six marks and then a space
+        return run - at > 6 || !isSpaceOrTab(next);
+    case '`':
+    case '~': // a fence needs three
+        return run - at < 3;
+    case '-':
+    case '*':
+    case '+':
+    case '_':
+    case '=':
+    case '|':
+    case ':': // rules, underlines and table delimiter rows hold no letters
+        return hasLetterOrDigit(line.sliced(at));
+    case '<':
+        return false;
+    case '[': // "[ ] " and "[x] " make a task of a list item
+        return line.size() - at >= 4;
+    default:
+        break;
+    }
+    if (first.isDigit()) {
+        // "12" may still become "12. item"; "2024 was" stays text.
+        qsizetype digits = at;
+        while (digits < line.size() && line.at(digits).isDigit()) {
+            ++digits;
+        }
+        return digits < line.size() && line.at(digits) != QLatin1Char('.') && line.at(digits) != QLatin1Char(')');
+    }
+    return true;
+}
+
+std::optional<OpenParagraph> OpenParagraph::openTopLevel(QStringView text, qsizetype paragraphStart,
+                                                         qsizetype lineStart, qsizetype end)
+{
+    // A byte order mark would be dropped if the paragraph were parsed on its own.
+    if (paragraphStart < 0 || paragraphStart > lineStart || lineStart >= end
+        || text.at(paragraphStart) == QChar(0xfeff) || !lineRoleIsFixed(text.sliced(lineStart, end - lineStart))) {
+        return std::nullopt;
+    }
+    return OpenParagraph(paragraphStart, lineStart, end, Target::BlockText);
+}
+
+std::optional<OpenParagraph> OpenParagraph::openNested(QStringView text, qsizetype tailStart, qsizetype lineStart,
+                                                       qsizetype end, Target target)
+{
+    if (tailStart < 0 || tailStart > lineStart || lineStart >= end || text.at(tailStart) == QChar(0xfeff)
+        || !lineRoleIsFixed(text.sliced(lineStart, end - lineStart))) {
+        return std::nullopt;
+    }
+    const qsizetype point = freezePoint(text, tailStart, lineStart, end);
+    if (point < 0) {
+        return std::nullopt;
+    }
+    const CmarkDocument prefix(withMarker(text.sliced(tailStart, point - tailStart)));
+    cmark_node *last = cmark_node_last_child(prefix.root());
+    cmark_node *paragraph = deepestLastParagraph(last);
+    if (paragraph == nullptr || !endsCleanWithMarker(paragraph)) {
+        return std::nullopt;
+    }
+    const MarkdownBlock block = BlockBuilder::build(last);
+    if (target == Target::LastItemText && block.items.isEmpty()) {
+        return std::nullopt;
+    }
+    const QString &rich = target == Target::BlockText ? block.text : block.items.last().text;
+    const qsizetype at = rich.indexOf(QChar(marker));
+    if (at < 0 || rich.indexOf(QChar(marker), at + 1) >= 0) {
+        return std::nullopt;
+    }
+    OpenParagraph open(point, lineStart, end, target);
+    open.m_head = rich.left(at);
+    open.m_tail = rich.sliced(at + 1);
+    return open;
+}
+
+std::optional<OpenParagraph> OpenParagraph::openPlain(QStringView text, qsizetype lineStart, qsizetype contentStart,
+                                                      qsizetype end, Target target, QString &richText)
+{
+    if (contentStart < lineStart || contentStart >= end || !text.at(contentStart).isLetter()
+        || !lineRoleIsFixed(text.sliced(lineStart, end - lineStart))) {
+        return std::nullopt;
+    }
+    for (qsizetype at = contentStart; at < end; ++at) {
+        if (text.at(at) == QLatin1Char('\n') || text.at(at) == QLatin1Char('\r')) {
+            return std::nullopt;
+        }
+    }
+    OpenParagraph open(contentStart, lineStart, contentStart, target);
+    open.m_liveEnd = contentStart;
+    open.m_liveClean = true;
+    if (!open.canAppendPlainly(text, end)) {
+        return std::nullopt;
+    }
+    open.appendPlainly(text, end);
+    open.m_checked = end;
+    richText = open.m_live;
+    return open;
+}
+
+// The start of the last word on the unfinished line that begins with a letter after white
+// space, past `from`; -1 when there is none. Parsed on its own, a live part starting there
+// still starts a paragraph, and its first delimiter sees the same neighbours.
+qsizetype OpenParagraph::freezePoint(QStringView text, qsizetype from, qsizetype lineStart, qsizetype end)
+{
+    const qsizetype lowest = qMax(from, lineStart) + 1;
+    for (qsizetype point = end - 1; point >= lowest; --point) {
+        if (isSpaceOrTab(text.at(point - 1)) && text.at(point).isLetter()) {
+            return point;
+        }
+    }
+    return -1;
+}
+
+std::optional<OpenParagraph::LineEnd> OpenParagraph::endLine(QStringView text, qsizetype end)
+{
+    qsizetype lineEnd = m_checked;
+    while (lineEnd < end && text.at(lineEnd) != QLatin1Char('\n') && text.at(lineEnd) != QLatin1Char('\r')) {
+        ++lineEnd;
+    }
+    // A "\r" that ends the text may be the first half of "\r\n".
+    if (lineEnd >= end || (text.at(lineEnd) == QLatin1Char('\r') && lineEnd + 1 >= end)) {
+        return std::nullopt;
+    }
+    const qsizetype next = text.sliced(lineEnd).startsWith(QLatin1String("\r\n")) ? lineEnd + 2 : lineEnd + 1;
+    // The end of a paragraph drops trailing white space and a hard break, as a parse of the
+    // line on its own does.
+    std::optional<QString> rich = extend(text, lineEnd);
+    if (!rich) {
+        return std::nullopt;
+    }
+    return LineEnd{std::move(*rich), next};
+}
+
+std::optional<QString> OpenParagraph::extend(QStringView text, qsizetype end)
+{
+    for (qsizetype at = m_checked; at < end; ++at) {
+        if (text.at(at) == QLatin1Char('\n') || text.at(at) == QLatin1Char('\r')) {
+            return std::nullopt;
+        }
+    }
+    m_checked = end;
+    freezeAtWord(text, end);
+    if (canAppendPlainly(text, end)) {
+        appendPlainly(text, end);
+    } else {
+        const CmarkDocument live(text.sliced(m_liveStart, end - m_liveStart).toUtf8(),
+                                 CmarkDocument::Extensions::Inline);
+        cmark_node *paragraph = soleNode(live);
+        if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH) {
+            return std::nullopt;
+        }
+        qsizetype content = end;
+        while (content > m_liveStart && isSpaceOrTab(text.at(content - 1))) {
+            --content;
+        }
+        m_live = RichTextWriter::inlines(paragraph);
+        m_liveSpace = text.sliced(content, end - content).toString();
+        m_liveEnd = end;
+        m_liveClean = isClean(paragraph);
+    }
+    QString rich = m_head + m_live + m_tail;
+    tryFreeze(text, end);
+    return rich;
+}
+
+void OpenParagraph::appendPlainly(QStringView text, qsizetype end)
+{
+    QString added = m_liveSpace;
+    added += text.sliced(m_liveEnd, end - m_liveEnd);
+    qsizetype content = added.size();
+    while (content > 0 && isSpaceOrTab(added.at(content - 1))) {
+        --content;
+    }
+    m_liveSpace = added.sliced(content);
+    added.truncate(content);
+    m_live += added.toHtmlEscaped();
+    m_liveEnd = end;
+}
+
+// When everything rendered so far is clean, the first word of the new text that starts
+// with a letter after white space is a point to freeze at for free, provided the text up
+// to it adds only plain characters: the rich text before it is already known.
+void OpenParagraph::freezeAtWord(QStringView text, qsizetype end)
+{
+    if (m_liveEnd < m_liveStart || !m_liveClean) {
+        return;
+    }
+    qsizetype point = -1;
+    for (qsizetype at = qMax(m_liveEnd, m_lineStart + 1); at < end; ++at) {
+        if (isSpaceOrTab(text.at(at - 1)) && text.at(at).isLetter()) {
+            point = at;
+        } else if (opensOrEscapes(text.at(at))) {
+            break;
+        }
+    }
+    if (point < 0 || !canAppendPlainly(text, point)) {
+        return;
+    }
+    appendPlainly(text, point);
+    m_head += m_live + m_liveSpace;
+    m_live.clear();
+    m_liveSpace.clear();
+    m_liveStart = point;
+    m_nextFreeze = 0;
+}
+
+// True when the new text can only add plain characters to the live part's rich text: it
+// holds nothing that opens, closes or escapes anything, and it cannot join the word before
+// it into an address, an entity or a closing delimiter.
+bool OpenParagraph::canAppendPlainly(QStringView text, qsizetype end) const
+{
+    if (m_liveEnd < m_liveStart || m_liveEnd > end) {
+        return false;
+    }
+    qsizetype wordStart = m_liveEnd;
+    while (wordStart > m_liveStart && !text.at(wordStart - 1).isSpace()) {
+        --wordStart;
+    }
+    if (m_liveEnd > m_liveStart) {
+        switch (text.at(m_liveEnd - 1).unicode()) {
+        case '*':
+        case '_':
+        case '~':
+        case '`':
+        case ']':
+        case '!':
+        case '\\':
+            return false;
+        default:
+            break;
+        }
+    }
+    for (qsizetype at = wordStart; at < end; ++at) {
+        const QChar c = text.at(at);
+        // "www." starts an address; the autolink extension looks for it in any case.
+        if ((c == QLatin1Char('w') || c == QLatin1Char('W')) && at + 2 < end
+            && text.at(at + 1).toLower() == QLatin1Char('w') && text.at(at + 2).toLower() == QLatin1Char('w')) {
+            return false;
+        }
+        if (c.isSurrogate() || c.isNull()) {
+            if (!(c.isHighSurrogate() && at + 1 < end && text.at(at + 1).isLowSurrogate())) {
+                return false;
+            }
+            ++at;
+            continue;
+        }
+        switch (c.unicode()) {
+        case '@':
+        case '&':
+            return false;
+        case ':':
+            // Only a scheme such as "https" right before it makes an address of what follows.
+            if (endsWithScheme(text.sliced(wordStart, at - wordStart))) {
+                return false;
+            }
+            break;
+        case ')':
+        case ']':
+        case '>':
+            // These close only what an unmatched "(", "[" or "<" opened; a clean live part
+            // has none.
+            if (at >= m_liveEnd && !m_liveClean) {
+                return false;
+            }
+            break;
+        case '*':
+        case '_':
+        case '~':
+        case '`':
+        case '[':
+        case '<':
+        case '\\':
+            if (at >= m_liveEnd) {
+                return false;
+            }
+            break;
+        default:
+            break;
+        }
+    }
+    return true;
+}
+
+// Moves the start of the live part to the last word of the line when everything before
+// that word has closed.
+void OpenParagraph::tryFreeze(QStringView text, qsizetype end)
+{
+    if (end - m_liveStart < freezeLength || end < m_nextFreeze) {
+        return;
+    }
+    const qsizetype point = freezePoint(text, m_liveStart, m_lineStart, end);
+    if (point < 0) {
+        m_nextFreeze = end + freezeRetry;
+        return;
+    }
+    const CmarkDocument prefix(withMarker(text.sliced(m_liveStart, point - m_liveStart)),
+                               CmarkDocument::Extensions::Inline);
+    cmark_node *paragraph = soleNode(prefix);
+    if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH
+        || !endsCleanWithMarker(paragraph)) {
+        m_nextFreeze = end + freezeRetry;
+        return;
+    }
+    const QString rich = RichTextWriter::inlines(paragraph);
+    const QString frozen = rich.left(rich.size() - 1);
+    // Nothing before the point reads differently for what follows, so the live part's rich
+    // text begins with the frozen part's.
+    if (m_liveEnd >= 0 && m_live.startsWith(frozen)) {
+        m_live.remove(0, frozen.size());
+    } else {
+        m_liveEnd = -1;
+    }
+    m_liveClean = false;
+    m_head += frozen;
+    m_liveStart = point;
+    m_nextFreeze = 0;
+}
+
+} // namespace zentrik

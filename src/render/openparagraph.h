@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+
+namespace zentrik {
+
+// The paragraph a streamed reply is writing, at the top level or as the last thing in a
+// list item or quote. While pieces add to its last line without breaking it, the blocks
+// keep their shape and only the paragraph's inline markup can change. The text before a
+// "clean" point, where every emphasis, code span, link and bracket has closed, can no
+// longer change either, so each piece parses only the text after that point (the live
+// part) and puts its rich text between what comes before and after it in the block.
+class OpenParagraph
+{
+public:
+    // Where the paragraph's rich text lives in the last block.
+    enum class Target { BlockText, LastItemText };
+
+    // A top-level paragraph starting at paragraphStart; all of it is live at first.
+    // lineStart: where its last, unfinished line begins; end: how far the text is rendered.
+    [[nodiscard]] static std::optional<OpenParagraph> openTopLevel(QStringView text, qsizetype paragraphStart,
+                                                                   qsizetype lineStart, qsizetype end);
+    // The last paragraph inside the last block of the tail that starts at tailStart (a list
+    // or a quote): parses the tail up to the last word of the line once to freeze the rest.
+    [[nodiscard]] static std::optional<OpenParagraph> openNested(QStringView text, qsizetype tailStart,
+                                                                 qsizetype lineStart, qsizetype end, Target target);
+
+    // A paragraph whose first line, from contentStart to end, is plain text starting with
+    // a letter (no markup, no address, no escape): its rich text is known without a parse.
+    // lineStart: where the line begins (list marker included). Sets richText.
+    [[nodiscard]] static std::optional<OpenParagraph> openPlain(QStringView text, qsizetype lineStart,
+                                                                qsizetype contentStart, qsizetype end, Target target,
+                                                                QString &richText);
+
+    [[nodiscard]] Target target() const { return m_target; }
+
+    // The rich text that holds the paragraph, with everything up to end, or nothing when the
+    // new text breaks the line or the paragraph needs to be parsed as a whole.
+    [[nodiscard]] std::optional<QString> extend(QStringView text, qsizetype end);
+
+    struct LineEnd {
+        QString richText; // the rich text with the whole line
+        qsizetype next;   // where the next line begins
+    };
+    // When the new text ends the paragraph's line: the rich text as it is with that line if
+    // the paragraph ends there, and where the next line begins.
+    [[nodiscard]] std::optional<LineEnd> endLine(QStringView text, qsizetype end);
+
+    // True when the line's block role is settled: whatever is appended, it stays text of
+    // the paragraph (its list and quote markers, if any, included).
+    [[nodiscard]] static bool lineRoleIsFixed(QStringView line);
+
+private:
+    OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype end, Target target);
+    [[nodiscard]] static qsizetype freezePoint(QStringView text, qsizetype from, qsizetype lineStart, qsizetype end);
+    [[nodiscard]] bool canAppendPlainly(QStringView text, qsizetype end) const;
+    void appendPlainly(QStringView text, qsizetype end);
+    void freezeAtWord(QStringView text, qsizetype end);
+    void tryFreeze(QStringView text, qsizetype end);
+
+    qsizetype m_lineStart;
+    qsizetype m_checked;   // the text before this holds no line break
+    qsizetype m_liveStart; // parsed again on every piece
+    QString m_head;        // rich text before the live part
+    QString m_tail;        // rich text after it: closing tags of the containers
+    // The live part's rich text as far as m_liveEnd, less its trailing white space, which
+    // only shows once more text follows it.
+    QString m_live;
+    QString m_liveSpace;
+    qsizetype m_liveEnd = -1;
+    bool m_liveClean = false; // nothing in the live part waits for a partner
+    qsizetype m_nextFreeze = 0;
+    Target m_target;
+};
+
+} // namespace zentrik

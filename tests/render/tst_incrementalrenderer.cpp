@@ -1,0 +1,292 @@
+#include "blockdump.h"
+#include "samplereplies.h"
+
+#include "render/incrementalrenderer.h"
+#include "render/markdownrenderer.h"
+
+#include "support/testregistry.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+using namespace zentrik;
+using zentrik::test::dump;
+
+namespace {
+
+// The text a renderer has seen, less a trailing half of a surrogate pair that is still
+// waiting for its other half.
+QString renderedPart(QString text)
+{
+    if (!text.isEmpty() && text.back().isHighSurrogate()) {
+        text.chop(1);
+    }
+    return text;
+}
+
+QString shown(QString text)
+{
+    text.replace(QLatin1Char('\r'), QStringLiteral("\\r"));
+    text.replace(QChar(0), QStringLiteral("\\0"));
+    text.replace(QLatin1Char('\n'), QStringLiteral("\\n\n"));
+    return text;
+}
+
+// Feeds the reply cut at the given positions and compares the blocks with a fresh render of
+// the text so far after every piece. Returns the first difference, or nothing.
+QString firstDifference(const QString &reply, const QList<qsizetype> &cuts)
+{
+    IncrementalRenderer renderer;
+    qsizetype from = 0;
+    QList<qsizetype> ends = cuts;
+    ends.append(reply.size());
+    for (const qsizetype end : ends) {
+        if (end <= from) {
+            continue;
+        }
+        renderer.append(QStringView(reply).sliced(from, end - from));
+        from = end;
+        const QString sofar = renderedPart(reply.left(end));
+        const QList<MarkdownBlock> expected = MarkdownRenderer::render(sofar);
+        if (renderer.blocks() != expected) {
+            // The last few cuts are the ones that matter; the full text and both renderings
+            // go to the log, where nothing cuts them short.
+            QStringList lastCuts;
+            for (qsizetype i = 0; i < cuts.size() && cuts.at(i) <= end; ++i) {
+                lastCuts.append(QString::number(cuts.at(i)));
+            }
+            lastCuts = lastCuts.mid(qMax<qsizetype>(0, lastCuts.size() - 8));
+            qInfo().noquote() << "text so far:\n" << shown(sofar) << "\n--- expected:\n" << dump(expected)
+                              << "\n--- got:\n" << dump(renderer.blocks());
+            return QStringLiteral("blocks differ after %1 of %2 characters in %3 pieces (cuts ending %4)")
+                .arg(end)
+                .arg(reply.size())
+                .arg(cuts.size() + 1)
+                .arg(lastCuts.join(QLatin1Char(',')));
+        }
+    }
+    return {};
+}
+
+QList<qsizetype> randomCuts(QRandomGenerator &random, qsizetype length)
+{
+    QList<qsizetype> cuts;
+    qsizetype at = 0;
+    while (true) {
+        // Mostly token-sized pieces, sometimes a whole burst of lines.
+        const int kind = random.bounded(10);
+        const int size = kind < 5 ? random.bounded(1, 5) : kind < 9 ? random.bounded(5, 40) : random.bounded(40, 300);
+        at += size;
+        if (at >= length) {
+            return cuts;
+        }
+        cuts.append(at);
+    }
+}
+
+// Builds a reply from the pieces of Markdown that interact the most: delimiters that open
+// and close across words and lines, list markers, fences, table rows, quotes, setext
+// underlines, lines that only later show what they are, addresses, entities and escapes.
+QString generatedReply(QRandomGenerator &random)
+{
+    static const QStringList inlines = {
+        "word", "text", "été", "😀", "*em*", "**bold**", "_u_", "snake_case", "`code`",
+        "[link](page)", "[site](https://x.org/a_b)", "www.example.com", "a@b.co", "&amp;", "&copy", "\\*",
+        "<b>", "<span class=\"x y\">", "~~gone~~", "*open", "close*", "__", "[", "]", "(", ")", "!", "![i](p.png)",
+        "<https://a.b>", "12", "1.", "#", "-", "|", ":", "a\tb", "two  spaces", "x]", "(y)", "**", "`", "~"};
+    static const QStringList starts = {
+        "", "", "", "", "- ", "* ", "+ ", "1. ", "2) ", "  - ", "    ", "- [ ] ", "- [x] ", "> ", "> - ", "# ",
+        "### ", "12", "2024 ", "| ", "\t", ">"};
+    static const QStringList wholeLines = {
+        "", "", "", "===", "---", "***", "- - -", "```", "```python", "~~~", "| a | b |", "|---|:-:|", "<div>",
+        "</div>", "    indented code", "1.", "-", "#", "``", "> ", "[x]: https://x.org"};
+    QString reply;
+    const int lines = random.bounded(15, 60);
+    for (int line = 0; line < lines; ++line) {
+        if (random.bounded(4) == 0) {
+            const QString &whole = wholeLines.at(random.bounded(int(wholeLines.size())));
+            // Reference definitions switch the renderer to whole-text mode; keep them rare.
+            if (!whole.startsWith(QLatin1Char('[')) || random.bounded(8) == 0) {
+                reply += whole;
+            }
+        } else {
+            reply += starts.at(random.bounded(int(starts.size())));
+            for (int i = 0, words = random.bounded(1, 18); i < words; ++i) {
+                reply += (i > 0 ? QStringLiteral(" ") : QString()) + inlines.at(random.bounded(int(inlines.size())));
+            }
+            if (random.bounded(10) == 0) {
+                reply += random.bounded(2) == 0 ? QStringLiteral("  ") : QStringLiteral("\\");
+            }
+        }
+        reply += random.bounded(20) == 0 ? QStringLiteral("\r\n") : QStringLiteral("\n");
+    }
+    return reply;
+}
+
+} // namespace
+
+class IncrementalRendererTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void randomPieces_data();
+    void randomPieces();
+    void everySplitPoint_data();
+    void everySplitPoint();
+    void characterByCharacter_data();
+    void characterByCharacter();
+    void generatedReplies_data();
+    void generatedReplies();
+    void workStaysBounded();
+    void definitionArrivingLateChangesEarlierLinks();
+    void setTextThenAppend();
+    void clearStartsOver();
+};
+
+void IncrementalRendererTest::randomPieces_data()
+{
+    QTest::addColumn<QString>("reply");
+    QTest::addColumn<quint32>("seed");
+    quint32 seed = 7001;
+    for (const auto &[name, reply] : zentrik::test::sampleReplies()) {
+        QTest::newRow(name) << reply << seed++;
+    }
+}
+
+void IncrementalRendererTest::randomPieces()
+{
+    QFETCH(QString, reply);
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    constexpr int chunkings = 150;
+    for (int round = 0; round < chunkings; ++round) {
+        const QString difference = firstDifference(reply, randomCuts(random, reply.size()));
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+}
+
+void IncrementalRendererTest::everySplitPoint_data()
+{
+    QTest::addColumn<QString>("reply");
+    for (const auto &[name, reply] : zentrik::test::sampleReplies()) {
+        QTest::newRow(name) << reply;
+    }
+}
+
+void IncrementalRendererTest::everySplitPoint()
+{
+    QFETCH(QString, reply);
+    for (qsizetype cut = 1; cut < reply.size(); ++cut) {
+        const QString difference = firstDifference(reply, {cut});
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+}
+
+void IncrementalRendererTest::characterByCharacter_data()
+{
+    everySplitPoint_data();
+}
+
+void IncrementalRendererTest::characterByCharacter()
+{
+    QFETCH(QString, reply);
+    QList<qsizetype> cuts;
+    for (qsizetype cut = 1; cut < reply.size(); ++cut) {
+        cuts.append(cut);
+    }
+    const QString difference = firstDifference(reply, cuts);
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+}
+
+void IncrementalRendererTest::generatedReplies_data()
+{
+    QTest::addColumn<quint32>("seed");
+    for (quint32 seed = 1; seed <= 12; ++seed) {
+        QTest::addRow("seed %u", seed) << seed;
+    }
+}
+
+void IncrementalRendererTest::generatedReplies()
+{
+    QFETCH(quint32, seed);
+    QRandomGenerator random(seed);
+    for (int reply = 0; reply < 25; ++reply) {
+        const QString text = generatedReply(random);
+        for (int round = 0; round < 4; ++round) {
+            const QString difference = firstDifference(text, randomCuts(random, text.size()));
+            QVERIFY2(difference.isEmpty(), qPrintable(difference));
+        }
+    }
+}
+
+void IncrementalRendererTest::workStaysBounded()
+{
+    // Finished blocks leave the re-parsed tail, so it never holds much more than the block
+    // being written, however long the reply grows.
+    QString reply;
+    for (int section = 0; section < 60; ++section) {
+        reply += QStringLiteral("## Section %1\n\nSome *text* for section %1 with `code`.\n\n"
+                                "- first point\n- second point\n\n```cpp\nint x = %1;\n```\n\n"
+                                "| a | b |\n|---|---|\n| %1 | x |\n\n")
+                     .arg(section);
+    }
+    IncrementalRenderer renderer;
+    qsizetype longestTail = 0;
+    constexpr qsizetype piece = 7;
+    for (qsizetype at = 0; at < reply.size(); at += piece) {
+        renderer.append(QStringView(reply).sliced(at, qMin(piece, reply.size() - at)));
+        longestTail = qMax(longestTail, renderer.text().size() - renderer.tailStart());
+    }
+    QCOMPARE(renderer.blocks(), MarkdownRenderer::render(reply));
+    QVERIFY2(longestTail < 120, qPrintable(QString::number(longestTail)));
+    QVERIFY(renderer.stableBlockCount() >= renderer.blocks().size() - 1);
+
+    // Brackets and colons in code are no reference definitions and keep the tail short too.
+    IncrementalRenderer code;
+    const QString python = QStringLiteral("```python\ndef f(x: list[int]) -> dict[str, int]:\n    pass\n```\n\n");
+    for (int i = 0; i < 20; ++i) {
+        code.append(python);
+    }
+    QCOMPARE(code.stableBlockCount(), 20);
+}
+
+void IncrementalRendererTest::definitionArrivingLateChangesEarlierLinks()
+{
+    IncrementalRenderer renderer;
+    renderer.append(QStringLiteral("First [link] here.\n\n"));
+    for (int i = 0; i < 10; ++i) {
+        renderer.append(QStringLiteral("Paragraph %1.\n\n").arg(i));
+    }
+    QCOMPARE(renderer.blocks().first().text, QStringLiteral("First [link] here."));
+    renderer.append(QStringLiteral("[link]: https://example.com\n"));
+    QCOMPARE(renderer.blocks().first().text, QStringLiteral("First <a href=\"https://example.com\">link</a> here."));
+    QCOMPARE(renderer.blocks(), MarkdownRenderer::render(renderer.text()));
+}
+
+void IncrementalRendererTest::setTextThenAppend()
+{
+    const QString reply = zentrik::test::sampleReplies().first().second;
+    IncrementalRenderer renderer;
+    renderer.setText(reply.left(reply.size() / 2));
+    QVERIFY(renderer.stableBlockCount() > 0);
+    renderer.append(QStringView(reply).sliced(reply.size() / 2));
+    QCOMPARE(renderer.text(), reply);
+    QCOMPARE(renderer.blocks(), MarkdownRenderer::render(reply));
+}
+
+void IncrementalRendererTest::clearStartsOver()
+{
+    IncrementalRenderer renderer;
+    renderer.append(QStringLiteral("[a]: /x\n\n```\nopen fence\n\n"));
+    renderer.clear();
+    QVERIFY(renderer.blocks().isEmpty());
+    QCOMPARE(renderer.stableBlockCount(), 0);
+    renderer.append(QStringLiteral("# New\n\ntext [a]\n\n"));
+    QCOMPARE(dump(renderer.blocks()), QStringLiteral("heading1: New\nparagraph: text [a]"));
+    QCOMPARE(renderer.stableBlockCount(), 2);
+}
+
+ZENTRIK_TEST(IncrementalRendererTest)
+
+#include "tst_incrementalrenderer.moc"
