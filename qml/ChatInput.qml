@@ -1,0 +1,48 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Zentrik
+
+// The message field of a chat: Enter sends, Shift+Enter breaks the line.
+RowLayout {
+    id: input
+
+    property alias text: field.text
+    property alias placeholderText: field.placeholderText
+    property string buttonText
+    property string buttonSymbol: "paperplane.fill"
+    property bool busy: false
+
+    signal submitted
+
+    spacing: 10
+
+    ScrollView {
+        Layout.fillWidth: true
+        Layout.preferredHeight: Math.min(140, Math.max(48, field.implicitHeight))
+        TextArea {
+            id: field
+            objectName: "chatInputField"
+            wrapMode: TextEdit.Wrap
+            Accessible.name: input.placeholderText
+            Keys.onReturnPressed: event => {
+                if (event.modifiers & Qt.ShiftModifier) {
+                    event.accepted = false
+                } else {
+                    input.submitted()
+                }
+            }
+            Keys.onEnterPressed: input.submitted()
+        }
+    }
+
+    Button {
+        objectName: "sendButton"
+        text: input.buttonText
+        enabled: !input.busy && field.text.trim().length > 0
+        highlighted: true
+        icon.name: ""
+        Accessible.name: input.buttonText
+        onClicked: input.submitted()
+    }
+}

@@ -1,0 +1,87 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Zentrik
+
+// One message of a conversation: the user's text as typed, or the reply drawn from its
+// Markdown (a divider for a reply that is only a rule), with a copy button. A message
+// still streaming has no block model of its own and is drawn from its text.
+Rectangle {
+    id: bubble
+
+    required property string role
+    required property string content
+    required property string symbol
+    required property var blocks
+    required property bool isRule
+    property list<int> citedPages: []
+
+    signal pageLinkActivated(int page)
+
+    implicitHeight: column.implicitHeight + 24
+    radius: 10
+    color: role === "user" ? Theme.selectionColor : Theme.cardColor
+    border.color: Theme.cardBorderColor
+
+    ColumnLayout {
+        id: column
+        anchors.fill: parent
+        anchors.margins: 12
+        spacing: 8
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 10
+            SymbolIcon {
+                Layout.alignment: Qt.AlignTop
+                symbol: bubble.symbol
+                size: 22
+                color: bubble.role === "user" ? Theme.secondaryTextColor : Theme.accentColor
+            }
+            Label {
+                Layout.fillWidth: true
+                visible: bubble.role === "user"
+                text: bubble.content
+                wrapMode: Text.Wrap
+                textFormat: Text.PlainText
+            }
+            Rectangle {
+                Layout.fillWidth: true
+                visible: bubble.role !== "user" && bubble.isRule
+                height: 1
+                color: Theme.cardBorderColor
+            }
+            ReplyDocument {
+                id: liveDocument
+                source: bubble.blocks ? "" : bubble.content
+            }
+            ReplyView {
+                Layout.fillWidth: true
+                visible: bubble.role !== "user" && !bubble.isRule
+                blocks: bubble.blocks ? bubble.blocks : liveDocument.blocks
+            }
+            CopyButton {
+                Layout.alignment: Qt.AlignTop
+                compact: true
+                copyText: bubble.content
+                cleanUp: bubble.role !== "user"
+            }
+        }
+
+        Flow {
+            Layout.fillWidth: true
+            visible: bubble.citedPages.length > 0
+            spacing: 6
+            Repeater {
+                model: bubble.citedPages
+                Button {
+                    required property int modelData
+                    flat: true
+                    text: qsTr("Page %1").arg(modelData)
+                    Accessible.name: qsTr("Go to page %1").arg(modelData)
+                    onClicked: bubble.pageLinkActivated(modelData)
+                }
+            }
+        }
+    }
+}

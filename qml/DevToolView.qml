@@ -1,0 +1,87 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Zentrik
+
+// The Code Debugger (tool "debugger") and the Sample Data Generator (tool "sampleData").
+// A streamed reply shows as a live message; Escape stops it.
+ScrollingPage {
+    id: page
+
+    property string tool: "debugger"
+    readonly property bool isDebugger: tool === "debugger"
+
+    objectName: isDebugger ? "codeDebuggerView" : "sampleDataView"
+
+    DevToolViewModel {
+        id: devTool
+        objectName: "devToolViewModel"
+        apiManager: APIManager
+        tool: page.tool
+    }
+
+    Shortcut {
+        sequence: "Escape"
+        enabled: devTool.isStreaming
+        onActivated: devTool.stop()
+    }
+
+    ScreenHeading {
+        Layout.fillWidth: true
+        title: page.isDebugger ? qsTr("Code Debugger") : qsTr("Sample Data Generator")
+        symbol: page.isDebugger ? "ladybug" : "square.stack.3d.up"
+        subtitle: page.isDebugger ? qsTr("Paste your code and describe the problem.")
+                                  : qsTr("Describe the data you need and pick a format.")
+    }
+
+    SuggestionChips {
+        Layout.fillWidth: true
+        suggestions: devTool.suggestions
+        selected: devTool.selectedSuggestion
+        onToggled: label => devTool.toggleSuggestion(label)
+    }
+
+    Repeater {
+        model: devTool.messages
+        ChatMessageDelegate {
+            Layout.fillWidth: true
+        }
+    }
+
+    ChatMessageDelegate {
+        objectName: "streamingMessage"
+        Layout.fillWidth: true
+        visible: devTool.isStreaming && devTool.streamedContent.length > 0
+        role: "assistant"
+        content: devTool.streamedContent
+        symbol: "brain.head.profile"
+        blocks: null
+        isRule: false
+    }
+
+    Label {
+        Layout.fillWidth: true
+        visible: devTool.errorMessage.length > 0
+        text: devTool.errorMessage
+        color: Theme.warningColor
+        wrapMode: Text.Wrap
+    }
+
+    RowLayout {
+        Layout.fillWidth: true
+        ChatInput {
+            Layout.fillWidth: true
+            placeholderText: page.isDebugger ? qsTr("Paste your code here...") : qsTr("Describe your data here...")
+            buttonText: devTool.buttonText
+            busy: devTool.isProcessing
+            text: devTool.input
+            onTextChanged: devTool.input = text
+            onSubmitted: devTool.send()
+        }
+        Button {
+            visible: devTool.isStreaming
+            text: qsTr("Stop")
+            onClicked: devTool.stop()
+        }
+    }
+}

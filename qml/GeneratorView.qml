@@ -1,0 +1,123 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Zentrik
+
+// A form-driven generator: pick an assistant, fill its form, Generate, watch the reply
+// stream in, copy it. Ctrl+Enter generates, Escape stops.
+ScrollingPage {
+    id: page
+
+    required property ContentViewModel navigation
+    property string family: "marketing"
+
+    objectName: "generatorView"
+
+    GeneratorViewModel {
+        id: generator
+        objectName: "generatorViewModel"
+        apiManager: APIManager
+        family: page.family
+        initialCategory: page.navigation.screenArgument
+    }
+
+    Shortcut {
+        sequences: ["Ctrl+Return", "Ctrl+Enter"]
+        onActivated: generator.generate()
+    }
+    Shortcut {
+        sequence: "Escape"
+        enabled: generator.isGenerating
+        onActivated: generator.stop()
+    }
+
+    ScreenHeading {
+        Layout.fillWidth: true
+        title: generator.familyName
+        symbol: "pencil"
+        subtitle: generator.assistantDescription
+    }
+
+    ComboBox {
+        objectName: "assistantPicker"
+        Layout.fillWidth: true
+        Layout.maximumWidth: 520
+        model: generator.assistantTitles
+        currentIndex: generator.assistantTitles.indexOf(generator.category)
+        displayText: currentIndex < 0 ? generator.pickerPrompt : currentText
+        Accessible.name: generator.pickerPrompt
+        onActivated: generator.selectAssistant(currentText)
+    }
+
+    Repeater {
+        model: generator.fields
+        FormFieldInput {
+            required property var modelData
+            Layout.fillWidth: true
+            fieldData: modelData
+            value: generator.inputs[modelData.label] ?? ""
+            onEdited: text => generator.setInput(modelData.label, text)
+        }
+    }
+
+    RowLayout {
+        spacing: 12
+        Button {
+            objectName: "generateButton"
+            text: generator.isGenerating ? qsTr("Generating...") : qsTr("Generate")
+            enabled: generator.canGenerate
+            highlighted: true
+            Accessible.name: qsTr("Generate")
+            onClicked: generator.generate()
+        }
+        BusyIndicator {
+            running: generator.isGenerating
+            visible: running
+            Layout.preferredHeight: 32
+        }
+        Button {
+            objectName: "stopButton"
+            visible: generator.isGenerating
+            text: qsTr("Stop")
+            Accessible.name: qsTr("Stop generating")
+            onClicked: generator.stop()
+        }
+    }
+
+    Label {
+        objectName: "generatorError"
+        Layout.fillWidth: true
+        visible: generator.errorMessage.length > 0
+        text: generator.errorMessage
+        color: Theme.warningColor
+        wrapMode: Text.Wrap
+    }
+
+    RowLayout {
+        Layout.fillWidth: true
+        visible: generator.output.length > 0
+        Label {
+            Layout.fillWidth: true
+            text: qsTr("Generated Content:")
+            font.pixelSize: 18
+            font.bold: true
+        }
+        CopyButton {
+            objectName: "copyOutputButton"
+            copyText: generator.output
+        }
+    }
+
+    ReplyView {
+        objectName: "generatedContent"
+        Layout.fillWidth: true
+        visible: generator.output.length > 0
+        blocks: generator.outputBlocks
+    }
+
+    PiiAlertView {
+        alert: generator.piiAlertVM
+        onSendOriginal: generator.sendOriginal()
+        onSendRedacted: generator.sendRedacted()
+    }
+}

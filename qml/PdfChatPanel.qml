@@ -1,0 +1,88 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Zentrik
+
+// The right half of the PDF chat: the document's name, Summarize and its card, the
+// questions and answers, and the question field.
+ScrollingPage {
+    id: panel
+
+    required property PdfChatViewModel chat
+
+    signal openRequested
+    signal pageRequested(int number)
+
+    maxContentWidth: 900
+    margin: 20
+
+    ScreenHeading {
+        Layout.fillWidth: true
+        title: qsTr("Chat With Your PDFs")
+        symbol: "doc.text.magnifyingglass"
+        subtitle: panel.chat.hasDocument ? qsTr("%1 — %n page(s)", "", panel.chat.pageCount).arg(panel.chat.documentTitle)
+                                         : qsTr("Ask questions about a document and get a summary of it.")
+    }
+
+    RowLayout {
+        spacing: 10
+        Button {
+            objectName: "openPdfButton"
+            text: qsTr("Open PDF…")
+            onClicked: panel.openRequested()
+        }
+        Button {
+            objectName: "summarizeButton"
+            text: panel.chat.isSummarizing ? qsTr("Summarizing...") : qsTr("Summarize")
+            enabled: panel.chat.hasDocument && !panel.chat.isSummarizing
+            onClicked: panel.chat.summarize()
+        }
+        BusyIndicator {
+            running: panel.chat.isSummarizing || panel.chat.isAIProcessing
+            visible: running
+            Layout.preferredHeight: 32
+        }
+    }
+
+    Label {
+        objectName: "documentError"
+        Layout.fillWidth: true
+        visible: panel.chat.documentError.length > 0
+        text: panel.chat.documentError
+        color: Theme.warningColor
+        wrapMode: Text.Wrap
+    }
+
+    PdfSummaryCard {
+        Layout.fillWidth: true
+        visible: panel.chat.hasSummary
+        chat: panel.chat
+    }
+
+    Repeater {
+        model: panel.chat.messages
+        ChatMessageDelegate {
+            Layout.fillWidth: true
+            citedPages: role === "assistant" ? panel.chat.citedPages(content) : []
+            onPageLinkActivated: number => panel.pageRequested(number)
+        }
+    }
+
+    Label {
+        Layout.fillWidth: true
+        visible: panel.chat.errorMessage.length > 0
+        text: panel.chat.errorMessage
+        color: Theme.warningColor
+        wrapMode: Text.Wrap
+    }
+
+    ChatInput {
+        Layout.fillWidth: true
+        placeholderText: qsTr("Ask a question about the document...")
+        buttonText: qsTr("Ask")
+        busy: panel.chat.isAIProcessing || !panel.chat.hasDocument
+        text: panel.chat.newMessage
+        onTextChanged: panel.chat.newMessage = text
+        onSubmitted: panel.chat.send()
+    }
+}
