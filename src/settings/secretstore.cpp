@@ -8,7 +8,7 @@
 #include <condition_variable>
 #include <thread>
 
-Q_LOGGING_CATEGORY(lcSecrets, "zentrik.settings")
+Q_LOGGING_CATEGORY(lcSecrets, "zentrik.settings", QtInfoMsg)
 
 namespace zentrik {
 
