@@ -1,0 +1,47 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Zentrik
+
+// Picks one model of a catalogue; each entry shows its name with its badge (text models)
+// or its feature tags (image models).
+ComboBox {
+    id: picker
+
+    property var models: []
+    property string selectedId
+    property string accessibleName
+
+    signal picked(string id)
+
+    model: models
+    textRole: "name"
+    valueRole: "id"
+    currentIndex: models.findIndex(entry => entry.id === selectedId)
+    implicitContentWidthPolicy: ComboBox.WidestText
+    Accessible.name: accessibleName
+    onActivated: picked(currentValue)
+
+    contentItem: Item {
+        implicitWidth: current.implicitWidth + 12
+        implicitHeight: current.implicitHeight
+        ModelPickerRow {
+            id: current
+            anchors.fill: parent
+            anchors.leftMargin: 12
+            entry: picker.currentIndex >= 0 ? picker.models[picker.currentIndex] : ({})
+        }
+    }
+
+    delegate: ItemDelegate {
+        required property var modelData
+        required property int index
+        width: ListView.view ? ListView.view.width : implicitWidth
+        highlighted: picker.highlightedIndex === index
+        Accessible.name: modelData.name
+        contentItem: ModelPickerRow {
+            entry: modelData
+            showDetail: true
+        }
+    }
+}

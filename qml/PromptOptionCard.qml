@@ -1,0 +1,47 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Zentrik
+
+// A dashboard shortcut: a symbol and the sentence that says where it leads.
+AbstractButton {
+    id: card
+
+    property string symbol
+
+    objectName: "promptOption:" + text
+    implicitHeight: Math.max(96, column.implicitHeight + 32)
+    hoverEnabled: true
+    Accessible.name: text
+    Accessible.role: Accessible.Button
+
+    background: Rectangle {
+        radius: 12
+        color: card.hovered ? Qt.tint(Theme.cardColor, Theme.hoverColor) : Theme.cardColor
+        border.color: card.visualFocus ? Theme.accentColor : Theme.cardBorderColor
+        border.width: card.visualFocus ? 2 : 1
+    }
+
+    contentItem: Item {
+        ColumnLayout {
+            id: column
+            anchors.fill: parent
+            anchors.margins: 16
+            spacing: 10
+
+            SymbolIcon {
+                Layout.alignment: Qt.AlignLeft
+                symbol: card.symbol
+                size: 24
+                color: Theme.accentColor
+            }
+
+            Label {
+                Layout.fillWidth: true
+                text: card.text
+                wrapMode: Text.Wrap
+                font.pixelSize: 14
+            }
+        }
+    }
+}

@@ -1,0 +1,177 @@
+#include "app/displaycolor.h"
+#include "app/sidebarmodel.h"
+#include "app/symbolglyphs.h"
+#include "app/theme.h"
+#include "model/apimanager.h"
+#include "model/settingsviewmodel.h"
+#include "settings/preferences.h"
+#include "support/testregistry.h"
+#include "tools/assistantcatalogue.h"
+#include "windowharness.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QRawFont>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace zentrik;
+
+// The persisted appearance, the symbol table against the bundled font, and the named
+// colours.
+class AppearanceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void storedChoiceIsRead_data()
+    {
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("absent means light") << QVariant() << false;
+        QTest::newRow("true") << QVariant(true) << true;
+        QTest::newRow("false") << QVariant(false) << false;
+        QTest::newRow("written as text by hand") << QVariant(QStringLiteral("true")) << true;
+    }
+
+    void storedChoiceIsRead()
+    {
+        QFETCH(QVariant, stored);
+        QFETCH(bool, dark);
+        const test::ScopedConfigDir config;
+        if (stored.isValid()) {
+            Preferences preferences;
+            if (stored.typeId() == QMetaType::Bool) {
+                preferences.setBoolean(QString::fromLatin1(darkModePreference), stored.toBool());
+            } else {
+                preferences.setString(QString::fromLatin1(darkModePreference), stored.toString());
+            }
+        }
+        const Theme theme;
+        QCOMPARE(theme.isDarkMode(), dark);
+    }
+
+    void toggleIsWrittenAtOnceAndSurvivesARestart()
+    {
+        const test::ScopedConfigDir config;
+        {
+            Theme theme;
+            QSignalSpy changed(&theme, &Theme::isDarkModeChanged);
+            const QColor lightWindow = theme.windowColor();
+            theme.toggleDarkMode();
+            QCOMPARE(changed.count(), 1);
+            QVERIFY(theme.windowColor() != lightWindow);
+            QVERIFY(theme.textColor().lightness() > theme.windowColor().lightness());
+            theme.setDarkMode(true); // no change, no signal
+            QCOMPARE(changed.count(), 1);
+            QCOMPARE(Preferences().boolean(QString::fromLatin1(darkModePreference)), true);
+        }
+        Theme restarted;
+        QVERIFY(restarted.isDarkMode());
+        restarted.setDarkMode(false);
+        QCOMPARE(Theme().isDarkMode(), false);
+        QVERIFY(restarted.textColor().lightness() < restarted.windowColor().lightness());
+    }
+
+    // Every entry of the table must be a glyph the bundled font really has, or the icon
+    // shows as an empty box.
+    void everyGlyphIsInTheBundledFont_data()
+    {
+        QTest::addColumn<QString>("symbol");
+        for (const QString &symbol : SymbolGlyphs::symbols()) {
+            QTest::newRow(qPrintable(symbol)) << symbol;
+        }
+        QTest::newRow("fallback") << QString();
+    }
+
+    void everyGlyphIsInTheBundledFont()
+    {
+        QFETCH(QString, symbol);
+        QFile file(SymbolGlyphs::iconFontResource);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QRawFont font(file.readAll(), 24);
+        QVERIFY(font.isValid());
+        const QString glyph = SymbolGlyphs::glyph(symbol);
+        QCOMPARE(glyph.toUcs4().size(), 1);
+        QVERIFY2(font.supportsCharacter(glyph.toUcs4().constFirst()), qPrintable(symbol));
+        QCOMPARE(Theme::loadIconFont(), font.familyName());
+    }
+
+    // Every symbol name the program shows, from the catalogue, the settings model and the
+    // views themselves, is in the table rather than falling back.
+    void everySymbolInUseIsMapped()
+    {
+        QStringList used;
+        for (const Category &category : AssistantCatalogue::categories()) {
+            used.append(category.icon);
+            for (const AIAgent &agent : category.agents) {
+                used.append(agent.icon);
+            }
+        }
+        for (const PromptOption &option : AssistantCatalogue::promptOptions()) {
+            used.append(option.icon);
+        }
+        SidebarModel sidebar;
+        for (int row = 0; row < sidebar.rowCount(); ++row) {
+            used.append(sidebar.data(sidebar.index(row), SidebarModel::SymbolRole).toString());
+        }
+        SettingsViewModel settings;
+        used.append(settings.howItWorksSymbol());
+        settings.toggleHowItWorks();
+        used.append(settings.howItWorksSymbol());
+
+        static const QRegularExpression symbolLiteral(
+            QStringLiteral("(?:symbol:|glyph\\()\\s*(?:[^\"\\n]*\\?\\s*)?\"([a-z0-9.]+)\"(?:\\s*:\\s*\"([a-z0-9.]+)\")?"));
+        int fromViews = 0;
+        QDirIterator views(QStringLiteral(QML_DIR), {QStringLiteral("*.qml")});
+        while (views.hasNext()) {
+            QFile file(views.next());
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QString source = QString::fromUtf8(file.readAll());
+            for (const QRegularExpressionMatch &match : symbolLiteral.globalMatch(source)) {
+                used.append(match.captured(1));
+                if (match.hasCaptured(2)) {
+                    used.append(match.captured(2));
+                }
+                ++fromViews;
+            }
+        }
+        QVERIFY(fromViews >= 8);
+        for (const QString &symbol : std::as_const(used)) {
+            QVERIFY2(SymbolGlyphs::codepoint(symbol) != 0, qPrintable(QStringLiteral("unmapped: ") + symbol));
+        }
+        // The three different spellings of a bolt and a light bulb stay apart.
+        QVERIFY(SymbolGlyphs::glyph(QStringLiteral("lightbulb")) != SymbolGlyphs::glyph(QStringLiteral("lightbulb.fill")));
+        QVERIFY(SymbolGlyphs::glyph(QStringLiteral("doc.on.doc")) != SymbolGlyphs::glyph(QStringLiteral("checkmark")));
+    }
+
+    void unknownSymbolsShowTheFallback()
+    {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("No icon for the symbol.*sparkles")));
+        const QString glyph = SymbolGlyphs::glyph(QStringLiteral("sparkles"));
+        QCOMPARE(glyph, QString::fromUcs4(&SymbolGlyphs::fallbackCodepoint, 1));
+        QCOMPARE(SymbolGlyphs::codepoint(QStringLiteral("sparkles")), char32_t(0));
+        // Reported once, not on every repaint.
+        QCOMPARE(SymbolGlyphs::glyph(QStringLiteral("sparkles")), glyph);
+    }
+
+    void catalogueColoursAreNamedColours()
+    {
+        for (const Category &category : AssistantCatalogue::categories()) {
+            for (const AIAgent &agent : category.agents) {
+                QVERIFY2(isDisplayColorName(agent.color), qPrintable(agent.title + QStringLiteral(": ") + agent.color));
+                const QColor light = displayColor(agent.color, false);
+                const QColor dark = displayColor(agent.color, true);
+                QVERIFY(light.isValid() && dark.isValid());
+                QVERIFY(light != displayColor(QStringLiteral("gray"), false));
+            }
+        }
+        QCOMPARE(displayColor(QStringLiteral(" Teal "), false), displayColor(QStringLiteral("teal"), false));
+        QCOMPARE(displayColor(QStringLiteral("chartreuse"), true), displayColor(QStringLiteral("gray"), true));
+        QVERIFY(!isDisplayColorName(QStringLiteral("chartreuse")));
+    }
+};
+ZENTRIK_TEST(AppearanceTest)
+
+#include "tst_appearance.moc"

@@ -1,0 +1,156 @@
+#include "windowharness.h"
+
+#include "app/zentrikapp.h"
+
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSet>
+#include <QSignalSpy>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(ZentrikPlugin)
+
+namespace zentrik::test {
+
+QList<QObject *> allObjects(QObject *root)
+{
+    QList<QObject *> found;
+    QSet<QObject *> seen;
+    QList<QObject *> pending{root};
+    if (auto *window = qobject_cast<QQuickWindow *>(root)) {
+        pending.append(window->contentItem());
+    }
+    while (!pending.isEmpty()) {
+        QObject *object = pending.takeFirst();
+        if (object == nullptr || seen.contains(object)) {
+            continue;
+        }
+        seen.insert(object);
+        found.append(object);
+        pending.append(object->children());
+        if (auto *item = qobject_cast<QQuickItem *>(object)) {
+            for (QQuickItem *child : item->childItems()) {
+                pending.append(child);
+            }
+        }
+    }
+    return found;
+}
+
+QObject *findObject(QObject *root, const QString &objectName)
+{
+    for (QObject *object : allObjects(root)) {
+        if (object->objectName() == objectName) {
+            return object;
+        }
+    }
+    return nullptr;
+}
+
+QQuickItem *findItem(QObject *root, const QString &objectName)
+{
+    for (QObject *object : allObjects(root)) {
+        auto *item = qobject_cast<QQuickItem *>(object);
+        if (item && item->objectName() == objectName) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+QStringList visibleTexts(QQuickWindow *window)
+{
+    QStringList texts;
+    for (QObject *object : allObjects(window)) {
+        auto *item = qobject_cast<QQuickItem *>(object);
+        if (!item || !item->isVisible() || item->window() != window) {
+            continue;
+        }
+        const QString text = item->property("text").toString();
+        if (!text.isEmpty()) {
+            texts.append(text);
+        }
+    }
+    return texts;
+}
+
+void scrollIntoView(QQuickItem *item)
+{
+    for (QQuickItem *ancestor = item->parentItem(); ancestor; ancestor = ancestor->parentItem()) {
+        if (!ancestor->inherits("QQuickFlickable")) {
+            continue;
+        }
+        auto *content = ancestor->property("contentItem").value<QQuickItem *>();
+        if (!content) {
+            continue;
+        }
+        const QPointF centre = item->mapToItem(content, QPointF(item->width() / 2, item->height() / 2));
+        const qreal maxY = qMax(0.0, ancestor->property("contentHeight").toReal() - ancestor->height());
+        ancestor->setProperty("contentY", qBound(0.0, centre.y() - ancestor->height() / 2, maxY));
+    }
+}
+
+bool waitForFrame(QQuickWindow *window)
+{
+    QSignalSpy swapped(window, &QQuickWindow::frameSwapped);
+    window->update();
+    return swapped.wait(2000);
+}
+
+bool click(QQuickItem *item)
+{
+    if (!item || !item->window()) {
+        return false;
+    }
+    // Layouts settle when a frame is prepared; only then do positions hold.
+    waitForFrame(item->window());
+    scrollIntoView(item);
+    waitForFrame(item->window());
+    const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    const QRectF windowRect(QPointF(0, 0), item->window()->size());
+    if (!windowRect.contains(centre)) {
+        return false;
+    }
+    QTest::mouseClick(item->window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+    return true;
+}
+
+void typeText(QQuickWindow *window, const QString &text)
+{
+    for (const QChar character : text) {
+        QTest::keyClick(window, character.toLatin1());
+    }
+}
+
+ScopedConfigDir::ScopedConfigDir()
+{
+    qputenv("ZENTRIK_CONFIG_DIR", m_dir.path().toUtf8());
+}
+
+ScopedConfigDir::~ScopedConfigDir()
+{
+    qunsetenv("ZENTRIK_CONFIG_DIR");
+}
+
+void prepareEngine(QQmlEngine &engine)
+{
+    ZentrikApp::configureApplication();
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+}
+
+std::unique_ptr<ZentrikApp> startApp()
+{
+    ZentrikApp::configureApplication();
+    auto app = std::make_unique<ZentrikApp>();
+    if (!app->load()) {
+        return nullptr;
+    }
+    if (!QTest::qWaitForWindowExposed(app->window())) {
+        return nullptr;
+    }
+    return app;
+}
+
+} // namespace zentrik::test
