@@ -106,7 +106,8 @@ void APIManager::generateFalImage(const QString &modelId, const QString &prompt,
                 outcome = ImageError(*error);
             } else {
                 auto address = ImageRequests::readFalResult(std::get<fal::Payload>(result));
-                outcome = std::visit([](auto &&value) { return ImageResult(std::move(value)); }, std::move(address));
+                outcome = std::visit(
+                    [](auto &&value) { return ImageResult(std::forward<decltype(value)>(value)); }, std::move(address));
             }
             // The fal path always answers on a later turn of the event loop.
             deliverLater(context, [completion, outcome] { completion(outcome); });

@@ -33,7 +33,7 @@ QString ClientCredentials::credential() const
     if (const auto *custom = std::get_if<Custom>(&m_source)) {
         return custom->provide ? custom->provide() : QString();
     }
-    const QString key = qEnvironmentVariable("FAL_KEY");
+    QString key = qEnvironmentVariable("FAL_KEY");
     if (!key.isEmpty()) {
         return key;
     }

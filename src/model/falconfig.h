@@ -45,8 +45,7 @@ private:
 
     explicit ClientCredentials(Source source)
         : m_source(std::move(source))
-    {
-    }
+    { }
 
     Source m_source;
 };

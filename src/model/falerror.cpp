@@ -9,8 +9,7 @@ FalError::FalError(Kind kind, QString text, int status, std::optional<Payload> p
     , m_text(std::move(text))
     , m_status(status)
     , m_payload(std::move(payload))
-{
-}
+{ }
 
 FalError FalError::httpError(int status, QString message, std::optional<Payload> payload)
 {

@@ -11,53 +11,43 @@ namespace zentrik::fal {
 
 Payload::Payload(QString value)
     : m_value(std::move(value))
-{
-}
+{ }
 
 Payload::Payload(const char *value)
     : m_value(QString::fromUtf8(value))
-{
-}
+{ }
 
 Payload::Payload(qint64 value)
     : m_value(value)
-{
-}
+{ }
 
 Payload::Payload(int value)
     : m_value(qint64(value))
-{
-}
+{ }
 
 Payload::Payload(bool value)
     : m_value(value)
-{
-}
+{ }
 
 Payload::Payload(double value)
     : m_value(value)
-{
-}
+{ }
 
 Payload::Payload(QDateTime value)
     : m_value(std::move(value))
-{
-}
+{ }
 
 Payload::Payload(QByteArray value)
     : m_value(std::move(value))
-{
-}
+{ }
 
 Payload::Payload(Array value)
     : m_value(std::move(value))
-{
-}
+{ }
 
 Payload::Payload(Dict value)
     : m_value(std::move(value))
-{
-}
+{ }
 
 std::optional<QString> Payload::toString() const
 {
@@ -151,7 +141,7 @@ QJsonValue Payload::toJson() const
     case Kind::nilValue:
         break;
     }
-    return QJsonValue(QJsonValue::Null);
+    return { QJsonValue::Null };
 }
 
 Payload Payload::fromJson(const QJsonValue &json)
@@ -174,7 +164,7 @@ Payload Payload::fromJson(const QJsonValue &json)
         Array elements;
         const QJsonArray array = json.toArray();
         elements.reserve(size_t(array.size()));
-        for (const QJsonValue &element : array) {
+        for (const auto &element : array) {
             elements.push_back(fromJson(element));
         }
         return elements;

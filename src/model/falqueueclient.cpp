@@ -48,11 +48,10 @@ struct QueueClient::Subscription
 
 QueueClient::QueueClient(std::shared_ptr<const RequestSender> sender)
     : m_sender(std::move(sender))
-{
-}
+{ }
 
 void QueueClient::submit(const QString &appId, const Payload &input, const std::optional<QString> &webhookUrl,
-    QObject *context, std::function<void(const Result<QString> &)> completion) const
+    QObject *context, const std::function<void(const Result<QString> &)> &completion) const
 {
     auto address = RequestSender::applicationUrl(appId);
     if (auto *error = std::get_if<FalError>(&address)) {
@@ -68,7 +67,7 @@ void QueueClient::submit(const QString &appId, const Payload &input, const std::
             completion(*error);
             return;
         }
-        const Payload &answer = std::get<Payload>(result);
+        const auto &answer = std::get<Payload>(result);
         const std::optional<QString> requestId = answer.value(QStringLiteral("request_id")).toString();
         if (!requestId || requestId->isEmpty()) {
             completion(FalError::invalidResultFormat());
@@ -79,7 +78,7 @@ void QueueClient::submit(const QString &appId, const Payload &input, const std::
 }
 
 void QueueClient::status(const QString &appId, const QString &requestId, bool includeLogs, QObject *context,
-    std::function<void(const Result<QueueStatus> &)> completion) const
+    const std::function<void(const Result<QueueStatus> &)> &completion) const
 {
     auto address = RequestSender::applicationUrl(appId, requestPath(requestId, "/status"));
     if (auto *error = std::get_if<FalError>(&address)) {
@@ -87,8 +86,8 @@ void QueueClient::status(const QString &appId, const QString &requestId, bool in
         return;
     }
     const Payload query(Payload::Dict { { QStringLiteral("logs"), Payload(includeLogs ? 1 : 0) } });
-    m_sender->send(std::get<QUrl>(address), HttpMethod::get, query, context,
-        [completion](const Result<Payload> &result) {
+    m_sender->send(
+        std::get<QUrl>(address), HttpMethod::get, query, context, [completion](const Result<Payload> &result) {
             if (const auto *error = std::get_if<ClientError>(&result)) {
                 completion(*error);
                 return;
@@ -150,7 +149,7 @@ void QueueClient::poll(const std::shared_ptr<Subscription> &subscription) const
                 subscription->completion(*error);
                 return;
             }
-            const QueueStatus &status = std::get<QueueStatus>(result);
+            const auto &status = std::get<QueueStatus>(result);
             if (subscription->options.onQueueUpdate) {
                 subscription->options.onQueueUpdate(status);
             }
@@ -165,9 +164,8 @@ void QueueClient::poll(const std::shared_ptr<Subscription> &subscription) const
                 return;
             }
             QObject *timerContext = subscription->timerContext(*this_.m_sender);
-            this_.m_sleeper(subscription->options.pollInterval, timerContext, [this_, subscription] {
-                this_.poll(subscription);
-            });
+            this_.m_sleeper(
+                subscription->options.pollInterval, timerContext, [this_, subscription] { this_.poll(subscription); });
         });
 }
 

@@ -41,11 +41,11 @@ public:
 
     // POST of the input to the application's queue address; the request id. A webhook
     // address, when given, is told when the request is done.
-    void submit(const QString &appId, const Payload &input, const std::optional<QString> &webhookUrl,
-        QObject *context, std::function<void(const Result<QString> &)> completion) const;
+    void submit(const QString &appId, const Payload &input, const std::optional<QString> &webhookUrl, QObject *context,
+        const std::function<void(const Result<QString> &)> &completion) const;
     // GET "/requests/<id>/status" on the application's queue address.
     void status(const QString &appId, const QString &requestId, bool includeLogs, QObject *context,
-        std::function<void(const Result<QueueStatus> &)> completion) const;
+        const std::function<void(const Result<QueueStatus> &)> &completion) const;
     // GET "/requests/<id>" on the application's queue address: the result.
     void response(const QString &appId, const QString &requestId, QObject *context,
         std::function<void(const Result<Payload> &)> completion) const;

@@ -78,7 +78,7 @@ std::variant<QList<RequestLog>, DecodingError> RequestLog::decodeList(const QJso
     }
     const QJsonArray array = logs.toArray();
     list.reserve(array.size());
-    for (const QJsonValue &entry : array) {
+    for (const auto &entry : array) {
         auto decoded = decodeOne(entry);
         if (auto *error = std::get_if<DecodingError>(&decoded)) {
             return std::move(*error);

@@ -36,15 +36,13 @@ bool isPathSegment(const QString &segment)
 RequestSender::RequestSender(HttpClient *http, ClientConfig config)
     : m_http(http)
     , m_config(std::move(config))
-{
-}
+{ }
 
 std::variant<QString, FalError> RequestSender::normaliseAppId(const QString &id)
 {
     static const QRegularExpression numericOwner(QStringLiteral("^([0-9]+)-([a-zA-Z0-9-]+)$"));
     const QRegularExpressionMatch match = numericOwner.match(id);
-    const QString normalised
-        = match.hasMatch() ? match.captured(1) + QLatin1Char('/') + match.captured(2) : id;
+    const QString normalised = match.hasMatch() ? match.captured(1) + QLatin1Char('/') + match.captured(2) : id;
     const QStringList segments = normalised.split(QLatin1Char('/'));
     if (!std::all_of(segments.begin(), segments.end(), isPathSegment)) {
         return FalError::invalidAppId(id);
@@ -180,7 +178,7 @@ QString RequestSender::errorMessage(const QByteArray &body)
         }
         if (detail.isArray()) {
             QStringList messages;
-            for (const QJsonValue &item : detail.toArray()) {
+            for (const auto &item : detail.toArray()) {
                 const QString message = item.toObject().value(QLatin1String("msg")).toString();
                 if (!message.isEmpty()) {
                     messages.append(message);
@@ -202,7 +200,7 @@ QString RequestSender::errorMessage(const QByteArray &body)
         return {};
     }
     // A short plain-text body says what went wrong; anything long or binary says nothing useful.
-    const QString text = QString::fromUtf8(body).trimmed();
+    QString text = QString::fromUtf8(body).trimmed();
     constexpr qsizetype longest = 200;
     if (text.size() > longest || text.contains(QChar::ReplacementCharacter)) {
         return {};

@@ -49,8 +49,8 @@ public:
 
     // Sends one request; the completion runs once, on the HTTP client's thread, never from
     // inside this call and never after context is destroyed.
-    void send(const QUrl &target, HttpMethod method, const Payload &input, QObject *context,
-        Completion completion) const;
+    void send(
+        const QUrl &target, HttpMethod method, const Payload &input, QObject *context, Completion completion) const;
     // The same for a request built elsewhere (the storage upload's PUT).
     void send(HttpRequest request, QObject *context, Completion completion) const;
 

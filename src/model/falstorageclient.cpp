@@ -6,11 +6,10 @@ namespace zentrik::fal {
 
 StorageClient::StorageClient(std::shared_ptr<const RequestSender> sender)
     : m_sender(std::move(sender))
-{
-}
+{ }
 
 void StorageClient::upload(const QByteArray &data, const QString &contentType, const QString &fileName,
-    QObject *context, std::function<void(const Result<QString> &)> completion) const
+    QObject *context, const std::function<void(const Result<QString> &)> &completion) const
 {
     const QString type = contentType.isEmpty() ? QString::fromLatin1(defaultContentType) : contentType;
     const QUrl initiate = providerUrl(Provider::falRest, QString::fromLatin1(initiatePath));
@@ -30,7 +29,7 @@ void StorageClient::upload(const QByteArray &data, const QString &contentType, c
                 completion(*error);
                 return;
             }
-            const Payload &answer = std::get<Payload>(result);
+            const auto &answer = std::get<Payload>(result);
             const std::optional<QString> uploadUrl = answer.value(QStringLiteral("upload_url")).toString();
             const std::optional<QString> fileUrl = answer.value(QStringLiteral("file_url")).toString();
             const QUrl target(uploadUrl.value_or(QString()), QUrl::StrictMode);

@@ -18,7 +18,7 @@ public:
 
     // The file's address ("file_url"), once its bytes have arrived at "upload_url".
     void upload(const QByteArray &data, const QString &contentType, const QString &fileName, QObject *context,
-        std::function<void(const Result<QString> &)> completion) const;
+        const std::function<void(const Result<QString> &)> &completion) const;
 
     // Bytes given inline in an input instead of uploaded.
     [[nodiscard]] static QString inlineAddress(const QByteArray &data) { return Payload::dataAddress(data); }

@@ -42,8 +42,8 @@ QByteArray ImageCodec::encodePng(const Bitmap &bitmap)
     const auto append = [](void *context, void *data, int size) {
         static_cast<QByteArray *>(context)->append(static_cast<const char *>(data), size);
     };
-    if (stbi_write_png_to_func(append, &png, bitmap.width, bitmap.height, bitmap.channels,
-            bitmap.pixels.constData(), bitmap.width * bitmap.channels)
+    if (stbi_write_png_to_func(append, &png, bitmap.width, bitmap.height, bitmap.channels, bitmap.pixels.constData(),
+            bitmap.width * bitmap.channels)
         == 0) {
         return {};
     }

@@ -6,8 +6,7 @@ namespace zentrik {
 
 ImageError::ImageError(const fal::ClientError &error)
     : m_reason(std::visit([](const auto &reason) { return Reason(reason); }, error))
-{
-}
+{ }
 
 ImageError ImageError::noImageUrl()
 {

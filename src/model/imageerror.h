@@ -29,17 +29,14 @@ public:
     // NOLINTBEGIN(google-explicit-constructor): errors are values
     ImageError(APIError error)
         : m_reason(std::move(error))
-    {
-    }
+    { }
     ImageError(APIError::Kind kind)
         : m_reason(APIError(kind))
-    {
-    }
+    { }
     ImageError(const fal::ClientError &error);
     ImageError(DomainError error)
         : m_reason(std::move(error))
-    {
-    }
+    { }
     // NOLINTEND(google-explicit-constructor)
 
     // The fal path's failure when the result holds no picture address.

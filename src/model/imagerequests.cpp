@@ -36,7 +36,8 @@ std::variant<QJsonObject, APIError> firstDataElement(const HttpResult &result, c
     }
     const auto &response = std::get<HttpResponse>(result);
     if (!response.isSuccess()) {
-        qCInfo(lcModel).noquote() << QStringLiteral("%1 images answered HTTP %2").arg(QLatin1String(provider)).arg(response.status);
+        qCInfo(lcModel).noquote()
+            << QStringLiteral("%1 images answered HTTP %2").arg(QLatin1String(provider)).arg(response.status);
     }
     if (response.body.isEmpty()) {
         return APIError::noData;

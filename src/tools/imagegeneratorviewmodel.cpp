@@ -78,7 +78,8 @@ QVariantList ImageGeneratorViewModel::examplePrompts()
 {
     QVariantList list;
     for (const ImageExample &example : imageExamples()) {
-        list.append(QVariantMap { { QStringLiteral("title"), example.title }, { QStringLiteral("text"), example.text } });
+        list.append(
+            QVariantMap { { QStringLiteral("title"), example.title }, { QStringLiteral("text"), example.text } });
     }
     return list;
 }

@@ -41,8 +41,9 @@ ImageLoader::Result decode(const QByteArray &bytes, const QUrl &localFile, const
         picture.displayUrl = localFile;
         return picture;
     }
-    const QString path = QDir(cacheDirectory)
-                             .absoluteFilePath(QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".png"));
+    const QString path
+        = QDir(cacheDirectory)
+              .absoluteFilePath(QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".png"));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(picture.png) != picture.png.size()) {
         return failedToLoad();
@@ -66,11 +67,12 @@ bool ImageLoader::isUsableAddress(const QUrl &url)
 }
 
 void ImageLoader::load(HttpClient &http, const QString &address, const QString &cacheDirectory, QObject *context,
-    std::function<void(const Result &result)> done)
+    const std::function<void(const Result &result)> &done)
 {
     const QUrl url(address, QUrl::StrictMode);
     if (!isUsableAddress(url)) {
-        QMetaObject::invokeMethod(context, [done] { done(invalidImageUrl()); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            context, [done] { done(invalidImageUrl()); }, Qt::QueuedConnection);
         return;
     }
     if (url.isLocalFile()) {

@@ -32,7 +32,7 @@ public:
 
     // Runs done once unless context is destroyed first.
     static void load(HttpClient &http, const QString &address, const QString &cacheDirectory, QObject *context,
-        std::function<void(const Result &result)> done);
+        const std::function<void(const Result &result)> &done);
 
     // http and https addresses with a host, and local file addresses.
     [[nodiscard]] static bool isUsableAddress(const QUrl &url);

@@ -53,8 +53,8 @@ class ImageVerbTest : public QObject
         const QString base = m_fake->baseUrl().toString();
         env.insert("ZENTRIK_CONFIG_DIR", m_dir->path() + "/config");
         env.insert("TMPDIR", m_dir->path());
-        for (const char *variable :
-            { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" }) {
+        for (const char *variable : { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL",
+                 "ZENTRIK_FAL_REST_URL" }) {
             env.insert(variable, base);
         }
         if (withKeys) {
@@ -71,7 +71,8 @@ class ImageVerbTest : public QObject
     {
         m_fake->on("POST", "/v1/images/generations",
             ScriptedReply::json(QJsonDocument(QJsonObject { { "data",
-                QJsonArray { QJsonObject { { "url", m_fake->baseUrl().toString() + QString::fromUtf8(picturePath) } } } } })));
+                QJsonArray {
+                    QJsonObject { { "url", m_fake->baseUrl().toString() + QString::fromUtf8(picturePath) } } } } })));
     }
 
 private Q_SLOTS:
@@ -157,8 +158,9 @@ private Q_SLOTS:
             QCOMPARE(process.exitCode(), 0);
             written.append(QString::fromUtf8(process.readAllStandardOutput()).trimmed());
         }
-        QCOMPARE(written, QStringList({ QDir(m_dir->path()).absoluteFilePath("generated-image.png"),
-                              QDir(m_dir->path()).absoluteFilePath("generated-image-2.png") }));
+        QCOMPARE(written,
+            QStringList({ QDir(m_dir->path()).absoluteFilePath("generated-image.png"),
+                QDir(m_dir->path()).absoluteFilePath("generated-image-2.png") }));
         QCOMPARE(pngSize(written.at(0)), QSize(64, 48));
         QCOMPARE(pngSize(written.at(1)), QSize(64, 48));
     }
@@ -195,7 +197,8 @@ private Q_SLOTS:
         if (answer.startsWith("serve")) {
             scriptOpenAI("/pictures/p");
             m_fake->on("GET", "/pictures/p",
-                served(answer == "serve png" ? ImageFixture::picture("PNG") : QByteArray("<html>no</html>"), "text/html"));
+                served(
+                    answer == "serve png" ? ImageFixture::picture("PNG") : QByteArray("<html>no</html>"), "text/html"));
         } else {
             m_fake->on("POST", "/v1/images/generations", ScriptedReply::json(answer));
         }

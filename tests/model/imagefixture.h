@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QBuffer>
-#include <QImage>
 #include <QTemporaryDir>
+
+#include <stb_image_write.h>
 
 #include <memory>
 
 #include "model/apimanager.h"
+#include "model/imagecodec.h"
 #include "support/fakeprovider.h"
 
 // An APIManager whose OpenAI, Together and fal addresses point at one fake provider, with
@@ -52,23 +53,32 @@ public:
 
     [[nodiscard]] QString tempPath() const { return m_tmp.path(); }
 
-    static constexpr const char *addressVariables[] = { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL",
-        "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" };
+    static constexpr const char *addressVariables[]
+        = { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" };
 
-    // A small picture with a recognisable pattern, in the given format ("PNG", "JPG").
+    // A small picture with a recognisable pattern (red grows to the right, green downwards),
+    // as "PNG" or "JPG" bytes.
     static QByteArray picture(const char *format, int width = 64, int height = 48)
     {
-        QImage image(width, height, QImage::Format_RGB32);
+        zentrik::Bitmap bitmap { width, height, 3, QByteArray(qsizetype(width) * height * 3, '\0') };
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
-                image.setPixel(x, y, qRgb(x * 255 / width, y * 255 / height, 128));
+                char *pixel = bitmap.pixels.data() + (qsizetype(y) * width + x) * 3;
+                pixel[0] = char(x * 255 / width);
+                pixel[1] = char(y * 255 / height);
+                pixel[2] = char(128);
             }
         }
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        image.save(&buffer, format);
-        return bytes;
+        if (qstrcmp(format, "PNG") == 0) {
+            return zentrik::ImageCodec::encodePng(bitmap);
+        }
+        QByteArray jpeg;
+        stbi_write_jpg_to_func(
+            [](void *context, void *data, int size) {
+                static_cast<QByteArray *>(context)->append(static_cast<const char *>(data), size);
+            },
+            &jpeg, width, height, 3, bitmap.pixels.constData(), 95);
+        return jpeg;
     }
 
 private:

@@ -67,10 +67,7 @@ template<typename T> struct Outcome
     }
     [[nodiscard]] const T *value() const { return result ? std::get_if<T>(&*result) : nullptr; }
     [[nodiscard]] const ClientError *error() const { return result ? std::get_if<ClientError>(&*result) : nullptr; }
-    [[nodiscard]] QString describe() const
-    {
-        return error() ? fal::describe(*error()) : QStringLiteral("(no error)");
-    }
+    [[nodiscard]] QString describe() const { return error() ? fal::describe(*error()) : QStringLiteral("(no error)"); }
 };
 
 QStringList requestLines(const test::FakeProvider &fake)
@@ -114,8 +111,8 @@ private Q_SLOTS:
         const auto request = fixture.fake->lastRequest();
         QCOMPARE(request.method, "POST");
         QCOMPARE(request.path, appPath);
-        QCOMPARE(QUrlQuery(QUrl(QString::fromUtf8(request.target))).queryItemValue(
-                     QStringLiteral("fal_webhook"), QUrl::FullyDecoded),
+        QCOMPARE(QUrlQuery(QUrl(QString::fromUtf8(request.target)))
+                     .queryItemValue(QStringLiteral("fal_webhook"), QUrl::FullyDecoded),
             "https://hooks.example/done?x=1");
         QCOMPARE(request.json(), QJsonDocument::fromJson(R"({"prompt":"a lighthouse"})"));
         QCOMPARE(request.header("authorization"), "Key key-id:key-secret");
@@ -129,7 +126,8 @@ private Q_SLOTS:
         FalFixture fixture;
         fixture.fake->on("POST", appPath, ScriptedReply::json(R"({"status":"IN_QUEUE"})"));
         Outcome<QString> outcome;
-        fixture.api.queue().submit(QStringLiteral("fal-ai/flux/schnell"), Payload(), std::nullopt, this, outcome.handler());
+        fixture.api.queue().submit(
+            QStringLiteral("fal-ai/flux/schnell"), Payload(), std::nullopt, this, outcome.handler());
         waitFor(outcome);
         QVERIFY(outcome.error());
         QCOMPARE(std::get<FalError>(*outcome.error()).kind(), FalError::Kind::invalidResultFormat);
@@ -226,7 +224,8 @@ private Q_SLOTS:
             options.pollInterval = std::chrono::nanoseconds(amount);
         }
         Outcome<Payload> outcome;
-        fixture.api.queue().subscribe(QStringLiteral("fal-ai/flux/schnell"), Payload(), options, this, outcome.handler());
+        fixture.api.queue().subscribe(
+            QStringLiteral("fal-ai/flux/schnell"), Payload(), options, this, outcome.handler());
         waitFor(outcome);
         QVERIFY2(outcome.value(), qPrintable(outcome.describe()));
         QCOMPARE(fixture.sleeps, QList<qint64>({ nanoseconds }));
@@ -241,7 +240,8 @@ private Q_SLOTS:
         options.pollInterval = 500ms;
         options.timeout = 1ns;
         Outcome<Payload> outcome;
-        fixture.api.queue().subscribe(QStringLiteral("fal-ai/flux/schnell"), Payload(), options, this, outcome.handler());
+        fixture.api.queue().subscribe(
+            QStringLiteral("fal-ai/flux/schnell"), Payload(), options, this, outcome.handler());
         waitFor(outcome);
         QVERIFY(outcome.error());
         QCOMPARE(std::get<FalError>(*outcome.error()).kind(), FalError::Kind::queueTimeout);
@@ -269,7 +269,8 @@ private Q_SLOTS:
         Outcome<Payload> outcome;
         QElapsedTimer clock;
         clock.start();
-        fixture.api.queue().subscribe(QStringLiteral("fal-ai/flux/schnell"), Payload(), options, this, outcome.handler());
+        fixture.api.queue().subscribe(
+            QStringLiteral("fal-ai/flux/schnell"), Payload(), options, this, outcome.handler());
         waitFor(outcome);
         QVERIFY(outcome.error());
         QCOMPARE(std::get<FalError>(*outcome.error()).kind(), FalError::Kind::queueTimeout);
@@ -295,9 +296,10 @@ private Q_SLOTS:
                                       << "HTTP 500: Internal error";
         QTest::newRow("unknown status value")
             << submitted << 200 << QByteArray(R"({"status":"CANCELLED"})") << "Invalid status value: CANCELLED";
-        QTest::newRow("status not JSON")
-            << submitted << 200 << QByteArray("[") << "The fal result has an unexpected format.";
-        QTest::newRow("status not an object") << submitted << 200 << QByteArray("[1]") << "The status answer is not an object";
+        QTest::newRow("status not JSON") << submitted << 200 << QByteArray("[")
+                                         << "The fal result has an unexpected format.";
+        QTest::newRow("status not an object")
+            << submitted << 200 << QByteArray("[1]") << "The status answer is not an object";
     }
 
     void passesFailuresOnAsTheyStand()
@@ -310,8 +312,8 @@ private Q_SLOTS:
         fixture.fake->on("POST", appPath, ScriptedReply::json(submitReply, submitStatus));
         fixture.fake->on("GET", statusPath, ScriptedReply::json(statusReply));
         Outcome<Payload> outcome;
-        fixture.api.queue().subscribe(
-            QStringLiteral("fal-ai/flux/schnell"), Payload(), QueueClient::SubscribeOptions {}, this, outcome.handler());
+        fixture.api.queue().subscribe(QStringLiteral("fal-ai/flux/schnell"), Payload(),
+            QueueClient::SubscribeOptions {}, this, outcome.handler());
         waitFor(outcome);
         QVERIFY(outcome.error());
         QCOMPARE(outcome.describe(), description);
@@ -337,7 +339,8 @@ private Q_SLOTS:
         FalFixture fixture;
         fixture.fake->on("POST", appPath, ScriptedReply::truncated(submitted, 5));
         Outcome<QString> outcome;
-        fixture.api.queue().submit(QStringLiteral("fal-ai/flux/schnell"), Payload(), std::nullopt, this, outcome.handler());
+        fixture.api.queue().submit(
+            QStringLiteral("fal-ai/flux/schnell"), Payload(), std::nullopt, this, outcome.handler());
         waitFor(outcome);
         QVERIFY(outcome.error());
         QVERIFY(std::holds_alternative<TransportError>(*outcome.error()));
@@ -374,8 +377,8 @@ private Q_SLOTS:
         FalApi proxied(&fixture.http, ClientConfig { ClientCredentials::keyPair(QStringLiteral("k")), proxy });
         fixture.fake->on("POST", "/api/fal/proxy", ScriptedReply::json(submitted));
         Outcome<QString> outcome;
-        proxied.queue().submit(QStringLiteral("fal-ai/flux-pro"), Payload(Payload::Dict { { QStringLiteral("prompt"), "p" } }),
-            std::nullopt, this, outcome.handler());
+        proxied.queue().submit(QStringLiteral("fal-ai/flux-pro"),
+            Payload(Payload::Dict { { QStringLiteral("prompt"), "p" } }), std::nullopt, this, outcome.handler());
         waitFor(outcome);
         QVERIFY2(outcome.value(), qPrintable(outcome.describe()));
         const auto request = fixture.fake->lastRequest();
@@ -390,18 +393,21 @@ private Q_SLOTS:
         FalFixture fixture;
         const QByteArray uploadUrl = fixture.fake->baseUrl().toEncoded() + "/signed/upload-1?sig=abc";
         fixture.fake->on("POST", "/storage/upload/initiate",
-            ScriptedReply::json("{\"upload_url\":\"" + uploadUrl + "\",\"file_url\":\"https://files.example/f1.png\"}"));
+            ScriptedReply::json(
+                "{\"upload_url\":\"" + uploadUrl + "\",\"file_url\":\"https://files.example/f1.png\"}"));
         fixture.fake->on("PUT", "/signed/upload-1", ScriptedReply::json(QByteArray(), 200));
         const QByteArray bytes("\x89PNG\r\n\x1a\nrest", 12);
         Outcome<QString> outcome;
-        fixture.api.storage().upload(bytes, QStringLiteral("image/png"), QStringLiteral("f1.png"), this, outcome.handler());
+        fixture.api.storage().upload(
+            bytes, QStringLiteral("image/png"), QStringLiteral("f1.png"), this, outcome.handler());
         waitFor(outcome);
         QVERIFY2(outcome.value(), qPrintable(outcome.describe()));
         QCOMPARE(*outcome.value(), "https://files.example/f1.png");
 
         const auto requests = fixture.fake->requests();
         QCOMPARE(requests.size(), 2);
-        QCOMPARE(requests.at(0).json(), QJsonDocument::fromJson(R"({"content_type":"image/png","file_name":"f1.png"})"));
+        QCOMPARE(
+            requests.at(0).json(), QJsonDocument::fromJson(R"({"content_type":"image/png","file_name":"f1.png"})"));
         QCOMPARE(requests.at(0).header("authorization"), "Key key-id:key-secret");
         QCOMPARE(requests.at(1).method, "PUT");
         QCOMPARE(requests.at(1).target, "/signed/upload-1?sig=abc");
@@ -416,8 +422,8 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("initiateReply");
         QTest::addColumn<int>("putStatus");
         QTest::addColumn<int>("kind");
-        QTest::newRow("no upload address") << QByteArray(R"({"file_url":"f"})") << 200
-                                           << int(FalError::Kind::invalidResultFormat);
+        QTest::newRow("no upload address")
+            << QByteArray(R"({"file_url":"f"})") << 200 << int(FalError::Kind::invalidResultFormat);
         QTest::newRow("upload refused") << QByteArray() << 500 << int(FalError::Kind::httpError);
     }
 

@@ -35,8 +35,8 @@ private Q_SLOTS:
         QTest::newRow("queued further back")
             << QByteArray(R"({"status":"IN_QUEUE","queue_position":7,"response_url":"u","logs":null})")
             << int(QueueStatus::State::inQueue) << 7 << "u" << 0 << "";
-        QTest::newRow("in progress without logs") << QByteArray(R"({"status":"IN_PROGRESS"})")
-                                                  << int(QueueStatus::State::inProgress) << 0 << "" << 0 << "";
+        QTest::newRow("in progress without logs")
+            << QByteArray(R"({"status":"IN_PROGRESS"})") << int(QueueStatus::State::inProgress) << 0 << "" << 0 << "";
         QTest::newRow("in progress with null logs") << QByteArray(R"({"status":"IN_PROGRESS","logs":null})")
                                                     << int(QueueStatus::State::inProgress) << 0 << "" << 0 << "";
         QTest::newRow("in progress with logs")
@@ -53,11 +53,10 @@ private Q_SLOTS:
                                                  << 0 << "" << 0 << "Invalid status value: completed";
         QTest::newRow("empty status value")
             << QByteArray(R"({"status":""})") << -1 << 0 << "" << 0 << "Invalid status value: ";
-        QTest::newRow("status not a string") << QByteArray(R"({"status":3})") << -1 << 0 << "" << 0
-                                             << "Missing or mistyped value for key: status";
-        QTest::newRow("queued without position")
-            << QByteArray(R"({"status":"IN_QUEUE","response_url":"u"})") << -1 << 0 << "" << 0
-            << "Missing or mistyped value for key: queue_position";
+        QTest::newRow("status not a string")
+            << QByteArray(R"({"status":3})") << -1 << 0 << "" << 0 << "Missing or mistyped value for key: status";
+        QTest::newRow("queued without position") << QByteArray(R"({"status":"IN_QUEUE","response_url":"u"})") << -1 << 0
+                                                 << "" << 0 << "Missing or mistyped value for key: queue_position";
         QTest::newRow("negative position")
             << QByteArray(R"({"status":"IN_QUEUE","queue_position":-1,"response_url":"u"})") << -1 << 0 << "" << 0
             << "Missing or mistyped value for key: queue_position";
@@ -66,9 +65,9 @@ private Q_SLOTS:
             << "Missing or mistyped value for key: queue_position";
         QTest::newRow("completed without address") << QByteArray(R"({"status":"COMPLETED"})") << -1 << 0 << "" << 0
                                                    << "Missing or mistyped value for key: response_url";
-        QTest::newRow("unknown log level")
-            << QByteArray(R"({"status":"IN_PROGRESS","logs":[{"message":"a","timestamp":"t","labels":{"level":"TRACE"}}]})")
-            << -1 << 0 << "" << 0 << "Invalid log level: TRACE";
+        QTest::newRow("unknown log level") << QByteArray(
+            R"({"status":"IN_PROGRESS","logs":[{"message":"a","timestamp":"t","labels":{"level":"TRACE"}}]})")
+                                           << -1 << 0 << "" << 0 << "Invalid log level: TRACE";
         QTest::newRow("an array") << QByteArray("[1,2]") << -1 << 0 << "" << 0 << "The status answer is not an object";
     }
 
@@ -117,8 +116,8 @@ private Q_SLOTS:
         QTest::newRow("binary") << QByteArray::fromHex("00fffe7b22737461747573");
         QTest::newRow("truncated") << QByteArray("{\"status\":\"IN_QUEUE\",\"queue_pos");
         QTest::newRow("deep nesting") << QByteArray(2000, '[');
-        QTest::newRow("huge position")
-            << QByteArray(R"({"status":"IN_QUEUE","queue_position":1e300,"response_url":"u"})");
+        QTest::newRow("huge position") << QByteArray(
+            R"({"status":"IN_QUEUE","queue_position":1e300,"response_url":"u"})");
         QTest::newRow("logs not a list") << QByteArray(R"({"status":"IN_PROGRESS","logs":{"a":1}})");
         QTest::newRow("log entry not an object") << QByteArray(R"({"status":"IN_PROGRESS","logs":[5]})");
     }
@@ -142,8 +141,9 @@ private Q_SLOTS:
         QTest::newRow("boolean") << QByteArray("false") << Payload::Kind::boolean;
         QTest::newRow("null") << QByteArray("null") << Payload::Kind::nilValue;
         QTest::newRow("array") << QByteArray(R"([1,"a",null,[true]])") << Payload::Kind::array;
-        QTest::newRow("object")
-            << QByteArray("{\"images\":[{\"url\":\"https://x/y.png\",\"width\":1024}],\"seed\":3.25}") << Payload::Kind::dict;
+        QTest::newRow("object") << QByteArray(
+            "{\"images\":[{\"url\":\"https://x/y.png\",\"width\":1024}],\"seed\":3.25}")
+                                << Payload::Kind::dict;
         QTest::newRow("empty object") << QByteArray("{}") << Payload::Kind::dict;
     }
 
@@ -188,17 +188,28 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("id");
         QTest::addColumn<QString>("normalised"); // empty: refused
-        QTest::newRow("owner and name") << "fal-ai/flux-pro" << "fal-ai/flux-pro";
-        QTest::newRow("with a sub-path") << "fal-ai/flux/schnell" << "fal-ai/flux/schnell";
-        QTest::newRow("numeric owner") << "12345-my-app" << "12345/my-app";
-        QTest::newRow("not in the catalogue") << "someone/new-model" << "someone/new-model";
-        QTest::newRow("single word") << "my-model" << "my-model";
-        QTest::newRow("empty") << "" << "";
-        QTest::newRow("empty segment") << "fal-ai//flux" << "";
-        QTest::newRow("leading slash") << "/fal-ai/flux" << "";
-        QTest::newRow("dot segment") << "fal-ai/../admin" << "";
-        QTest::newRow("space") << "fal ai/flux" << "";
-        QTest::newRow("query") << "fal-ai/flux?x=1" << "";
+        QTest::newRow("owner and name") << "fal-ai/flux-pro"
+                                        << "fal-ai/flux-pro";
+        QTest::newRow("with a sub-path") << "fal-ai/flux/schnell"
+                                         << "fal-ai/flux/schnell";
+        QTest::newRow("numeric owner") << "12345-my-app"
+                                       << "12345/my-app";
+        QTest::newRow("not in the catalogue") << "someone/new-model"
+                                              << "someone/new-model";
+        QTest::newRow("single word") << "my-model"
+                                     << "my-model";
+        QTest::newRow("empty") << ""
+                               << "";
+        QTest::newRow("empty segment") << "fal-ai//flux"
+                                       << "";
+        QTest::newRow("leading slash") << "/fal-ai/flux"
+                                       << "";
+        QTest::newRow("dot segment") << "fal-ai/../admin"
+                                     << "";
+        QTest::newRow("space") << "fal ai/flux"
+                               << "";
+        QTest::newRow("query") << "fal-ai/flux?x=1"
+                               << "";
     }
 
     void normalisesApplicationIds()
@@ -301,7 +312,8 @@ private Q_SLOTS:
 
     void sendsThroughTheProxy()
     {
-        ClientConfig config { ClientCredentials::keyPair(QStringLiteral("k")), QStringLiteral("https://proxy.example/fal") };
+        ClientConfig config { ClientCredentials::keyPair(QStringLiteral("k")),
+            QStringLiteral("https://proxy.example/fal") };
         const RequestSender sender(nullptr, config);
         const auto built = sender.build(QUrl(QStringLiteral("https://queue.fal.run/fal-ai/flux/requests/r1")),
             HttpMethod::get, Payload(Payload::Dict { { QStringLiteral("logs"), 0 } }));
@@ -311,8 +323,8 @@ private Q_SLOTS:
         QCOMPARE(request.header("authorization"), "Key k");
 
         config.requestProxy = QStringLiteral("not an address");
-        const auto refused = RequestSender(nullptr, config).build(QUrl(QStringLiteral("https://queue.fal.run/x/y")),
-            HttpMethod::post, Payload());
+        const auto refused = RequestSender(nullptr, config)
+                                 .build(QUrl(QStringLiteral("https://queue.fal.run/x/y")), HttpMethod::post, Payload());
         QVERIFY(std::holds_alternative<FalError>(refused));
         QCOMPARE(std::get<FalError>(refused).kind(), FalError::Kind::invalidUrl);
         QCOMPARE(std::get<FalError>(refused).url(), "not an address");
@@ -326,8 +338,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("message");
         QTest::newRow("success") << 200 << QByteArray(R"({"request_id":"r"})") << -1 << "";
         QTest::newRow("success without body") << 200 << QByteArray() << -1 << "";
-        QTest::newRow("success, not JSON") << 200 << QByteArray("<html/>") << int(FalError::Kind::invalidResultFormat)
-                                           << "";
+        QTest::newRow("success, not JSON")
+            << 200 << QByteArray("<html/>") << int(FalError::Kind::invalidResultFormat) << "";
         QTest::newRow("401 with detail") << 401 << QByteArray(R"({"detail":"Invalid key"})")
                                          << int(FalError::Kind::unauthorized) << "Invalid key";
         QTest::newRow("403 plain text") << 403 << QByteArray("Forbidden") << int(FalError::Kind::unauthorized)
@@ -335,10 +347,10 @@ private Q_SLOTS:
         QTest::newRow("422 validation list")
             << 422 << QByteArray(R"({"detail":[{"msg":"field required"},{"msg":"too long"}]})")
             << int(FalError::Kind::httpError) << "field required; too long";
-        QTest::newRow("500 with message") << 500 << QByteArray(R"({"message":"boom"})")
-                                          << int(FalError::Kind::httpError) << "boom";
-        QTest::newRow("502 nested error") << 502 << QByteArray(R"({"error":{"message":"upstream"}})")
-                                          << int(FalError::Kind::httpError) << "upstream";
+        QTest::newRow("500 with message")
+            << 500 << QByteArray(R"({"message":"boom"})") << int(FalError::Kind::httpError) << "boom";
+        QTest::newRow("502 nested error")
+            << 502 << QByteArray(R"({"error":{"message":"upstream"}})") << int(FalError::Kind::httpError) << "upstream";
         QTest::newRow("404 empty") << 404 << QByteArray() << int(FalError::Kind::httpError) << "";
     }
 

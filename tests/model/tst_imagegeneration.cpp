@@ -19,7 +19,8 @@ const QByteArray imagesPath = "/v1/images/generations";
 
 QByteArray togetherAnswer(const QByteArray &imageBytes)
 {
-    return "{\"id\":\"t\",\"model\":\"black-forest-labs/FLUX.1-schnell-Free\",\"object\":\"list\",\"data\":[{\"index\":0,\"b64_json\":\""
+    return "{\"id\":\"t\",\"model\":\"black-forest-labs/"
+           "FLUX.1-schnell-Free\",\"object\":\"list\",\"data\":[{\"index\":0,\"b64_json\":\""
         + imageBytes.toBase64() + "\",\"timings\":{\"inference\":0.5}}]}";
 }
 
@@ -96,7 +97,8 @@ private Q_SLOTS:
         QTest::newRow("DALL-E to OpenAI")
             << "DALL-E" << imagesPath
             << QByteArray(R"({"model":"dall-e-3","prompt":"A red fox in the snow","n":1,"size":"1024x1024"})")
-            << QList<QByteArrayList> { { "Content-Type", "application/json" }, { "Authorization", "Bearer sk-openai" } };
+            << QList<QByteArrayList> { { "Content-Type", "application/json" },
+                   { "Authorization", "Bearer sk-openai" } };
         QTest::newRow("free FLUX to Together")
             << "black-forest-labs/FLUX.1-schnell-Free" << imagesPath
             << QByteArray(R"({"model":"black-forest-labs/FLUX.1-schnell-Free","prompt":"A red fox in the snow",)"
@@ -122,13 +124,15 @@ private Q_SLOTS:
         QFETCH(QList<QByteArrayList>, headers);
 
         ImageFixture fixture(model);
-        fixture.fake->on("POST", imagesPath, ScriptedReply::json("{\"data\":[{\"url\":\"https://img.example/1.png\"}]}"));
+        fixture.fake->on(
+            "POST", imagesPath, ScriptedReply::json("{\"data\":[{\"url\":\"https://img.example/1.png\"}]}"));
         if (path != imagesPath) {
             fixture.fake->on("POST", path, ScriptedReply::json(R"({"request_id":"r1"})"));
         }
         fixture.fake->on(
             "GET", path + "/requests/r1/status", ScriptedReply::json(R"({"status":"COMPLETED","response_url":"u"})"));
-        fixture.fake->on("GET", path + "/requests/r1", ScriptedReply::json("{\"images\":[{\"url\":\"https://f/1.png\"}]}"));
+        fixture.fake->on(
+            "GET", path + "/requests/r1", ScriptedReply::json("{\"images\":[{\"url\":\"https://f/1.png\"}]}"));
         if (model.startsWith(QLatin1String("black-forest-labs"))) {
             fixture.fake->on("POST", imagesPath, ScriptedReply::json(togetherAnswer(ImageFixture::picture("PNG"))));
         }
@@ -155,9 +159,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("message");
 
         for (const char *provider : { "OpenAI", "Together" }) {
-            const auto row = [provider](const char *name) {
-                return &QTest::addRow("%s: %s", provider, name);
-            };
+            const auto row = [provider](const char *name) { return &QTest::addRow("%s: %s", provider, name); };
             *row("no body") << provider << QByteArray() << 200 << int(APIError::noData)
                             << "No data received from the server.";
             *row("not JSON") << provider << QByteArray("<html>busy</html>") << 200 << int(APIError::jsonParsingFailed)
@@ -176,22 +178,22 @@ private Q_SLOTS:
                 << provider << QByteArray(R"({"error":{"message":"Incorrect API key"}})") << 401
                 << int(APIError::invalidResponse) << "Invalid response received from the server.";
         }
-        QTest::newRow("OpenAI: url not a string") << "OpenAI" << QByteArray(R"({"data":[{"url":5}]})") << 200
-                                                  << int(APIError::invalidResponse)
-                                                  << "Invalid response received from the server.";
-        QTest::newRow("OpenAI: only b64_json") << "OpenAI" << QByteArray(R"({"data":[{"b64_json":"AAAA"}]})") << 200
-                                               << int(APIError::invalidResponse)
-                                               << "Invalid response received from the server.";
-        QTest::newRow("Together: only a url") << "Together" << QByteArray("{\"data\":[{\"url\":\"https://x/y.png\"}]}")
-                                              << 200 << int(APIError::invalidResponse)
-                                              << "Invalid response received from the server.";
-        QTest::newRow("Together: not Base64") << "Together" << QByteArray(R"({"data":[{"b64_json":"@@not base64@@"}]})")
-                                              << 200 << int(APIError::invalidResponse)
-                                              << "Invalid response received from the server.";
+        QTest::newRow("OpenAI: url not a string")
+            << "OpenAI" << QByteArray(R"({"data":[{"url":5}]})") << 200 << int(APIError::invalidResponse)
+            << "Invalid response received from the server.";
+        QTest::newRow("OpenAI: only b64_json")
+            << "OpenAI" << QByteArray(R"({"data":[{"b64_json":"AAAA"}]})") << 200 << int(APIError::invalidResponse)
+            << "Invalid response received from the server.";
+        QTest::newRow("Together: only a url")
+            << "Together" << QByteArray("{\"data\":[{\"url\":\"https://x/y.png\"}]}") << 200
+            << int(APIError::invalidResponse) << "Invalid response received from the server.";
+        QTest::newRow("Together: not Base64")
+            << "Together" << QByteArray(R"({"data":[{"b64_json":"@@not base64@@"}]})") << 200
+            << int(APIError::invalidResponse) << "Invalid response received from the server.";
         QTest::newRow("Together: Base64 with line breaks")
             << "Together"
-            << QByteArray("{\"data\":[{\"b64_json\":\"" + ImageFixture::picture("PNG").toBase64().insert(40, "\\n")
-                   + "\"}]}")
+            << QByteArray(
+                   "{\"data\":[{\"b64_json\":\"" + ImageFixture::picture("PNG").toBase64().insert(40, "\\n") + "\"}]}")
             << 200 << int(APIError::invalidResponse) << "Invalid response received from the server.";
         QTest::newRow("Together: bytes that are no picture")
             << "Together" << togetherAnswer("just some text, not an image") << 200 << int(APIError::invalidResponse)
@@ -235,7 +237,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, provider);
         ImageFixture fixture(modelFor(provider));
-        fixture.fake->on("POST", imagesPath, ScriptedReply::truncated("{\"data\":[{\"url\":\"https://x/1.png\"}]}", 10));
+        fixture.fake->on(
+            "POST", imagesPath, ScriptedReply::truncated("{\"data\":[{\"url\":\"https://x/1.png\"}]}", 10));
         const Outcome outcome = generate(fixture);
         QVERIFY(outcome.error());
         const APIError *error = outcome.error()->get<APIError>();
@@ -248,7 +251,8 @@ private Q_SLOTS:
     {
         ImageFixture fixture(QStringLiteral("DALL-E"));
         script(fixture, QStringLiteral("OpenAI"),
-            "{\"created\":1,\"data\":[{\"revised_prompt\":\"r\",\"url\":\"https://oaidalle.example/img-1.png?sig=x\"}]}");
+            "{\"created\":1,\"data\":[{\"revised_prompt\":\"r\",\"url\":\"https://oaidalle.example/"
+            "img-1.png?sig=x\"}]}");
         const Outcome outcome = generate(fixture);
         QCOMPARE(outcome.address(), "https://oaidalle.example/img-1.png?sig=x");
     }
@@ -323,7 +327,8 @@ private Q_SLOTS:
     {
         ImageFixture fixture(QStringLiteral("fal-ai/flux/schnell"));
         script(fixture, QStringLiteral("fal"),
-            "{\"images\":[{\"url\":\"https://fal.media/files/a.jpg\",\"width\":1024,\"height\":768,\"content_type\":\"image/jpeg\"}],\"seed\":42}");
+            "{\"images\":[{\"url\":\"https://fal.media/files/"
+            "a.jpg\",\"width\":1024,\"height\":768,\"content_type\":\"image/jpeg\"}],\"seed\":42}");
         const Outcome outcome = generate(fixture);
         QCOMPARE(outcome.address(), "https://fal.media/files/a.jpg");
     }

@@ -46,10 +46,7 @@ class ImageGeneratorViewModelTest : public QObject
 {
     Q_OBJECT
 
-    static void waitUntilIdle(ImageGeneratorViewModel &vm)
-    {
-        QTRY_VERIFY_WITH_TIMEOUT(!vm.isGenerating(), 10000);
-    }
+    static void waitUntilIdle(ImageGeneratorViewModel &vm) { QTRY_VERIFY_WITH_TIMEOUT(!vm.isGenerating(), 10000); }
 
 private Q_SLOTS:
     void offersTheThreeSizes()
@@ -165,7 +162,8 @@ private Q_SLOTS:
     {
         ImageFixture fixture(QStringLiteral("black-forest-labs/FLUX.1-schnell-Free"));
         fixture.fake->on("POST", imagesPath,
-            ScriptedReply::json("{\"data\":[{\"b64_json\":\"" + ImageFixture::picture("JPG", 120, 90).toBase64() + "\"}]}"));
+            ScriptedReply::json(
+                "{\"data\":[{\"b64_json\":\"" + ImageFixture::picture("JPG", 120, 90).toBase64() + "\"}]}"));
         ImageGeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         vm.setPrompt(QStringLiteral("Foggy harbour"));
@@ -190,15 +188,12 @@ private Q_SLOTS:
         QTest::newRow("address that is not one")
             << "DALL-E" << QByteArray(R"({"data":[{"url":"not a valid address"}]})") << QByteArray() << 200
             << "Invalid image URL";
-        QTest::newRow("address of another kind")
-            << "DALL-E" << QByteArray(R"({"data":[{"url":"ftp:/host/pic.png"}]})") << QByteArray() << 200
-            << "Invalid image URL";
-        QTest::newRow("bytes that are no picture")
-            << "DALL-E" << QByteArray(R"({"data":[{"url":"%1/pic.png"}]})") << QByteArray("<html>oops</html>") << 200
-            << "Failed to load image";
-        QTest::newRow("missing picture")
-            << "DALL-E" << QByteArray(R"({"data":[{"url":"%1/pic.png"}]})") << QByteArray("Not Found") << 404
-            << "Failed to load image";
+        QTest::newRow("address of another kind") << "DALL-E" << QByteArray(R"({"data":[{"url":"ftp:/host/pic.png"}]})")
+                                                 << QByteArray() << 200 << "Invalid image URL";
+        QTest::newRow("bytes that are no picture") << "DALL-E" << QByteArray(R"({"data":[{"url":"%1/pic.png"}]})")
+                                                   << QByteArray("<html>oops</html>") << 200 << "Failed to load image";
+        QTest::newRow("missing picture") << "DALL-E" << QByteArray(R"({"data":[{"url":"%1/pic.png"}]})")
+                                         << QByteArray("Not Found") << 404 << "Failed to load image";
         QTest::newRow("answer without a picture") << "DALL-E" << QByteArray(R"({"data":[]})") << QByteArray() << 200
                                                   << "Invalid response received from the server.";
         QTest::newRow("fal result without an address")
@@ -308,10 +303,14 @@ private Q_SLOTS:
         for (const QVariant &example : examples) {
             titles.append(example.toMap().value(QStringLiteral("title")).toString());
         }
-        QCOMPARE(titles,
-            QStringList({ "Logo", "Product Image", "E-commerce Banner", "Social Media Post", "Book Cover" }));
-        QVERIFY(examples.at(0).toMap().value(QStringLiteral("text")).toString().startsWith(
-            QLatin1String("Create a modern and sleek logo for a sustainable energy company named 'EcoVolt'.")));
+        QCOMPARE(
+            titles, QStringList({ "Logo", "Product Image", "E-commerce Banner", "Social Media Post", "Book Cover" }));
+        QVERIFY(examples.at(0)
+                    .toMap()
+                    .value(QStringLiteral("text"))
+                    .toString()
+                    .startsWith(QLatin1String(
+                        "Create a modern and sleek logo for a sustainable energy company named 'EcoVolt'.")));
 
         QCOMPARE(vm.showExamples(), false);
         vm.toggleExamples();
