@@ -91,6 +91,13 @@ public:
     void stopStream(StreamId id);
     [[nodiscard]] bool isStreamActive(StreamId id) const { return m_streams.contains(id); }
 
+    using TranscriptionCompletion = std::function<void(const TextResult &result)>;
+    // Sends the recording at audioFilePath to OpenAI's speech-to-text with `openAIKey`,
+    // whatever text model is selected, and hands the transcript, or the error, to the
+    // completion: exactly once, on this object's thread, never from inside this call and
+    // never after `context` (when given) is destroyed.
+    void transcribe(const QString &audioFilePath, QObject *context, TranscriptionCompletion completion);
+
     using ImageCompletion = std::function<void(const ImageResult &result)>;
     // Each status of a queued fal request as it arrives.
     using ImageProgress = std::function<void(const fal::QueueStatus &status)>;
