@@ -11,8 +11,8 @@
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 #include <cstdio>
+#include <ctime>
 #include <random>
 #include <vector>
 

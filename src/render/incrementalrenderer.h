@@ -2,6 +2,7 @@
 
 #include "render/markdownblock.h"
 #include "render/markdownrenderer.h"
+#include "render/openblock.h"
 #include "render/opencodeblock.h"
 #include "render/openparagraph.h"
 
@@ -16,10 +17,11 @@ namespace zentrik {
 
 // Renders a reply while it streams in. Blocks that later text can no longer change are
 // kept, and each piece re-parses only the unfinished tail: the block being written (of a
-// long list, only its last item). A code block or paragraph that grows within a line is
-// extended without parsing it again, so the work per piece follows the size of the piece,
-// not the length of the reply. After every piece, blocks() equals MarkdownRenderer::render()
-// of the text so far (less a trailing half of a surrogate pair, which waits for the rest).
+// long list or table, only its last item or row). A code block or paragraph that grows is
+// extended without parsing it again, and a block that a piece completes is closed without
+// parsing it again, so the work per piece follows the size of the piece, not the length of
+// the reply. After every piece, blocks() equals MarkdownRenderer::render() of the text so
+// far (less a trailing half of a surrogate pair, which waits for the rest).
 class IncrementalRenderer
 {
 public:
@@ -30,21 +32,13 @@ public:
     [[nodiscard]] const QString &text() const { return m_text; }
     [[nodiscard]] const QList<MarkdownBlock> &blocks() const { return m_blocks; }
     // Blocks before this index are final: no later piece changes them.
-    [[nodiscard]] qsizetype stableBlockCount() const { return m_stableCount - (m_openList ? 1 : 0); }
+    [[nodiscard]] qsizetype stableBlockCount() const { return m_stableCount - (m_openBlock ? 1 : 0); }
     // Where the re-parsed tail begins in text().
     [[nodiscard]] qsizetype tailStart() const { return m_tailStart; }
 
 private:
-    // A list whose first items are final while more may follow: its block is the last
-    // stable one, and the tail starts at the item being written.
-    struct OpenList {
-        MarkdownBlock block; // the final items only
-        qint64 nextNumber = 0;
-        bool parenDelimiter = false;
-    };
+    using SourceSpan = MarkdownRenderer::SourceSpan;
 
-    [[nodiscard]] qsizetype renderEnd() const;
-    void noteReferenceDefinitions(qsizetype from);
     // How the items of the list being written begin: a bullet character, or (null) a number
     // followed by "." or ")".
     struct ListMarker {
@@ -52,20 +46,26 @@ private:
         bool parenDelimiter = false;
     };
 
+    [[nodiscard]] qsizetype renderEnd() const;
+    void noteReferenceDefinitions(qsizetype from);
+    void restart();
+    void renderTail();
+    void parseTail(QStringView tail, QList<MarkdownBlock> &parsed, QList<SourceSpan> &spans) const;
+    void cutTail(QStringView tail, const QList<SourceSpan> &spans, qsizetype first, qsizetype openEntries);
+    void prepareToExtend(const SourceSpan &span, qsizetype spanStart, qsizetype lastLineStart, qsizetype itemStart);
+
     bool extendLastBlock();
     bool finishLastBlock();
+    bool finishParagraph(OpenParagraph &paragraph);
     [[nodiscard]] bool startsSiblingItem(QStringView text) const;
     bool startPlainItem(qsizetype end);
-    void renderTail();
-    void prepareToExtend(const MarkdownRenderer::SourceSpan &span, qsizetype tailStart, qsizetype lineStart,
-                         qsizetype end, qsizetype itemStart);
-    void restart();
+    void commitUpTo(qsizetype tailStart);
 
     QString m_text;
     QList<MarkdownBlock> m_blocks;
-    qsizetype m_stableCount = 0;
+    qsizetype m_stableCount = 0; // an open block counts
     qsizetype m_tailStart = 0;
-    std::optional<OpenList> m_openList;
+    std::optional<OpenBlock> m_openBlock;
     std::variant<std::monostate, OpenCodeBlock, OpenParagraph> m_lastBlock;
     std::optional<ListMarker> m_listMarker;
     // A link reference definition anywhere changes links everywhere, before it too; once

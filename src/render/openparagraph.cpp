@@ -2,6 +2,7 @@
 
 #include "render/blockbuilder.h"
 #include "render/cmarkdocument.h"
+#include "render/linetext.h"
 #include "render/richtextwriter.h"
 
 #include <cstring>
@@ -18,11 +19,6 @@ constexpr qsizetype freezeRetry = 48;
 // private-use character is plain text to cmark and, after white space, joins no word.
 constexpr char16_t marker = 0xe000;
 constexpr const char *markerUtf8 = "\xee\x80\x80";
-
-bool isSpaceOrTab(QChar c)
-{
-    return c == QLatin1Char(' ') || c == QLatin1Char('\t');
-}
 
 QByteArray withMarker(QStringView text)
 {
@@ -86,76 +82,6 @@ cmark_node *soleNode(const CmarkDocument &document)
     return first != nullptr && cmark_node_next(first) == nullptr ? first : nullptr;
 }
 
-// Characters that open a construct, or escape or name one, so text after them must be
-// parsed rather than appended.
-bool opensOrEscapes(QChar c)
-{
-    switch (c.unicode()) {
-    case '*':
-    case '_':
-    case '~':
-    case '`':
-    case '[':
-    case '<':
-    case '\\':
-    case '@':
-    case '&':
-        return true;
-    default:
-        return false;
-    }
-}
-
-// True when the letters at the end of the text name a scheme that cmark-gfm turns into a
-// link when "://" follows it.
-bool endsWithScheme(QStringView text)
-{
-    qsizetype start = text.size();
-    while (start > 0 && text.at(start - 1).isLetter()) {
-        --start;
-    }
-    const QStringView letters = text.sliced(start);
-    for (const char *scheme : {"http", "https", "ftp", "mailto", "xmpp"}) {
-        if (letters.endsWith(QLatin1StringView(scheme), Qt::CaseInsensitive)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-bool hasLetterOrDigit(QStringView text)
-{
-    for (const QChar c : text) {
-        if (c.isLetterOrNumber()) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// Past a list or quote marker, if the line starts with one.
-qsizetype skipContainerMarker(QStringView line, qsizetype at)
-{
-    const QChar c = line.at(at);
-    if (c == QLatin1Char('>')) {
-        return at + 1;
-    }
-    if ((c == QLatin1Char('-') || c == QLatin1Char('*') || c == QLatin1Char('+')) && at + 1 < line.size()
-        && isSpaceOrTab(line.at(at + 1))) {
-        return at + 2;
-    }
-    qsizetype digits = at;
-    while (digits < line.size() && digits - at < 9 && line.at(digits).isDigit()) {
-        ++digits;
-    }
-    if (digits > at && digits + 1 < line.size()
-        && (line.at(digits) == QLatin1Char('.') || line.at(digits) == QLatin1Char(')'))
-        && isSpaceOrTab(line.at(digits + 1))) {
-        return digits + 2;
-    }
-    return at;
-}
-
 } // namespace
 
 OpenParagraph::OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype end, Target target)
@@ -166,72 +92,12 @@ OpenParagraph::OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype
 {
 }
 
-bool OpenParagraph::lineRoleIsFixed(QStringView line)
-{
-    qsizetype at = 0;
-    while (true) {
-        while (at < line.size() && isSpaceOrTab(line.at(at))) {
-            ++at;
-        }
-        if (at >= line.size()) {
-            return false;
-        }
-        const qsizetype content = skipContainerMarker(line, at);
-        if (content == at) {
-            break;
-        }
-        at = content;
-    }
-    const QChar first = line.at(at);
-    if (first.isLetter()) {
-        return true;
-    }
-    qsizetype run = at;
-    while (run < line.size() && line.at(run) == first) {
-        ++run;
-    }
-    if (run >= line.size()) {
-        return false;
-    }
-    const QChar next = line.at(run);
-    switch (first.unicode()) {
-    case '#': // a heading needs at most six marks and then a space
-        return run - at > 6 || !isSpaceOrTab(next);
-    case '`':
-    case '~': // a fence needs three
-        return run - at < 3;
-    case '-':
-    case '*':
-    case '+':
-    case '_':
-    case '=':
-    case '|':
-    case ':': // rules, underlines and table delimiter rows hold no letters
-        return hasLetterOrDigit(line.sliced(at));
-    case '<':
-        return false;
-    case '[': // "[ ] " and "[x] " make a task of a list item
-        return line.size() - at >= 4;
-    default:
-        break;
-    }
-    if (first.isDigit()) {
-        // "12" may still become "12. item"; "2024 was" stays text.
-        qsizetype digits = at;
-        while (digits < line.size() && line.at(digits).isDigit()) {
-            ++digits;
-        }
-        return digits < line.size() && line.at(digits) != QLatin1Char('.') && line.at(digits) != QLatin1Char(')');
-    }
-    return true;
-}
-
 std::optional<OpenParagraph> OpenParagraph::openTopLevel(QStringView text, qsizetype paragraphStart,
                                                          qsizetype lineStart, qsizetype end)
 {
     // A byte order mark would be dropped if the paragraph were parsed on its own.
     if (paragraphStart < 0 || paragraphStart > lineStart || lineStart >= end
-        || text.at(paragraphStart) == QChar(0xfeff) || !lineRoleIsFixed(text.sliced(lineStart, end - lineStart))) {
+        || text.at(paragraphStart) == QChar(0xfeff) || !LineText::roleIsFixed(text.sliced(lineStart, end - lineStart))) {
         return std::nullopt;
     }
     return OpenParagraph(paragraphStart, lineStart, end, Target::BlockText);
@@ -241,7 +107,7 @@ std::optional<OpenParagraph> OpenParagraph::openNested(QStringView text, qsizety
                                                        qsizetype end, Target target)
 {
     if (tailStart < 0 || tailStart > lineStart || lineStart >= end || text.at(tailStart) == QChar(0xfeff)
-        || !lineRoleIsFixed(text.sliced(lineStart, end - lineStart))) {
+        || !LineText::roleIsFixed(text.sliced(lineStart, end - lineStart))) {
         return std::nullopt;
     }
     const qsizetype point = freezePoint(text, tailStart, lineStart, end);
@@ -269,11 +135,11 @@ std::optional<OpenParagraph> OpenParagraph::openNested(QStringView text, qsizety
     return open;
 }
 
-std::optional<OpenParagraph> OpenParagraph::openPlain(QStringView text, qsizetype lineStart, qsizetype contentStart,
-                                                      qsizetype end, Target target, QString &richText)
+std::optional<OpenParagraph> OpenParagraph::openLine(QStringView text, qsizetype lineStart, qsizetype contentStart,
+                                                     qsizetype end, Target target, QString &richText)
 {
-    if (contentStart < lineStart || contentStart >= end || !text.at(contentStart).isLetter()
-        || !lineRoleIsFixed(text.sliced(lineStart, end - lineStart))) {
+    if (contentStart < lineStart || contentStart + 1 >= end || !LineText::startsText(text.sliced(contentStart))
+        || !LineText::roleIsFixed(text.sliced(lineStart, end - lineStart))) {
         return std::nullopt;
     }
     for (qsizetype at = contentStart; at < end; ++at) {
@@ -284,10 +150,24 @@ std::optional<OpenParagraph> OpenParagraph::openPlain(QStringView text, qsizetyp
     OpenParagraph open(contentStart, lineStart, contentStart, target);
     open.m_liveEnd = contentStart;
     open.m_liveClean = true;
-    if (!open.canAppendPlainly(text, end)) {
-        return std::nullopt;
+    if (open.canAppendPlainly(text, end)) {
+        open.appendPlainly(text, end);
+    } else {
+        const CmarkDocument line(text.sliced(contentStart, end - contentStart).toUtf8(),
+                                 CmarkDocument::Extensions::Inline);
+        cmark_node *paragraph = soleNode(line);
+        if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH) {
+            return std::nullopt;
+        }
+        qsizetype content = end;
+        while (content > contentStart && LineText::isSpaceOrTab(text.at(content - 1))) {
+            --content;
+        }
+        open.m_live = RichTextWriter::inlines(paragraph);
+        open.m_liveSpace = text.sliced(content, end - content).toString();
+        open.m_liveEnd = end;
+        open.m_liveClean = isClean(paragraph);
     }
-    open.appendPlainly(text, end);
     open.m_checked = end;
     richText = open.m_live;
     return open;
@@ -300,7 +180,7 @@ qsizetype OpenParagraph::freezePoint(QStringView text, qsizetype from, qsizetype
 {
     const qsizetype lowest = qMax(from, lineStart) + 1;
     for (qsizetype point = end - 1; point >= lowest; --point) {
-        if (isSpaceOrTab(text.at(point - 1)) && text.at(point).isLetter()) {
+        if (LineText::isSpaceOrTab(text.at(point - 1)) && text.at(point).isLetter()) {
             return point;
         }
     }
@@ -346,7 +226,7 @@ std::optional<QString> OpenParagraph::extend(QStringView text, qsizetype end)
             return std::nullopt;
         }
         qsizetype content = end;
-        while (content > m_liveStart && isSpaceOrTab(text.at(content - 1))) {
+        while (content > m_liveStart && LineText::isSpaceOrTab(text.at(content - 1))) {
             --content;
         }
         m_live = RichTextWriter::inlines(paragraph);
@@ -354,22 +234,46 @@ std::optional<QString> OpenParagraph::extend(QStringView text, qsizetype end)
         m_liveEnd = end;
         m_liveClean = isClean(paragraph);
     }
-    QString rich = m_head + m_live + m_tail;
+    QString rich;
+    rich.reserve(m_head.size() + m_live.size() + m_tail.size());
+    rich += m_head;
+    rich += m_live;
+    rich += m_tail;
     tryFreeze(text, end);
     return rich;
 }
 
 void OpenParagraph::appendPlainly(QStringView text, qsizetype end)
 {
-    QString added = m_liveSpace;
-    added += text.sliced(m_liveEnd, end - m_liveEnd);
-    qsizetype content = added.size();
-    while (content > 0 && isSpaceOrTab(added.at(content - 1))) {
+    qsizetype content = end;
+    while (content > m_liveEnd && LineText::isSpaceOrTab(text.at(content - 1))) {
         --content;
     }
-    m_liveSpace = added.sliced(content);
-    added.truncate(content);
-    m_live += added.toHtmlEscaped();
+    if (content > m_liveEnd) {
+        // The white space held back before shows now that text follows it.
+        m_live += m_liveSpace;
+        m_liveSpace.clear();
+        for (const QChar c : text.sliced(m_liveEnd, content - m_liveEnd)) {
+            switch (c.unicode()) {
+            case '&':
+                m_live += QLatin1StringView("&amp;");
+                break;
+            case '<':
+                m_live += QLatin1StringView("&lt;");
+                break;
+            case '>':
+                m_live += QLatin1StringView("&gt;");
+                break;
+            case '"':
+                m_live += QLatin1StringView("&quot;");
+                break;
+            default:
+                m_live += c;
+                break;
+            }
+        }
+    }
+    m_liveSpace += text.sliced(content, end - content);
     m_liveEnd = end;
 }
 
@@ -383,9 +287,9 @@ void OpenParagraph::freezeAtWord(QStringView text, qsizetype end)
     }
     qsizetype point = -1;
     for (qsizetype at = qMax(m_liveEnd, m_lineStart + 1); at < end; ++at) {
-        if (isSpaceOrTab(text.at(at - 1)) && text.at(at).isLetter()) {
+        if (LineText::isSpaceOrTab(text.at(at - 1)) && text.at(at).isLetter()) {
             point = at;
-        } else if (opensOrEscapes(text.at(at))) {
+        } else if (LineText::opensOrEscapes(text.at(at))) {
             break;
         }
     }
@@ -446,7 +350,7 @@ bool OpenParagraph::canAppendPlainly(QStringView text, qsizetype end) const
             return false;
         case ':':
             // Only a scheme such as "https" right before it makes an address of what follows.
-            if (endsWithScheme(text.sliced(wordStart, at - wordStart))) {
+            if (LineText::endsWithScheme(text.sliced(wordStart, at - wordStart))) {
                 return false;
             }
             break;

@@ -28,12 +28,12 @@ public:
     [[nodiscard]] static std::optional<OpenParagraph> openNested(QStringView text, qsizetype tailStart,
                                                                  qsizetype lineStart, qsizetype end, Target target);
 
-    // A paragraph whose first line, from contentStart to end, is plain text starting with
-    // a letter (no markup, no address, no escape): its rich text is known without a parse.
-    // lineStart: where the line begins (list marker included). Sets richText.
-    [[nodiscard]] static std::optional<OpenParagraph> openPlain(QStringView text, qsizetype lineStart,
-                                                                qsizetype contentStart, qsizetype end, Target target,
-                                                                QString &richText);
+    // A paragraph that has just begun, on the line from lineStart (list marker included)
+    // whose content, from contentStart to end, is paragraph text: its rich text comes from
+    // that content alone, without the blocks around it. Sets richText.
+    [[nodiscard]] static std::optional<OpenParagraph> openLine(QStringView text, qsizetype lineStart,
+                                                               qsizetype contentStart, qsizetype end, Target target,
+                                                               QString &richText);
 
     [[nodiscard]] Target target() const { return m_target; }
 
@@ -49,9 +49,6 @@ public:
     // the paragraph ends there, and where the next line begins.
     [[nodiscard]] std::optional<LineEnd> endLine(QStringView text, qsizetype end);
 
-    // True when the line's block role is settled: whatever is appended, it stays text of
-    // the paragraph (its list and quote markers, if any, included).
-    [[nodiscard]] static bool lineRoleIsFixed(QStringView line);
 
 private:
     OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype end, Target target);
