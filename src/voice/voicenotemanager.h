@@ -1,0 +1,78 @@
+#pragma once
+
+#include "settings/preferences.h"
+#include "voice/voicenote.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace zentrik {
+
+// The user's voice notes, newest first, kept as a JSON array under "voiceNotes" in the
+// preferences and written back after every change.
+//
+// Nothing is ever lost. Every change starts from what is stored at that moment, so notes
+// that another window or the command line added meanwhile survive. A stored list that
+// cannot be read in full is copied, untouched, to a backup key of its own before anything
+// is written over it; the notes that could be read are kept, and unreadableBackupKey()
+// names where the original went.
+class VoiceNoteManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr const char *storageKey = "voiceNotes";
+    // The first backup goes here, later ones (should the list break again) to
+    // "voiceNotesBackup2", "voiceNotesBackup3", …; an existing backup is never replaced.
+    static constexpr const char *backupKeyPrefix = "voiceNotesBackup";
+
+    explicit VoiceNoteManager(QObject *parent = nullptr);
+    ~VoiceNoteManager() override;
+
+    [[nodiscard]] const QList<VoiceNote> &notes() const { return m_notes; }
+    [[nodiscard]] std::optional<VoiceNote> note(const QString &id) const;
+
+    // Puts the note at the front of the list.
+    void add(const VoiceNote &note);
+    // Replaces the note of the same id in place; false when there is none.
+    bool replace(const VoiceNote &note);
+    bool remove(const QString &id);
+
+    // The notes whose title or transcription contains text, ignoring case, in list order;
+    // every note for a text that is empty or only white space.
+    [[nodiscard]] QList<VoiceNote> search(const QString &text) const;
+    [[nodiscard]] static bool matches(const VoiceNote &note, const QString &text);
+
+    // Reads the stored list again (another process may have changed it).
+    void reload();
+
+    // Where the stored list went when it could not be read in full; empty when it could.
+    [[nodiscard]] QString unreadableBackupKey() const { return m_unreadableBackupKey; }
+    // The preferences file the list and its backups are kept in.
+    [[nodiscard]] QString storageFileName() const { return m_preferences.fileName(); }
+
+Q_SIGNALS:
+    void notesChanged();
+    // The stored list could not be read in full and was kept aside under backupKey.
+    void unreadableNotesFound(const QString &backupKey);
+
+private:
+    // Reads the stored list, setting aside anything that cannot be read.
+    [[nodiscard]] QList<VoiceNote> load();
+    // Copies the unreadable bytes to a backup key, unless one already holds them.
+    void keepAside(const QByteArray &stored);
+    // Applies the change to the list as stored now, writes it and publishes it.
+    bool change(const std::function<bool(QList<VoiceNote> &notes)> &edit);
+    void store(const QList<VoiceNote> &notes);
+    void publish(const QList<VoiceNote> &notes);
+
+    Preferences m_preferences;
+    QList<VoiceNote> m_notes;
+    QString m_unreadableBackupKey;
+};
+
+} // namespace zentrik

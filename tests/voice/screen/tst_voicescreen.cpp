@@ -1,0 +1,226 @@
+#include <QtTest>
+
+#include <QAudioDevice>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMediaDevices>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include "../configdir.h"
+#include "app/zentrikapp.h"
+#include "support/testregistry.h"
+#include "voice/voicenotesviewmodel.h"
+
+Q_IMPORT_QML_PLUGIN(ZentrikPlugin)
+
+using namespace zentrik;
+
+namespace {
+
+QList<QObject *> allObjects(QObject *root)
+{
+    QList<QObject *> found;
+    QList<QObject *> pending { root };
+    while (!pending.isEmpty()) {
+        QObject *object = pending.takeFirst();
+        if (object == nullptr || found.contains(object)) {
+            continue;
+        }
+        found.append(object);
+        pending.append(object->children());
+        if (auto *item = qobject_cast<QQuickItem *>(object)) {
+            for (QQuickItem *child : item->childItems()) {
+                pending.append(child);
+            }
+        }
+    }
+    return found;
+}
+
+QList<QQuickItem *> visibleItems(QQuickView &view, const QString &objectName)
+{
+    QList<QQuickItem *> items;
+    for (QObject *object : allObjects(view.contentItem())) {
+        auto *item = qobject_cast<QQuickItem *>(object);
+        if (item != nullptr && item->objectName() == objectName && item->isVisible()) {
+            items.append(item);
+        }
+    }
+    return items;
+}
+
+QQuickItem *visibleItem(QQuickView &view, const QString &objectName)
+{
+    const QList<QQuickItem *> items = visibleItems(view, objectName);
+    return items.size() == 1 ? items.first() : nullptr;
+}
+
+bool click(QQuickView &view, QQuickItem *item)
+{
+    if (item == nullptr || !item->isVisible() || !item->isEnabled()) {
+        return false;
+    }
+    const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QTest::mouseClick(&view, Qt::LeftButton, {}, centre.toPoint());
+    return true;
+}
+
+} // namespace
+
+// The voice notes screen, loaded on its own in a window, driven by clicks and typing.
+
+namespace {
+// QTest::keyClicks exists only for widgets; a window gets one key press per character.
+void typeInto(QWindow *window, const QString &text)
+{
+    for (const QChar character : text) {
+        QTest::keyClick(window, character.toLatin1());
+    }
+}
+} // namespace
+
+class TestVoiceScreen : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<ConfigDir> m_config;
+    std::unique_ptr<QQuickView> m_view;
+    VoiceNotesViewModel *m_voiceNotes = nullptr;
+
+    bool load()
+    {
+        m_view = std::make_unique<QQuickView>();
+        m_view->engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
+        m_view->resize(1000, 1400);
+        QQmlComponent component(m_view->engine());
+        component.setData("import QtQuick\nimport Zentrik\nVoiceNotesView { anchors.fill: parent }", QUrl());
+        auto *screen = qobject_cast<QQuickItem *>(component.create());
+        if (screen == nullptr) {
+            qWarning() << component.errorString();
+            return false;
+        }
+        screen->setParent(m_view.get());
+        screen->setParentItem(m_view->contentItem());
+        m_view->show();
+        for (QObject *object : allObjects(screen)) {
+            if (object->objectName() == QStringLiteral("voiceNotesViewModel")) {
+                m_voiceNotes = qobject_cast<VoiceNotesViewModel *>(object);
+            }
+        }
+        return m_voiceNotes != nullptr && QTest::qWaitForWindowExposed(m_view.get());
+    }
+
+    // The text of a visible item; empty while the item is hidden, so QTRY_COMPARE can wait for it.
+    QString text(const QString &objectName)
+    {
+        QQuickItem *item = visibleItem(*m_view, objectName);
+        return item != nullptr ? item->property("text").toString() : QString();
+    }
+
+private Q_SLOTS:
+    void initTestCase() { ZentrikApp::configureApplication(); }
+
+    void init()
+    {
+        m_config = std::make_unique<ConfigDir>();
+        VoiceNoteManager seed;
+        seed.add(VoiceNote::create(QStringLiteral("Groceries"), QStringLiteral("Oat milk and bread")));
+        seed.add(VoiceNote::create(QStringLiteral("Dentist"), QStringLiteral("Tuesday at nine")));
+        QVERIFY(load());
+    }
+
+    void cleanup()
+    {
+        m_view.reset();
+        m_voiceNotes = nullptr;
+        m_config.reset();
+    }
+
+    void showsTheNotesAndTheRecordingHint()
+    {
+        QCOMPARE(text("recordingStatus"), QStringLiteral("Click the microphone to start recording"));
+        QCOMPARE(visibleItems(*m_view, "copyNoteButton").size(), 2);
+        QVERIFY(visibleItem(*m_view, "emptyNotesLabel") == nullptr);
+        const bool microphone = !QMediaDevices::audioInputs().isEmpty();
+        QCOMPARE(visibleItem(*m_view, "noMicrophoneNotice") != nullptr, !microphone);
+        QCOMPARE(visibleItem(*m_view, "recordButton")->isEnabled(), microphone);
+    }
+
+    void searchNarrowsTheList()
+    {
+        QQuickItem *search = visibleItem(*m_view, "searchField");
+        QCOMPARE(search->property("placeholderText").toString(), QStringLiteral("Search notes"));
+        QVERIFY(click(*m_view, search));
+        typeInto(m_view.get(), QStringLiteral("MILK"));
+        QTRY_COMPARE(visibleItems(*m_view, "copyNoteButton").size(), 1);
+        typeInto(m_view.get(), QStringLiteral("zzz"));
+        QTRY_COMPARE(text("emptyNotesLabel"), QStringLiteral("No notes match your search."));
+    }
+
+    void editorSavesAndCancels()
+    {
+        QVERIFY(click(*m_view, visibleItems(*m_view, "editNoteButton").first()));
+        QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") != nullptr);
+        QCOMPARE(text("noteTitleField"), QStringLiteral("Dentist"));
+        QVERIFY(click(*m_view, visibleItem(*m_view, "cancelEditButton")));
+        QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") == nullptr);
+
+        QVERIFY(click(*m_view, visibleItems(*m_view, "editNoteButton").first()));
+        QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") != nullptr);
+        QQuickItem *title = visibleItem(*m_view, "noteTitleField");
+        QVERIFY(click(*m_view, title));
+        QTest::keySequence(m_view.get(), QKeySequence::SelectAll);
+        typeInto(m_view.get(), QStringLiteral("Dentist moved"));
+        QVERIFY(click(*m_view, visibleItem(*m_view, "saveEditButton")));
+        QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") == nullptr);
+        QCOMPARE(VoiceNoteManager().notes().first().title, QStringLiteral("Dentist moved"));
+        QCOMPARE(VoiceNoteManager().notes().first().transcription, QStringLiteral("Tuesday at nine"));
+    }
+
+    void deleteAsksFirst()
+    {
+        QVERIFY(click(*m_view, visibleItems(*m_view, "deleteNoteButton").first()));
+        QTRY_VERIFY(visibleItem(*m_view, "cancelDeleteButton") != nullptr);
+        QVERIFY(click(*m_view, visibleItem(*m_view, "cancelDeleteButton")));
+        QTRY_VERIFY(visibleItem(*m_view, "cancelDeleteButton") == nullptr);
+        QCOMPARE(m_voiceNotes->noteCount(), 2);
+
+        QVERIFY(click(*m_view, visibleItems(*m_view, "deleteNoteButton").first()));
+        QTRY_VERIFY(visibleItem(*m_view, "confirmDeleteButton") != nullptr);
+        QVERIFY(click(*m_view, visibleItem(*m_view, "confirmDeleteButton")));
+        QTRY_COMPARE(visibleItems(*m_view, "copyNoteButton").size(), 1);
+        QCOMPARE(VoiceNoteManager().notes().first().title, QStringLiteral("Groceries"));
+    }
+
+    void copiesATranscription()
+    {
+        QGuiApplication::clipboard()->clear();
+        QVERIFY(click(*m_view, visibleItems(*m_view, "copyNoteButton").last()));
+        QTRY_COMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("Oat milk and bread"));
+    }
+
+    void showsProcessingThenTheError()
+    {
+        const QString path = m_config->path() + QStringLiteral("/memo.m4a");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("audio");
+        file.close();
+        APIManager manager; // no OpenAI key in this scratch configuration
+        m_voiceNotes->setApiManager(&manager);
+        m_voiceNotes->processRecording(path);
+        QCOMPARE(text("recordingStatus"), QStringLiteral("Transcribing your recording..."));
+        QTRY_COMPARE(text("voiceNotesError"),
+            QStringLiteral("Transcription failed: API key is missing. Please add it in Settings."));
+        QVERIFY(visibleItem(*m_view, "retryButton") != nullptr);
+        QCOMPARE(text("recordingStatus"), QStringLiteral("Click the microphone to start recording"));
+        QCOMPARE(visibleItems(*m_view, "copyNoteButton").size(), 2);
+    }
+};
+
+ZENTRIK_TEST(TestVoiceScreen)
+#include "tst_voicescreen.moc"
