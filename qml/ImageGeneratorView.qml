@@ -1,0 +1,123 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Zentrik
+
+// The image studio: a prompt, a size, Generate, the picture with Save, and examples to start
+// from. Everything it shows comes from its ImageGeneratorViewModel.
+ScrollingPage {
+    id: page
+
+    objectName: "imageGeneratorView"
+    maxContentWidth: 900
+
+    ImageGeneratorViewModel {
+        id: studio
+        objectName: "imageGeneratorViewModel"
+        apiManager: APIManager
+        onCopyRequested: text => {
+            copier.text = text;
+            copier.copy();
+        }
+    }
+
+    ClipboardCopier {
+        id: copier
+        cleanUp: false
+    }
+
+    ScreenHeading {
+        Layout.fillWidth: true
+        title: qsTr("Image Creation Studio")
+        symbol: "photo"
+        subtitle: qsTr("Describe a picture and let the selected image model draw it.")
+    }
+
+    Label {
+        text: qsTr("Enter your prompt:")
+        font.bold: true
+    }
+
+    ScrollView {
+        Layout.fillWidth: true
+        Layout.preferredHeight: 110
+
+        TextArea {
+            id: promptField
+            objectName: "promptField"
+            text: studio.prompt
+            placeholderText: qsTr("A watercolour of a lighthouse on a cliff at dawn")
+            wrapMode: TextEdit.Wrap
+            Accessible.name: qsTr("Prompt")
+            onTextChanged: if (text !== studio.prompt) studio.prompt = text
+        }
+    }
+
+    ImageSizePicker {
+        Layout.fillWidth: true
+        labels: studio.sizeLabels
+        selectedIndex: studio.selectedSize
+        onPicked: index => studio.selectedSize = index
+    }
+
+    RowLayout {
+        spacing: 12
+
+        Button {
+            objectName: "generateButton"
+            text: studio.isGenerating ? qsTr("Generating…") : qsTr("Generate Image")
+            highlighted: true
+            enabled: studio.canGenerate
+            onClicked: studio.generate()
+        }
+        BusyIndicator {
+            Layout.preferredWidth: 32
+            Layout.preferredHeight: 32
+            visible: studio.isGenerating
+            running: visible
+        }
+        Label {
+            objectName: "progressLabel"
+            Layout.fillWidth: true
+            text: studio.progressText
+            color: Theme.secondaryTextColor
+            elide: Text.ElideRight
+        }
+    }
+
+    NoticeBanner {
+        objectName: "imageError"
+        Layout.fillWidth: true
+        visible: studio.errorMessage.length > 0
+        text: studio.errorMessage
+    }
+
+    ImageGeneratorPreview {
+        Layout.fillWidth: true
+        source: studio.imageUrl
+        pictureSize: studio.imageSize
+        busy: studio.isGenerating
+        onSaveRequested: saveDialog.open()
+    }
+
+    ImageExampleList {
+        Layout.fillWidth: true
+        examples: studio.examplePrompts
+        expanded: studio.showExamples
+        copiedIndex: studio.copiedPromptIndex
+        onToggled: studio.toggleExamples()
+        onCopyRequested: index => studio.copyExample(index)
+    }
+
+    FileDialog {
+        id: saveDialog
+        objectName: "saveDialog"
+        title: qsTr("Save Image")
+        fileMode: FileDialog.SaveFile
+        defaultSuffix: "png"
+        nameFilters: [qsTr("PNG images (*.png)")]
+        selectedFile: studio.suggestedFileUrl
+        onAccepted: studio.save(selectedFile)
+    }
+}

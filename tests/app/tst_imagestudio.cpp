@@ -1,0 +1,173 @@
+#include "app/licensegate.h"
+#include "app/zentrikapp.h"
+#include "model/imagecodec.h"
+#include "support/fakeprovider.h"
+#include "support/testregistry.h"
+#include "tools/imagegeneratorviewmodel.h"
+#include "windowharness.h"
+
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace zentrik;
+using namespace zentrik::test;
+
+namespace {
+
+const QString freeModel = QStringLiteral("black-forest-labs/FLUX.1-schnell-Free");
+
+// A 64 × 48 picture: red grows to the right, green downwards.
+QByteArray picture()
+{
+    Bitmap bitmap { 64, 48, 3, QByteArray(64 * 48 * 3, '\0') };
+    for (int y = 0; y < 48; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            char *pixel = bitmap.pixels.data() + (y * 64 + x) * 3;
+            pixel[0] = char(x * 4);
+            pixel[1] = char(y * 5);
+            pixel[2] = char(128);
+        }
+    }
+    return ImageCodec::encodePng(bitmap);
+}
+
+} // namespace
+
+// The image studio in the real window: opened from the sidebar, driven by mouse and
+// keyboard, generating with the free model against a fake Together service.
+class ImageStudioWindowTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<ScopedConfigDir> m_config;
+    std::unique_ptr<QTemporaryDir> m_tmp;
+    std::unique_ptr<FakeProvider> m_fake;
+    QByteArray m_previousTmp;
+
+    // Starts the window on the image studio, with the free model selected and a Together key.
+    std::unique_ptr<ZentrikApp> openStudio(ImageGeneratorViewModel *&studio)
+    {
+        auto app = startApp();
+        if (!app || !click(findItem(app->window(), QStringLiteral("sidebar:Image Creation Studio")))) {
+            return nullptr;
+        }
+        if (!QTest::qWaitFor([&] { return findItem(app->window(), QStringLiteral("imageGeneratorView")) != nullptr; })) {
+            return nullptr;
+        }
+        studio = qobject_cast<ImageGeneratorViewModel *>(
+            findObject(app->window(), QStringLiteral("imageGeneratorViewModel")));
+        if (!studio || !studio->apiManager()) {
+            return nullptr;
+        }
+        studio->apiManager()->setSelectedImageModel(freeModel);
+        studio->apiManager()->overrideTogetherKey(QStringLiteral("together-test-key"));
+        return app;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_config = std::make_unique<ScopedConfigDir>();
+        m_tmp = std::make_unique<QTemporaryDir>();
+        m_fake = std::make_unique<FakeProvider>();
+        qputenv(LicenseGate::urlVariable, QByteArray());
+        qputenv("ZENTRIK_TOGETHER_BASE_URL", m_fake->baseUrl().toString().toUtf8());
+        m_previousTmp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", m_tmp->path().toUtf8());
+    }
+
+    void cleanup()
+    {
+        if (m_previousTmp.isEmpty()) {
+            qunsetenv("TMPDIR");
+        } else {
+            qputenv("TMPDIR", m_previousTmp);
+        }
+        qunsetenv("ZENTRIK_TOGETHER_BASE_URL");
+        qunsetenv(LicenseGate::urlVariable);
+        m_fake.reset();
+        m_tmp.reset();
+        m_config.reset();
+    }
+
+    void generatesWithTheFreeModelAndShowsThePicture()
+    {
+        m_fake->on("POST", "/v1/images/generations",
+            ScriptedReply::json("{\"data\":[{\"index\":0,\"b64_json\":\"" + picture().toBase64() + "\"}]}"));
+        ImageGeneratorViewModel *studio = nullptr;
+        const auto app = openStudio(studio);
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        QCOMPARE(window->title(), QStringLiteral("Zentrik — Image Creation Studio"));
+        for (const QString &text : { QStringLiteral("Enter your prompt:"), QStringLiteral("Select Image Size"),
+                 QStringLiteral("Examples You Can Use"), QStringLiteral("256x256") }) {
+            QVERIFY2(visibleTexts(window).contains(text), qPrintable(text));
+        }
+
+        QQuickItem *generate = findItem(window, QStringLiteral("generateButton"));
+        QVERIFY(generate);
+        QVERIFY(!generate->isEnabled());
+        QVERIFY(click(findItem(window, QStringLiteral("promptField"))));
+        typeText(window, QStringLiteral("A red fox"));
+        QCOMPARE(studio->prompt(), QStringLiteral("A red fox"));
+        QTRY_VERIFY(generate->isEnabled());
+        QVERIFY(click(findItem(window, QStringLiteral("size_256x256"))));
+        QCOMPARE(studio->selectedSize(), ImageGeneratorViewModel::ImageSize::small);
+        QVERIFY(click(generate));
+
+        QQuickItem *image = findItem(window, QStringLiteral("generatedImage"));
+        QVERIFY(image);
+        // Image.Ready
+        QTRY_COMPARE_WITH_TIMEOUT(image->property("status").toInt(), 1, 10000);
+        const QUrl source = image->property("source").toUrl();
+        QVERIFY(source.isLocalFile());
+        QCOMPARE(QFileInfo(source.toLocalFile()).absolutePath(), QDir(m_tmp->path()).absolutePath());
+        QCOMPARE(image->property("sourceSize").toSize(), QSize(64, 48));
+        QVERIFY(image->isVisible() && image->width() > 0);
+        QTRY_VERIFY(visibleTexts(window).contains(QStringLiteral("64 × 48 pixels")));
+        QVERIFY(findItem(window, QStringLiteral("saveButton"))->isVisible());
+        QVERIFY(generate->isEnabled());
+
+        const RecordedRequest request = m_fake->lastRequest();
+        QCOMPARE(request.header("Authorization"), "Bearer together-test-key");
+        QCOMPARE(request.json().object().value(QLatin1String("model")).toString(), freeModel);
+        QCOMPARE(request.json().object().value(QLatin1String("prompt")).toString(), QStringLiteral("A red fox"));
+        QCOMPARE(request.json().object().value(QLatin1String("width")).toInt(), 1024);
+    }
+
+    void showsTheErrorAndKeepsThePrompt()
+    {
+        m_fake->on("POST", "/v1/images/generations", ScriptedReply::json(R"({"data":[]})"));
+        ImageGeneratorViewModel *studio = nullptr;
+        const auto app = openStudio(studio);
+        QVERIFY(app);
+        studio->setPrompt(QStringLiteral("A harbour at night"));
+        QVERIFY(click(findItem(app->window(), QStringLiteral("generateButton"))));
+        QTRY_VERIFY(visibleTexts(app->window()).contains(QStringLiteral("Invalid response received from the server.")));
+        QCOMPARE(findItem(app->window(), QStringLiteral("promptField"))->property("text").toString(),
+            QStringLiteral("A harbour at night"));
+        QVERIFY(!findItem(app->window(), QStringLiteral("saveButton"))->isVisible());
+    }
+
+    void copiesAnExampleIntoThePromptField()
+    {
+        ImageGeneratorViewModel *studio = nullptr;
+        const auto app = openStudio(studio);
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        QVERIFY(!findItem(window, QStringLiteral("copyExample_Book Cover")));
+        QVERIFY(click(findItem(window, QStringLiteral("examplesToggle"))));
+        QTRY_VERIFY(findItem(window, QStringLiteral("copyExample_Book Cover")));
+        QVERIFY(visibleTexts(window).contains(QStringLiteral("E-commerce Banner")));
+        QVERIFY(click(findItem(window, QStringLiteral("copyExample_Book Cover"))));
+        const QString text = findItem(window, QStringLiteral("promptField"))->property("text").toString();
+        QVERIFY2(text.startsWith(QLatin1String("Design a captivating book cover for a fantasy novel")), qPrintable(text));
+        QCOMPARE(studio->copiedPromptIndex(), 4);
+    }
+};
+
+ZENTRIK_TEST(ImageStudioWindowTest)
+
+#include "tst_imagestudio.moc"
