@@ -20,6 +20,7 @@ ColumnLayout {
     }
 
     TextField {
+        objectName: field.fieldData.type === "text" ? "field:" + field.fieldData.label : ""
         visible: field.fieldData.type === "text"
         Layout.fillWidth: true
         placeholderText: field.fieldData.placeholder
@@ -33,6 +34,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.preferredHeight: 110
         TextArea {
+            objectName: field.fieldData.type === "textarea" ? "field:" + field.fieldData.label : ""
             placeholderText: field.fieldData.placeholder
             text: field.value
             wrapMode: TextEdit.Wrap
@@ -42,6 +44,7 @@ ColumnLayout {
     }
 
     ComboBox {
+        objectName: field.fieldData.type === "select" ? "field:" + field.fieldData.label : ""
         visible: field.fieldData.type === "select"
         Layout.fillWidth: true
         model: field.fieldData.options

@@ -13,28 +13,28 @@ Item {
     objectName: "pdfChatView"
 
     PdfChatViewModel {
-        id: chat
+        id: pdfChat
         objectName: "pdfChatViewModel"
         apiManager: APIManager
     }
 
     PdfDocument {
-        id: document
-        source: chat.source
+        id: pdfDocument
+        source: pdfChat.source
     }
 
     FileDialog {
         id: openDialog
         title: qsTr("Open a PDF")
         nameFilters: [qsTr("PDF documents (*.pdf)")]
-        onAccepted: chat.open(selectedFile)
+        onAccepted: pdfChat.open(selectedFile)
     }
 
     DropArea {
         anchors.fill: parent
         onDropped: drop => {
             if (drop.hasUrls) {
-                chat.open(drop.urls[0])
+                pdfChat.open(drop.urls[0])
             }
         }
     }
@@ -51,14 +51,14 @@ Item {
                 id: pageView
                 objectName: "pdfPageView"
                 anchors.fill: parent
-                visible: chat.hasDocument
-                document: document
-                onCurrentPageChanged: chat.currentPage = currentPage
+                visible: pdfChat.hasDocument
+                document: pdfDocument
+                onCurrentPageChanged: pdfChat.currentPage = currentPage
             }
 
             ColumnLayout {
                 anchors.centerIn: parent
-                visible: !chat.hasDocument
+                visible: !pdfChat.hasDocument
                 spacing: 12
                 SymbolIcon {
                     Layout.alignment: Qt.AlignHCenter
@@ -77,18 +77,18 @@ Item {
         PdfChatPanel {
             SplitView.fillWidth: true
             SplitView.minimumWidth: 360
-            chat: chat
+            chat: pdfChat
             onOpenRequested: openDialog.open()
             onPageRequested: number => {
-                chat.currentPage = number - 1
+                pdfChat.currentPage = number - 1
                 pageView.goToPage(number - 1)
             }
         }
     }
 
     PiiAlertView {
-        alert: chat.piiAlertVM
-        onSendOriginal: chat.sendOriginal()
-        onSendRedacted: chat.sendRedacted()
+        alert: pdfChat.piiAlertVM
+        onSendOriginal: pdfChat.sendOriginal()
+        onSendRedacted: pdfChat.sendRedacted()
     }
 }

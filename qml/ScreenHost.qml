@@ -12,7 +12,17 @@ Loader {
         "categoryGrid": categoryView,
         "agentDetail": agentDetailView,
         "toolNotImplemented": toolNotImplementedView,
-        "settings": settingsView
+        "settings": settingsView,
+        "voiceNotes": voiceNotesView,
+        "askMeAnything": askMeAnythingView,
+        "pdfChat": pdfChatView,
+        "marketingGenerator": marketingView,
+        "salesGenerator": salesView,
+        "customerSupportGenerator": supportView,
+        "humanResourcesGenerator": hrView,
+        "codeDebugger": debuggerView,
+        "sampleDataGenerator": sampleDataView,
+        "imageStudio": imageStudioView
     })
 
     objectName: "screenHost"
@@ -50,9 +60,75 @@ Loader {
     }
 
     Component {
+        id: imageStudioView
+        ImageGeneratorView {}
+    }
+
+    Component {
         id: pendingView
         PendingToolView {
             navigation: host.navigation
         }
+    }
+
+    Component {
+        id: askMeAnythingView
+        AskMeAnythingView {}
+    }
+
+    Component {
+        id: pdfChatView
+        PdfChatView {}
+    }
+
+    Component {
+        id: marketingView
+        GeneratorView {
+            navigation: host.navigation
+            family: "marketing"
+        }
+    }
+
+    Component {
+        id: salesView
+        GeneratorView {
+            navigation: host.navigation
+            family: "sales"
+        }
+    }
+
+    Component {
+        id: supportView
+        GeneratorView {
+            navigation: host.navigation
+            family: "customer-support"
+        }
+    }
+
+    Component {
+        id: hrView
+        GeneratorView {
+            navigation: host.navigation
+            family: "human-resources"
+        }
+    }
+
+    Component {
+        id: debuggerView
+        DevToolView {
+            tool: "debugger"
+        }
+    }
+
+    Component {
+        id: sampleDataView
+        DevToolView {
+            tool: "sampleData"
+        }
+    }
+
+    Component {
+        id: voiceNotesView
+        VoiceNotesView {}
     }
 }

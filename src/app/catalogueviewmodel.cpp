@@ -12,10 +12,10 @@ namespace {
 QVariantMap agentMap(const AIAgent &agent)
 {
     return {
-        {QStringLiteral("title"), agent.title},
-        {QStringLiteral("description"), agent.description},
-        {QStringLiteral("icon"), agent.icon},
-        {QStringLiteral("color"), agent.color},
+        { QStringLiteral("title"), agent.title },
+        { QStringLiteral("description"), agent.description },
+        { QStringLiteral("icon"), agent.icon },
+        { QStringLiteral("color"), agent.color },
     };
 }
 
@@ -27,9 +27,9 @@ QVariantMap categoryMap(const Category &category)
         agents.append(agentMap(agent));
     }
     return {
-        {QStringLiteral("name"), category.name},
-        {QStringLiteral("icon"), category.icon},
-        {QStringLiteral("agents"), agents},
+        { QStringLiteral("name"), category.name },
+        { QStringLiteral("icon"), category.icon },
+        { QStringLiteral("agents"), agents },
     };
 }
 
@@ -37,8 +37,7 @@ QVariantMap categoryMap(const Category &category)
 
 CatalogueViewModel::CatalogueViewModel(QObject *parent)
     : QObject(parent)
-{
-}
+{ }
 
 QVariantList CatalogueViewModel::categories() const
 {
@@ -56,11 +55,11 @@ QVariantList CatalogueViewModel::promptOptions() const
 {
     QVariantList list;
     for (const PromptOption &option : AssistantCatalogue::promptOptions()) {
-        list.append(QVariantMap{
-            {QStringLiteral("icon"), option.icon},
-            {QStringLiteral("text"),
-             QCoreApplication::translate("zentrik::AssistantCatalogue", option.text.toUtf8().constData())},
-            {QStringLiteral("destination"), option.destination},
+        list.append(QVariantMap {
+            { QStringLiteral("icon"), option.icon },
+            { QStringLiteral("text"),
+                QCoreApplication::translate("zentrik::AssistantCatalogue", option.text.toUtf8().constData()) },
+            { QStringLiteral("destination"), option.destination },
         });
     }
     return list;

@@ -6,8 +6,7 @@ namespace zentrik {
 
 ContentViewModel::ContentViewModel(QObject *parent)
     : QObject(parent)
-{
-}
+{ }
 
 void ContentViewModel::select(const std::optional<NavigationItem> &item)
 {

@@ -17,7 +17,8 @@ class QQmlEngine;
 namespace zentrik {
 
 // The shared model-access object: one per engine, living as long as the window.
-struct APIManagerForeign {
+struct APIManagerForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::APIManager)
     QML_NAMED_ELEMENT(APIManager)
@@ -28,21 +29,24 @@ public:
 };
 
 // Created by the settings screen and given the shared APIManager.
-struct SettingsViewModelForeign {
+struct SettingsViewModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::SettingsViewModel)
     QML_NAMED_ELEMENT(SettingsViewModel)
 };
 
 // One per tool screen that asks before sending personal information.
-struct PiiAlertViewModelForeign {
+struct PiiAlertViewModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::PiiAlertViewModel)
     QML_NAMED_ELEMENT(PiiAlertViewModel)
 };
 
 // The blocks of a reply; a view model may also hand its own to a reply view.
-struct MarkdownModelForeign {
+struct MarkdownModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::MarkdownModel)
     QML_NAMED_ELEMENT(MarkdownModel)

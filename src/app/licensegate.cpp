@@ -15,8 +15,7 @@ const QString licenseAccountName = QString::fromLatin1(LicenseGate::licenseAccou
 LicenseGate::LicenseGate(QObject *parent)
     : QObject(parent)
     , m_serviceUrl(configuredUrl())
-{
-}
+{ }
 
 LicenseGate::~LicenseGate() = default;
 
@@ -40,7 +39,8 @@ void LicenseGate::start()
     const std::optional<QString> stored = m_keychain.get(licenseAccountName);
     if (!stored || stored->trimmed().isEmpty()) {
         if (m_keychain.lastResultCode() == secretNoService) {
-            refuse(tr("No secret service is running, so no license key is stored. Enter your license key to continue."));
+            refuse(
+                tr("No secret service is running, so no license key is stored. Enter your license key to continue."));
         } else {
             refuse(tr("Enter your license key to continue."));
         }
@@ -80,7 +80,7 @@ void LicenseGate::verify(const QString &key)
     request.method = QByteArrayLiteral("POST");
     request.url = m_serviceUrl;
     request.setHeader(QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json"));
-    request.body = QJsonDocument(QJsonObject{{QStringLiteral("licenseKey"), key}}).toJson(QJsonDocument::Compact);
+    request.body = QJsonDocument(QJsonObject { { QStringLiteral("licenseKey"), key } }).toJson(QJsonDocument::Compact);
     request.timeout = requestTimeout;
     setMessage(tr("Checking license..."));
     setState(State::Checking);
@@ -100,7 +100,7 @@ void LicenseGate::onAnswer(const HttpResult &result)
         refuse(tr("The license could not be verified (HTTP %1). Please try again.").arg(response.status));
         return;
     }
-    QJsonParseError parseError{};
+    QJsonParseError parseError {};
     const QJsonDocument answer = QJsonDocument::fromJson(response.body, &parseError);
     if (parseError.error != QJsonParseError::NoError || !answer.isObject()) {
         qCWarning(lcApp) << "License check: the answer is not a JSON object";

@@ -37,7 +37,7 @@ public:
     // Overrides the build-time address at run time (tests point it at a local server);
     // set but empty means no licence service.
     static constexpr const char *urlVariable = "ZENTRIK_LICENSE_URL";
-    static constexpr std::chrono::milliseconds requestTimeout{15000};
+    static constexpr std::chrono::milliseconds requestTimeout { 15000 };
 
     explicit LicenseGate(QObject *parent = nullptr);
     ~LicenseGate() override;
@@ -58,7 +58,7 @@ public:
     // Stores the key the user typed and verifies it.
     Q_INVOKABLE void submitKey(const QString &key);
 
-    void classBegin() override {}
+    void classBegin() override { }
     void componentComplete() override { start(); }
 
 Q_SIGNALS:

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QString>
 
+#include <utility>
+
 namespace zentrik {
 
 // What the sidebar has selected: the dashboard, a standalone tool (by its display name),
@@ -21,9 +23,9 @@ public:
     NavigationItem() = default;
 
     [[nodiscard]] static NavigationItem home() { return {}; }
-    [[nodiscard]] static NavigationItem tool(const QString &name) { return {Kind::Tool, name}; }
-    [[nodiscard]] static NavigationItem category(const QString &name) { return {Kind::Category, name}; }
-    [[nodiscard]] static NavigationItem settings() { return {Kind::Settings, {}}; }
+    [[nodiscard]] static NavigationItem tool(const QString &name) { return { Kind::Tool, name }; }
+    [[nodiscard]] static NavigationItem category(const QString &name) { return { Kind::Category, name }; }
+    [[nodiscard]] static NavigationItem settings() { return { Kind::Settings, {} }; }
 
     [[nodiscard]] Kind kind() const { return m_kind; }
     // The tool's or the category's name; empty for home and settings.
@@ -35,8 +37,7 @@ private:
     NavigationItem(Kind kind, QString name)
         : m_kind(kind)
         , m_name(std::move(name))
-    {
-    }
+    { }
 
     Kind m_kind = Kind::Home;
     QString m_name;

@@ -78,28 +78,28 @@ ScreenRoute routeAgent(const QString &title)
     const AgentDestination destination = AssistantCatalogue::resolve(title);
     switch (destination.kind) {
     case AgentDestination::Kind::FormGenerator:
-        return {generatorScreen(destination.family->id()), title};
+        return { generatorScreen(destination.family->id()), title };
     case AgentDestination::Kind::ImageStudio:
-        return {Screen::ImageStudio, title};
+        return { Screen::ImageStudio, title };
     case AgentDestination::Kind::CodeDebugger:
-        return {Screen::CodeDebugger, title};
+        return { Screen::CodeDebugger, title };
     case AgentDestination::Kind::SampleDataGenerator:
-        return {Screen::SampleDataGenerator, title};
+        return { Screen::SampleDataGenerator, title };
     case AgentDestination::Kind::AgentDetail:
         break;
     }
-    return {Screen::AgentDetail, title};
+    return { Screen::AgentDetail, title };
 }
 
 ScreenRoute routeTool(const QString &name)
 {
     static const QHash<QString, Screen> screens = {
-        {standaloneTools().at(0), Screen::AskMeAnything},
-        {standaloneTools().at(1), Screen::PdfChat},
-        {standaloneTools().at(2), Screen::VoiceNotes},
-        {standaloneTools().at(3), Screen::ImageStudio},
+        { standaloneTools().at(0), Screen::AskMeAnything },
+        { standaloneTools().at(1), Screen::PdfChat },
+        { standaloneTools().at(2), Screen::VoiceNotes },
+        { standaloneTools().at(3), Screen::ImageStudio },
     };
-    return {screens.value(name, Screen::ToolNotImplemented), name};
+    return { screens.value(name, Screen::ToolNotImplemented), name };
 }
 
 } // namespace
@@ -111,7 +111,7 @@ ScreenRoute routeSelection(const std::optional<NavigationItem> &item, const QStr
     case NavigationItem::Kind::Tool:
         return routeTool(item->name());
     case NavigationItem::Kind::Settings:
-        return {Screen::Settings, {}};
+        return { Screen::Settings, {} };
     case NavigationItem::Kind::Home:
     case NavigationItem::Kind::Category:
         break;
@@ -123,11 +123,11 @@ ScreenRoute routeSelection(const std::optional<NavigationItem> &item, const QStr
         // A category the catalogue does not hold has no cards to show; say so plainly
         // instead of drawing an empty grid.
         if (AssistantCatalogue::category(item->name()) == nullptr) {
-            return {Screen::ToolNotImplemented, item->name()};
+            return { Screen::ToolNotImplemented, item->name() };
         }
-        return {Screen::CategoryGrid, item->name()};
+        return { Screen::CategoryGrid, item->name() };
     }
-    return {Screen::Dashboard, {}};
+    return { Screen::Dashboard, {} };
 }
 
 QString screenTitle(const ScreenRoute &route)

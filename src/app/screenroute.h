@@ -29,7 +29,8 @@ enum class Screen {
 
 // A screen and what it is opened with: the preselected assistant title of a generator or
 // an agent's screen, the category of a card grid, the name of a tool that has no screen.
-struct ScreenRoute {
+struct ScreenRoute
+{
     Screen screen = Screen::Dashboard;
     QString argument;
 
@@ -48,8 +49,7 @@ struct ScreenRoute {
 
 // Where a selection leads. A picked card (agentTitle) wins over the dashboard or the card
 // grid it was picked from; tools and settings ignore it. Nothing selected is the dashboard.
-[[nodiscard]] ScreenRoute routeSelection(const std::optional<NavigationItem> &item,
-                                         const QString &agentTitle = {});
+[[nodiscard]] ScreenRoute routeSelection(const std::optional<NavigationItem> &item, const QString &agentTitle = {});
 
 QDebug operator<<(QDebug debug, const ScreenRoute &route);
 

@@ -13,27 +13,12 @@ namespace {
 QString toolSymbol(const QString &tool)
 {
     static const QHash<QString, QString> symbols = {
-        {standaloneTools().at(0), QStringLiteral("lightbulb.fill")},
-        {standaloneTools().at(1), QStringLiteral("doc.text.magnifyingglass")},
-        {standaloneTools().at(2), QStringLiteral("mic.fill")},
-        {standaloneTools().at(3), QStringLiteral("photo")},
+        { standaloneTools().at(0), QStringLiteral("lightbulb.fill") },
+        { standaloneTools().at(1), QStringLiteral("doc.text.magnifyingglass") },
+        { standaloneTools().at(2), QStringLiteral("mic.fill") },
+        { standaloneTools().at(3), QStringLiteral("photo") },
     };
     return symbols.value(tool, QStringLiteral("hammer"));
-}
-
-QString kindName(NavigationItem::Kind kind)
-{
-    switch (kind) {
-    case NavigationItem::Kind::Home:
-        return QStringLiteral("home");
-    case NavigationItem::Kind::Tool:
-        return QStringLiteral("tool");
-    case NavigationItem::Kind::Category:
-        return QStringLiteral("category");
-    case NavigationItem::Kind::Settings:
-        return QStringLiteral("settings");
-    }
-    return {};
 }
 
 } // namespace
@@ -41,15 +26,14 @@ QString kindName(NavigationItem::Kind kind)
 SidebarModel::SidebarModel(QObject *parent)
     : QAbstractListModel(parent)
 {
-    m_entries.append({NavigationItem::home(), tr("Home"), QStringLiteral("house"), {}});
+    m_entries.append({ NavigationItem::home(), tr("Home"), QStringLiteral("house"), {} });
     for (const QString &tool : standaloneTools()) {
-        m_entries.append({NavigationItem::tool(tool), tool, toolSymbol(tool), tr("Tools")});
+        m_entries.append({ NavigationItem::tool(tool), tool, toolSymbol(tool), tr("Tools") });
     }
     for (const Category &category : AssistantCatalogue::categories()) {
-        m_entries.append({NavigationItem::category(category.name), category.name, category.icon,
-                          tr("Categories")});
+        m_entries.append({ NavigationItem::category(category.name), category.name, category.icon, tr("Categories") });
     }
-    m_entries.append({NavigationItem::settings(), tr("Settings"), QStringLiteral("gear"), {}});
+    m_entries.append({ NavigationItem::settings(), tr("Settings"), QStringLiteral("gear"), {} });
 }
 
 int SidebarModel::rowCount(const QModelIndex &parent) const
@@ -73,8 +57,6 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
         return entry.section;
     case SelectedRole:
         return isSelected(entry);
-    case KindRole:
-        return kindName(entry.item.kind());
     default:
         return {};
     }
@@ -83,8 +65,10 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
 QHash<int, QByteArray> SidebarModel::roleNames() const
 {
     return {
-        {LabelRole, "label"},   {SymbolRole, "symbol"}, {SectionRole, "section"},
-        {SelectedRole, "selected"}, {KindRole, "kind"},
+        { LabelRole, "label" },
+        { SymbolRole, "symbol" },
+        { SectionRole, "section" },
+        { SelectedRole, "selected" },
     };
 }
 
@@ -96,8 +80,8 @@ void SidebarModel::setNavigation(ContentViewModel *navigation)
     disconnect(m_selectionConnection);
     m_navigation = navigation;
     if (navigation) {
-        m_selectionConnection = connect(navigation, &ContentViewModel::selectionChanged, this,
-                                        &SidebarModel::refreshSelection);
+        m_selectionConnection
+            = connect(navigation, &ContentViewModel::selectionChanged, this, &SidebarModel::refreshSelection);
     }
     refreshSelection();
     Q_EMIT navigationChanged();
@@ -129,7 +113,7 @@ bool SidebarModel::isSelected(const Entry &entry) const
 void SidebarModel::refreshSelection()
 {
     if (!m_entries.isEmpty()) {
-        Q_EMIT dataChanged(index(0), index(int(m_entries.size()) - 1), {SelectedRole});
+        Q_EMIT dataChanged(index(0), index(int(m_entries.size()) - 1), { SelectedRole });
     }
 }
 

@@ -16,16 +16,14 @@ class SidebarModel : public QAbstractListModel
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(zentrik::ContentViewModel *navigation READ navigation WRITE setNavigation NOTIFY
-                   navigationChanged FINAL)
+    Q_PROPERTY(zentrik::ContentViewModel *navigation READ navigation WRITE setNavigation NOTIFY navigationChanged FINAL)
 
 public:
     enum Role {
         LabelRole = Qt::UserRole + 1,
-        SymbolRole,   // system symbol name
-        SectionRole,  // heading the entry sits under; empty for Home and Settings
+        SymbolRole, // system symbol name
+        SectionRole, // heading the entry sits under; empty for Home and Settings
         SelectedRole,
-        KindRole,     // "home", "tool", "category", "settings"
     };
     Q_ENUM(Role)
 
@@ -46,7 +44,8 @@ Q_SIGNALS:
     void navigationChanged();
 
 private:
-    struct Entry {
+    struct Entry
+    {
         NavigationItem item;
         QString label;
         QString symbol;

@@ -16,8 +16,7 @@ Theme::Theme(QObject *parent)
     : QObject(parent)
     , m_isDarkMode(m_preferences.boolean(darkModeKey, false))
     , m_iconFontFamily(loadIconFont())
-{
-}
+{ }
 
 void Theme::setDarkMode(bool dark)
 {

@@ -8,6 +8,7 @@
 #include "tools/assistantcatalogue.h"
 
 #include <QCommandLineParser>
+#include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
@@ -15,9 +16,10 @@
 #include <QTimer>
 
 #include <cstdio>
-#include <utility>
 #include <ctime>
+#include <functional>
 #include <unistd.h>
+#include <utility>
 
 namespace zentrik {
 
@@ -42,7 +44,7 @@ double millisecondsSinceExec()
         return -1;
     }
     const double startTicks = fields.at(startTimeField).toDouble();
-    timespec now{};
+    timespec now {};
     clock_gettime(CLOCK_BOOTTIME, &now);
     const double nowMs = double(now.tv_sec) * 1000.0 + double(now.tv_nsec) / 1.0e6;
     return nowMs - startTicks * 1000.0 / double(sysconf(_SC_CLK_TCK));
@@ -52,8 +54,7 @@ double millisecondsSinceExec()
 
 ZentrikApp::ZentrikApp(QObject *parent)
     : QObject(parent)
-{
-}
+{ }
 
 ZentrikApp::~ZentrikApp() = default;
 
@@ -120,7 +121,7 @@ void ZentrikApp::measureStartup(const QElapsedTimer &sinceMain)
             return;
         }
         std::printf("first frame: %.0f ms after exec, %lld ms after main()\n", millisecondsSinceExec(),
-                    static_cast<long long>(sinceMain.elapsed()));
+            static_cast<long long>(sinceMain.elapsed()));
         std::fflush(stdout);
         QTimer::singleShot(0, this, &ZentrikApp::tourScreens);
     });
@@ -174,12 +175,10 @@ int ZentrikApp::run(int argc, char **argv)
     parser.setApplicationDescription(QStringLiteral("Zentrik, the desktop AI assistant toolbox"));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption measure(
-        QStringLiteral("measure-startup"),
+    const QCommandLineOption measure(QStringLiteral("measure-startup"),
         QStringLiteral("Print the time to the first frame, open every screen once, then quit."));
     parser.addOption(measure);
-    const QCommandLineOption open(
-        QStringLiteral("open"),
+    const QCommandLineOption open(QStringLiteral("open"),
         QStringLiteral("Start on a tool, a category, an assistant (by its title) or \"Settings\"."),
         QStringLiteral("destination"));
     parser.addOption(open);

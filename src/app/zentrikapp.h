@@ -10,7 +10,6 @@
 
 class QQmlApplicationEngine;
 
-
 namespace zentrik {
 
 // The desktop program: one QML engine showing ContentView in one window. main() only

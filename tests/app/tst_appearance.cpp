@@ -121,10 +121,10 @@ private Q_SLOTS:
         settings.toggleHowItWorks();
         used.append(settings.howItWorksSymbol());
 
-        static const QRegularExpression symbolLiteral(
-            QStringLiteral("(?:symbol:|glyph\\()\\s*(?:[^\"\\n]*\\?\\s*)?\"([a-z0-9.]+)\"(?:\\s*:\\s*\"([a-z0-9.]+)\")?"));
+        static const QRegularExpression symbolLiteral(QStringLiteral(
+            "(?:symbol:|glyph\\()\\s*(?:[^\"\\n]*\\?\\s*)?\"([a-z0-9.]+)\"(?:\\s*:\\s*\"([a-z0-9.]+)\")?"));
         int fromViews = 0;
-        QDirIterator views(QStringLiteral(QML_DIR), {QStringLiteral("*.qml")});
+        QDirIterator views(QStringLiteral(QML_DIR), { QStringLiteral("*.qml") });
         while (views.hasNext()) {
             QFile file(views.next());
             QVERIFY(file.open(QIODevice::ReadOnly));
@@ -142,7 +142,8 @@ private Q_SLOTS:
             QVERIFY2(SymbolGlyphs::codepoint(symbol) != 0, qPrintable(QStringLiteral("unmapped: ") + symbol));
         }
         // The three different spellings of a bolt and a light bulb stay apart.
-        QVERIFY(SymbolGlyphs::glyph(QStringLiteral("lightbulb")) != SymbolGlyphs::glyph(QStringLiteral("lightbulb.fill")));
+        QVERIFY(
+            SymbolGlyphs::glyph(QStringLiteral("lightbulb")) != SymbolGlyphs::glyph(QStringLiteral("lightbulb.fill")));
         QVERIFY(SymbolGlyphs::glyph(QStringLiteral("doc.on.doc")) != SymbolGlyphs::glyph(QStringLiteral("checkmark")));
     }
 

@@ -103,17 +103,17 @@ private Q_SLOTS:
         QTRY_VERIFY(visibleTexts(m_window.get()).contains(QStringLiteral("Personal Information Detected")));
         const QStringList texts = visibleTexts(m_window.get());
         for (const QString &expected :
-             {QStringLiteral("We've detected and redacted some potentially sensitive information in your message."),
-              QStringLiteral("Original Message"), QStringLiteral("Redacted Message"), message,
-              QStringLiteral("Please write to [EMAIL_ADDRESS] today"), QStringLiteral("Send Original"),
-              QStringLiteral("Send Redacted")}) {
+            { QStringLiteral("We've detected and redacted some potentially sensitive information in your message."),
+                QStringLiteral("Original Message"), QStringLiteral("Redacted Message"), message,
+                QStringLiteral("Please write to [EMAIL_ADDRESS] today"), QStringLiteral("Send Original"),
+                QStringLiteral("Send Redacted") }) {
             QVERIFY2(texts.contains(expected), qPrintable(expected));
         }
         // The original comes before the redacted copy.
         dialogItem = findItem(m_window.get(), QStringLiteral("originalMessageBlock"));
         QQuickItem *redactedBlock = findItem(m_window.get(), QStringLiteral("redactedMessageBlock"));
         QVERIFY(dialogItem && redactedBlock);
-        QVERIFY(dialogItem->mapToScene({0, 0}).y() < redactedBlock->mapToScene({0, 0}).y());
+        QVERIFY(dialogItem->mapToScene({ 0, 0 }).y() < redactedBlock->mapToScene({ 0, 0 }).y());
 
         if (button.isEmpty()) {
             QTest::keyClick(m_window.get(), Qt::Key_Escape);
@@ -139,8 +139,8 @@ private Q_SLOTS:
         QObject *reply = m_window->property("reply").value<QObject *>();
         QVERIFY(reply);
         reply->setProperty("text", sampleReply);
-        const QStringList expected = {"heading", "paragraph", "bulletList", "quote", "code", "table", "rule",
-                                      "paragraph"};
+        const QStringList expected
+            = { "heading", "paragraph", "bulletList", "quote", "code", "table", "rule", "paragraph" };
         QTRY_COMPARE(blockTypes(), expected);
         // A rule further down is a block of its own; the divider is for the pattern only.
         QVERIFY(!findItem(m_window.get(), QStringLiteral("replyRule"))->isVisible());
@@ -175,13 +175,13 @@ private Q_SLOTS:
         QVERIFY(load(replyHost));
         QObject *reply = m_window->property("reply").value<QObject *>();
         QString text;
-        for (const QString &piece : {QStringLiteral("# Ti"), QStringLiteral("tle\n\nFirst"), QStringLiteral(" para"),
-                                     QStringLiteral("graph.\n\n```\ncode"), QStringLiteral("\n```\n")}) {
+        for (const QString &piece : { QStringLiteral("# Ti"), QStringLiteral("tle\n\nFirst"), QStringLiteral(" para"),
+                 QStringLiteral("graph.\n\n```\ncode"), QStringLiteral("\n```\n") }) {
             text += piece;
             reply->setProperty("text", text);
             QTest::qWait(5);
         }
-        QTRY_COMPARE(blockTypes(), QStringList({"heading", "paragraph", "code"}));
+        QTRY_COMPARE(blockTypes(), QStringList({ "heading", "paragraph", "code" }));
         QVERIFY(visibleTexts(m_window.get()).contains(QStringLiteral("First paragraph.")));
         QVERIFY(!findItem(m_window.get(), QStringLiteral("replyRule"))->isVisible());
     }
@@ -207,8 +207,7 @@ private:
             return types;
         }
         QList<QQuickItem *> children = column->childItems();
-        std::sort(children.begin(), children.end(),
-                  [](QQuickItem *a, QQuickItem *b) { return a->y() < b->y(); });
+        std::sort(children.begin(), children.end(), [](QQuickItem *a, QQuickItem *b) { return a->y() < b->y(); });
         for (QQuickItem *child : children) {
             const QString name = child->objectName();
             if (name.startsWith(QStringLiteral("replyBlock:")) && child->isVisible()) {

@@ -20,12 +20,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("cleanUp");
         QTest::addColumn<QString>("clipboard");
-        QTest::newRow("emphasis and link") << "**Bold** and _it_ see [docs](https://x.org)\n" << true
-                                           << "Bold and it see docs";
+        QTest::newRow("emphasis and link") << "**Bold** and _it_ see [docs](https://x.org)\n"
+                                           << true << "Bold and it see docs";
         QTest::newRow("heading only at the start") << "# Title\n## Sub" << true << "Title\n## Sub";
         QTest::newRow("verbatim keeps the markup") << "**Bold** `x`" << false << "**Bold** `x`";
-        QTest::newRow("code copied verbatim") << "for (int i = 0; i < n; ++i) { a[i] *= 2; }" << false
-                                              << "for (int i = 0; i < n; ++i) { a[i] *= 2; }";
+        QTest::newRow("code copied verbatim")
+            << "for (int i = 0; i < n; ++i) { a[i] *= 2; }" << false << "for (int i = 0; i < n; ++i) { a[i] *= 2; }";
         QTest::newRow("blank") << " \n\t" << true << QString();
     }
 
@@ -94,7 +94,7 @@ private Q_SLOTS:
         document.flush();
         QCOMPARE(document.blocks()->count(), 2);
         QCOMPARE(document.blocks()->data(document.blocks()->index(0), MarkdownModel::TypeRole).toString(),
-                 QStringLiteral("heading"));
+            QStringLiteral("heading"));
         // Starting over with another reply replaces the blocks.
         document.setSource(QString());
         document.flush();

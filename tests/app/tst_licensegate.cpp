@@ -58,8 +58,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("message");
 
         QTest::newRow("valid") << ScriptedReply::json(R"({"valid": true})") << true << QString();
-        QTest::newRow("valid with more fields") << ScriptedReply::json(R"({"valid":true,"plan":"pro"})") << true
-                                                << QString();
+        QTest::newRow("valid with more fields")
+            << ScriptedReply::json(R"({"valid":true,"plan":"pro"})") << true << QString();
         QTest::newRow("refused") << ScriptedReply::json(R"({"valid": false})") << false
                                  << "This license key is not valid. Check it and try again.";
         QTest::newRow("valid missing") << ScriptedReply::json(R"({"ok": true})") << false
@@ -74,8 +74,8 @@ private Q_SLOTS:
                                   << "The license service sent an answer that could not be read.";
         QTest::newRow("JSON array") << ScriptedReply::json("[true]") << false
                                     << "The license service sent an answer that could not be read.";
-        QTest::newRow("cut off") << ScriptedReply::truncated(R"({"valid": true, "padding": "xxxxxxxx"})", 10)
-                                 << false << "The license service could not be reached: ";
+        QTest::newRow("cut off") << ScriptedReply::truncated(R"({"valid": true, "padding": "xxxxxxxx"})", 10) << false
+                                 << "The license service could not be reached: ";
     }
 
     void answers()
@@ -104,7 +104,8 @@ private Q_SLOTS:
         const test::RecordedRequest request = fake.lastRequest();
         QCOMPARE(request.method, QByteArrayLiteral("POST"));
         QCOMPARE(request.header("Content-Type"), QByteArrayLiteral("application/json"));
-        QCOMPARE(request.json().object(), QJsonObject({{QStringLiteral("licenseKey"), QStringLiteral("ZK-1234-5678")}}));
+        QCOMPARE(
+            request.json().object(), QJsonObject({ { QStringLiteral("licenseKey"), QStringLiteral("ZK-1234-5678") } }));
     }
 
     void unreachableServiceSaysSo()
@@ -118,7 +119,7 @@ private Q_SLOTS:
         gate.submitKey(QStringLiteral("ZK-1"));
         QTRY_VERIFY_WITH_TIMEOUT(gate.showLicenseSetup(), 10000);
         QVERIFY2(gate.message().startsWith(QStringLiteral("The license service could not be reached: ")),
-                 qPrintable(gate.message()));
+            qPrintable(gate.message()));
         QVERIFY(gate.message().size() > QStringLiteral("The license service could not be reached: ").size());
     }
 
@@ -178,7 +179,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(second.isLicenseVerified(), 10000);
         QCOMPARE(fake.requestCount(), 2);
         QCOMPARE(fake.lastRequest().json().object().value(QStringLiteral("licenseKey")).toString(),
-                 QStringLiteral("ZK-STORED"));
+            QStringLiteral("ZK-STORED"));
     }
 
     // A stuck service leaves the screen on "Checking license..." and the window usable;

@@ -28,50 +28,65 @@ private Q_SLOTS:
 
         QTest::newRow("nothing selected") << OptionalItem() << QString() << "dashboard" << QString();
         QTest::newRow("home") << OptionalItem(NavigationItem::home()) << QString() << "dashboard" << QString();
-        QTest::newRow("ask") << OptionalItem(NavigationItem::tool("Ask Me Anything")) << QString()
-                             << "askMeAnything" << "Ask Me Anything";
+        QTest::newRow("ask") << OptionalItem(NavigationItem::tool("Ask Me Anything")) << QString() << "askMeAnything"
+                             << "Ask Me Anything";
         QTest::newRow("pdf") << OptionalItem(NavigationItem::tool("Chat With Your PDFs")) << QString() << "pdfChat"
                              << "Chat With Your PDFs";
         QTest::newRow("voice") << OptionalItem(NavigationItem::tool("Voice Notes")) << QString() << "voiceNotes"
                                << "Voice Notes";
         QTest::newRow("images") << OptionalItem(NavigationItem::tool("Image Creation Studio")) << QString()
-                                << "imageStudio" << "Image Creation Studio";
+                                << "imageStudio"
+                                << "Image Creation Studio";
         QTest::newRow("unknown tool") << OptionalItem(NavigationItem::tool("Time Machine")) << QString()
-                                      << "toolNotImplemented" << "Time Machine";
-        QTest::newRow("tool names are exact") << OptionalItem(NavigationItem::tool("ask me anything")) << QString()
-                                              << "toolNotImplemented" << "ask me anything";
-        QTest::newRow("a category name is no tool") << OptionalItem(NavigationItem::tool("Marketing")) << QString()
-                                                    << "toolNotImplemented" << "Marketing";
+                                      << "toolNotImplemented"
+                                      << "Time Machine";
+        QTest::newRow("tool names are exact")
+            << OptionalItem(NavigationItem::tool("ask me anything")) << QString() << "toolNotImplemented"
+            << "ask me anything";
+        QTest::newRow("a category name is no tool")
+            << OptionalItem(NavigationItem::tool("Marketing")) << QString() << "toolNotImplemented"
+            << "Marketing";
         QTest::newRow("empty tool name") << OptionalItem(NavigationItem::tool(QString())) << QString()
                                          << "toolNotImplemented" << QString();
         QTest::newRow("category") << OptionalItem(NavigationItem::category("Human Resources")) << QString()
-                                  << "categoryGrid" << "Human Resources";
-        QTest::newRow("unknown category") << OptionalItem(NavigationItem::category("Finance")) << QString()
-                                          << "toolNotImplemented" << "Finance";
+                                  << "categoryGrid"
+                                  << "Human Resources";
+        QTest::newRow("unknown category")
+            << OptionalItem(NavigationItem::category("Finance")) << QString() << "toolNotImplemented"
+            << "Finance";
         QTest::newRow("settings") << OptionalItem(NavigationItem::settings()) << QString() << "settings" << QString();
 
         // A card picked from the dashboard or a grid opens the tool that serves its title.
         QTest::newRow("marketing card") << OptionalItem(NavigationItem::home()) << "Slogan Generator"
-                                        << "marketingGenerator" << "Slogan Generator";
-        QTest::newRow("card with nothing selected") << OptionalItem() << "Persuasive Sales Copy" << "salesGenerator"
+                                        << "marketingGenerator"
+                                        << "Slogan Generator";
+        QTest::newRow("card with nothing selected") << OptionalItem() << "Persuasive Sales Copy"
+                                                    << "salesGenerator"
                                                     << "Persuasive Sales Copy";
-        QTest::newRow("support card in its grid") << OptionalItem(NavigationItem::category("Customer Support"))
-                                                  << "Customer Support Ticket Response Agent"
-                                                  << "customerSupportGenerator"
-                                                  << "Customer Support Ticket Response Agent";
+        QTest::newRow("support card in its grid")
+            << OptionalItem(NavigationItem::category("Customer Support")) << "Customer Support Ticket Response Agent"
+            << "customerSupportGenerator"
+            << "Customer Support Ticket Response Agent";
         QTest::newRow("hr card") << OptionalItem(NavigationItem::home()) << "Employee Survey Generator"
-                                 << "humanResourcesGenerator" << "Employee Survey Generator";
-        QTest::newRow("image card") << OptionalItem(NavigationItem::category("Marketing")) << "Images and Logo Generator"
-                                    << "imageStudio" << "Images and Logo Generator";
+                                 << "humanResourcesGenerator"
+                                 << "Employee Survey Generator";
+        QTest::newRow("image card") << OptionalItem(NavigationItem::category("Marketing"))
+                                    << "Images and Logo Generator"
+                                    << "imageStudio"
+                                    << "Images and Logo Generator";
         QTest::newRow("debugger card") << OptionalItem(NavigationItem::category("Tech")) << "Code Debugger"
-                                       << "codeDebugger" << "Code Debugger";
+                                       << "codeDebugger"
+                                       << "Code Debugger";
         QTest::newRow("sample data card") << OptionalItem(NavigationItem::home()) << "Sample Data Generator"
-                                          << "sampleDataGenerator" << "Sample Data Generator";
+                                          << "sampleDataGenerator"
+                                          << "Sample Data Generator";
         QTest::newRow("a card no tool serves") << OptionalItem(NavigationItem::home()) << "Crystal Ball"
-                                               << "agentDetail" << "Crystal Ball";
+                                               << "agentDetail"
+                                               << "Crystal Ball";
         // A tool or the settings selected means the card is no longer what is shown.
         QTest::newRow("tool wins over card") << OptionalItem(NavigationItem::tool("Voice Notes")) << "Slogan Generator"
-                                             << "voiceNotes" << "Voice Notes";
+                                             << "voiceNotes"
+                                             << "Voice Notes";
         QTest::newRow("settings win over card") << OptionalItem(NavigationItem::settings()) << "Slogan Generator"
                                                 << "settings" << QString();
     }
@@ -104,7 +119,8 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(cards, 25);
-        QCOMPARE(screens, QSet<QString>({"marketingGenerator", "customerSupportGenerator", "humanResourcesGenerator"}));
+        QCOMPARE(
+            screens, QSet<QString>({ "marketingGenerator", "customerSupportGenerator", "humanResourcesGenerator" }));
     }
 
     void titlesNameTheScreen_data()
@@ -113,9 +129,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("agent");
         QTest::addColumn<QString>("title");
         QTest::newRow("dashboard") << OptionalItem() << QString() << "Zentrik Dashboard";
-        QTest::newRow("generator") << OptionalItem(NavigationItem::home()) << "Slogan Generator" << "Marketing";
-        QTest::newRow("support") << OptionalItem() << "Documentation Explainer" << "Customer Support";
-        QTest::newRow("image card") << OptionalItem() << "Images and Logo Generator" << "Image Creation Studio";
+        QTest::newRow("generator") << OptionalItem(NavigationItem::home()) << "Slogan Generator"
+                                   << "Marketing";
+        QTest::newRow("support") << OptionalItem() << "Documentation Explainer"
+                                 << "Customer Support";
+        QTest::newRow("image card") << OptionalItem() << "Images and Logo Generator"
+                                    << "Image Creation Studio";
         QTest::newRow("tool") << OptionalItem(NavigationItem::tool("Voice Notes")) << QString() << "Voice Notes";
         QTest::newRow("category") << OptionalItem(NavigationItem::category("Tech")) << QString() << "Tech";
     }
@@ -231,12 +250,12 @@ private Q_SLOTS:
         for (int row = 0; row < sidebar.rowCount(); ++row) {
             labels.append(sidebar.data(sidebar.index(row), SidebarModel::LabelRole).toString());
         }
-        QCOMPARE(labels, QStringList({"Home", "Ask Me Anything", "Chat With Your PDFs", "Voice Notes",
-                                      "Image Creation Studio", "Marketing", "Sales", "Customer Support", "Tech",
-                                      "Human Resources", "Settings"}));
+        QCOMPARE(labels,
+            QStringList({ "Home", "Ask Me Anything", "Chat With Your PDFs", "Voice Notes", "Image Creation Studio",
+                "Marketing", "Sales", "Customer Support", "Tech", "Human Resources", "Settings" }));
         QCOMPARE(sidebar.item(6), NavigationItem::category(QStringLiteral("Sales")));
-        QCOMPARE(sidebar.data(sidebar.index(6), SidebarModel::SymbolRole).toString(),
-                 QStringLiteral("dollarsign.circle"));
+        QCOMPARE(
+            sidebar.data(sidebar.index(6), SidebarModel::SymbolRole).toString(), QStringLiteral("dollarsign.circle"));
     }
 
     void sidebarFollowsTheSelection()
@@ -254,19 +273,19 @@ private Q_SLOTS:
             }
             return rows;
         };
-        QCOMPARE(selectedRows(), QList<int>{0}); // nothing selected: the dashboard, so Home
+        QCOMPARE(selectedRows(), QList<int> { 0 }); // nothing selected: the dashboard, so Home
 
         QSignalSpy changed(&sidebar, &QAbstractItemModel::dataChanged);
         sidebar.activate(3);
         QCOMPARE(navigation.selectedItem(), OptionalItem(NavigationItem::tool(QStringLiteral("Voice Notes"))));
-        QCOMPARE(selectedRows(), QList<int>{3});
+        QCOMPARE(selectedRows(), QList<int> { 3 });
         QVERIFY(!changed.isEmpty());
         QVERIFY(changed.constLast().at(2).value<QList<int>>().contains(SidebarModel::SelectedRole));
 
         navigation.showSettings();
-        QCOMPARE(selectedRows(), QList<int>{10});
+        QCOMPARE(selectedRows(), QList<int> { 10 });
         navigation.showTool(QStringLiteral("Not in the sidebar"));
-        QCOMPARE(selectedRows(), QList<int>{});
+        QCOMPARE(selectedRows(), QList<int> {});
 
         sidebar.activate(-1);
         sidebar.activate(sidebar.rowCount());

@@ -50,20 +50,20 @@ private Q_SLOTS:
         QTRY_VERIFY(findItem(app->window(), QStringLiteral("homeView")));
         const QStringList texts = visibleTexts(app->window());
         for (const QString &expected :
-             {QStringLiteral("Zentrik Dashboard"), QStringLiteral("What do you want to do today?"),
-              QStringLiteral("Supercharge your workflow today."), QStringLiteral("Your Available AI Assistants (24)"),
-              QStringLiteral("Get answers or creative ideas on any topic."),
-              QStringLiteral("Chat with your files to gain insights quickly."),
-              QStringLiteral("Create voice notes and get AI-generated summaries."),
-              QStringLiteral("Explore marketing strategies and content ideas.")}) {
+            { QStringLiteral("Zentrik Dashboard"), QStringLiteral("What do you want to do today?"),
+                QStringLiteral("Supercharge your workflow today."), QStringLiteral("Your Available AI Assistants (24)"),
+                QStringLiteral("Get answers or creative ideas on any topic."),
+                QStringLiteral("Chat with your files to gain insights quickly."),
+                QStringLiteral("Create voice notes and get AI-generated summaries."),
+                QStringLiteral("Explore marketing strategies and content ideas.") }) {
             QVERIFY2(texts.contains(expected), qPrintable(expected));
         }
         // Every card of every category is on the dashboard.
         for (const AIAgent &agent : AssistantCatalogue::allAgents()) {
             QVERIFY2(findItem(app->window(), QStringLiteral("agentCard:") + agent.title), qPrintable(agent.title));
         }
-        for (const QString &entry : {QStringLiteral("Home"), QStringLiteral("Image Creation Studio"),
-                                     QStringLiteral("Human Resources"), QStringLiteral("Settings")}) {
+        for (const QString &entry : { QStringLiteral("Home"), QStringLiteral("Image Creation Studio"),
+                 QStringLiteral("Human Resources"), QStringLiteral("Settings") }) {
             QVERIFY2(findItem(app->window(), QStringLiteral("sidebar:") + entry), qPrintable(entry));
         }
         QCOMPARE(app->window()->title(), QStringLiteral("Zentrik — Zentrik Dashboard"));
@@ -93,12 +93,18 @@ private Q_SLOTS:
             QQuickItem *title = findItem(card, QStringLiteral("agentCardTitle"));
             QQuickItem *description = findItem(card, QStringLiteral("agentCardDescription"));
             QVERIFY(title && description);
-            QVERIFY2(title->height() + 0.5 >= title->implicitHeight(), qPrintable(agent.title + QStringLiteral(" %1 %2 %3 %4").arg(title->height()).arg(title->implicitHeight()).arg(title->width()).arg(card->height())));
+            QVERIFY2(title->height() + 0.5 >= title->implicitHeight(),
+                qPrintable(agent.title
+                    + QStringLiteral(" %1 %2 %3 %4")
+                          .arg(title->height())
+                          .arg(title->implicitHeight())
+                          .arg(title->width())
+                          .arg(card->height())));
             const qreal titleBottom = title->mapToItem(card, QPointF(0, title->height())).y();
             const qreal descriptionTop = description->mapToItem(card, QPointF(0, 0)).y();
             QVERIFY2(titleBottom <= descriptionTop + 0.5, qPrintable(agent.title));
             QVERIFY2(description->mapToItem(card, QPointF(0, description->height())).y() <= card->height(),
-                     qPrintable(agent.title));
+                qPrintable(agent.title));
             QVERIFY2(card->x() + card->width() <= card->parentItem()->width() + 0.5, qPrintable(agent.title));
             ++checked;
         }
@@ -130,8 +136,8 @@ private Q_SLOTS:
     {
         const auto app = startApp();
         QVERIFY(app);
-        QVERIFY(click(findItem(app->window(),
-                               QStringLiteral("promptOption:Explore marketing strategies and content ideas."))));
+        QVERIFY(click(
+            findItem(app->window(), QStringLiteral("promptOption:Explore marketing strategies and content ideas."))));
         QTRY_VERIFY(findItem(app->window(), QStringLiteral("categoryView")));
         ContentViewModel *navigation = navigationOf(*app);
         QCOMPARE(navigation->screenArgument(), QStringLiteral("Marketing"));
@@ -190,12 +196,12 @@ private Q_SLOTS:
         QVERIFY(app);
         QTest::keyClick(app->window(), Qt::Key_Comma, Qt::ControlModifier);
         QTRY_VERIFY(findItem(app->window(), QStringLiteral("settingsView")));
-        for (const QString &text : {QStringLiteral("Settings"), QStringLiteral("How It Works"),
-                                    QStringLiteral("🆓 Free models do not require an API key.")}) {
+        for (const QString &text : { QStringLiteral("Settings"), QStringLiteral("How It Works"),
+                 QStringLiteral("🆓 Free models do not require an API key.") }) {
             QVERIFY2(visibleTexts(app->window()).contains(text), qPrintable(text));
         }
-        for (const QString &field : {QStringLiteral("openAIKeyField.input"), QStringLiteral("falAIKeyField.input"),
-                                     QStringLiteral("claudeKeyField.input")}) {
+        for (const QString &field : { QStringLiteral("openAIKeyField.input"), QStringLiteral("falAIKeyField.input"),
+                 QStringLiteral("claudeKeyField.input") }) {
             QQuickItem *input = findItem(app->window(), field);
             QVERIFY2(input, qPrintable(field));
             QCOMPARE(input->property("echoMode").toInt(), 2); // TextInput.Password
@@ -206,25 +212,25 @@ private Q_SLOTS:
         QCOMPARE(picker->property("currentText").toString(), QStringLiteral("GPT-4o Mini"));
         int haiku = -1;
         QVERIFY(QMetaObject::invokeMethod(picker, "indexOfValue", Q_RETURN_ARG(int, haiku),
-                                          Q_ARG(QVariant, QStringLiteral("claude-3-haiku-20240307"))));
+            Q_ARG(QVariant, QStringLiteral("claude-3-haiku-20240307"))));
         QVERIFY(haiku > 0);
         picker->setProperty("currentIndex", haiku);
         QVERIFY(QMetaObject::invokeMethod(picker, "activated", Q_ARG(int, haiku)));
 
-        auto *manager = app->engine()->singletonInstance<APIManager *>(
-            qmlTypeId("Zentrik", 1, 0, "APIManager"));
+        auto *manager = app->engine()->singletonInstance<APIManager *>(qmlTypeId("Zentrik", 1, 0, "APIManager"));
         QVERIFY(manager);
         QCOMPARE(manager->selectedTextModel(), QStringLiteral("gpt-4o-mini")); // nothing written before Save
 
         QVERIFY(click(findItem(app->window(), QStringLiteral("saveButton"))));
         QTRY_COMPARE(manager->selectedTextModel(), QStringLiteral("claude-3-haiku-20240307"));
         QCOMPARE(Preferences().string(QString::fromLatin1(APIManager::textModelPreference)),
-                 QStringLiteral("claude-3-haiku-20240307"));
+            QStringLiteral("claude-3-haiku-20240307"));
         QTRY_VERIFY(visibleTexts(app->window()).contains(QStringLiteral("Your changes have been saved successfully.")));
 
         // Escape dismisses the notice.
         QTest::keyClick(app->window(), Qt::Key_Escape);
-        QTRY_VERIFY(!visibleTexts(app->window()).contains(QStringLiteral("Your changes have been saved successfully.")));
+        QTRY_VERIFY(
+            !visibleTexts(app->window()).contains(QStringLiteral("Your changes have been saved successfully.")));
     }
 
     void howItWorksFoldsOpen()
@@ -240,9 +246,9 @@ private Q_SLOTS:
         QTRY_VERIFY(findItem(app->window(), QStringLiteral("howItWorksBody"))->isVisible());
         QVERIFY(chevron->property("text").toString() != closedGlyph);
         const QStringList texts = visibleTexts(app->window());
-        for (const QString &text : {QStringLiteral("Using your own API keys provides several benefits:"),
-                                    QStringLiteral("Cost Management"), QStringLiteral("How to obtain API keys:"),
-                                    QStringLiteral("Needed for FLUX and other image models")}) {
+        for (const QString &text :
+            { QStringLiteral("Using your own API keys provides several benefits:"), QStringLiteral("Cost Management"),
+                QStringLiteral("How to obtain API keys:"), QStringLiteral("Needed for FLUX and other image models") }) {
             QVERIFY2(texts.contains(text), qPrintable(text));
         }
     }
@@ -270,8 +276,8 @@ private Q_SLOTS:
         QVERIFY(!findItem(app->window(), QStringLiteral("homeView")));
 
         QTRY_VERIFY_WITH_TIMEOUT(findItem(app->window(), QStringLiteral("licenseSetup")), 10000);
-        QVERIFY(visibleTexts(app->window()).contains(
-            QStringLiteral("This license key is not valid. Check it and try again.")));
+        QVERIFY(visibleTexts(app->window())
+                    .contains(QStringLiteral("This license key is not valid. Check it and try again.")));
         // Settings stay shut while the licence is not verified.
         QTest::keyClick(app->window(), Qt::Key_Comma, Qt::ControlModifier);
         QVERIFY(!findItem(app->window(), QStringLiteral("settingsView")));
@@ -282,9 +288,9 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(findItem(app->window(), QStringLiteral("homeView")), 10000);
         QCOMPARE(fake.requestCount(), 2);
         QCOMPARE(fake.lastRequest().json().object().value(QStringLiteral("licenseKey")).toString(),
-                 QStringLiteral("ZK-NEW"));
-        QCOMPARE(store.get(QString::fromLatin1(LicenseGate::licenseAccount)).value_or(QString()),
-                 QStringLiteral("ZK-NEW"));
+            QStringLiteral("ZK-NEW"));
+        QCOMPARE(
+            store.get(QString::fromLatin1(LicenseGate::licenseAccount)).value_or(QString()), QStringLiteral("ZK-NEW"));
         store.remove(QString::fromLatin1(LicenseGate::licenseAccount));
     }
 

@@ -2,6 +2,8 @@
 
 #include "app/zentrikapp.h"
 
+#include <QDir>
+#include <QImage>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -18,7 +20,7 @@ QList<QObject *> allObjects(QObject *root)
 {
     QList<QObject *> found;
     QSet<QObject *> seen;
-    QList<QObject *> pending{root};
+    QList<QObject *> pending { root };
     if (auto *window = qobject_cast<QQuickWindow *>(root)) {
         pending.append(window->contentItem());
     }
@@ -115,6 +117,26 @@ bool click(QQuickItem *item)
     }
     QTest::mouseClick(item->window(), Qt::LeftButton, Qt::NoModifier, centre.toPoint());
     return true;
+}
+
+void saveScreenshots(QQuickWindow *window, const QString &name)
+{
+    const QString directory = qEnvironmentVariable("ZENTRIK_SCREENSHOT_DIR");
+    if (directory.isEmpty() || window == nullptr) {
+        return;
+    }
+    const QSize original = window->size();
+    for (const auto &[size, suffix] : { std::pair { QSize(1280, 800), QString() },
+             std::pair { QSize(1024, 700), QStringLiteral("-1024x700") } }) {
+        window->resize(size);
+        QTest::qWait(300); // layouts and images settle over a few frames
+        waitForFrame(window);
+        const QString path = QDir(directory).filePath(name + suffix + QStringLiteral(".png"));
+        if (!window->grabWindow().save(path)) {
+            qWarning("Could not write %s", qPrintable(path));
+        }
+    }
+    window->resize(original);
 }
 
 void typeText(QQuickWindow *window, const QString &text)

@@ -32,6 +32,11 @@ bool waitForFrame(QQuickWindow *window);
 // A real mouse click at the item's centre, after scrolling it into view.
 [[nodiscard]] bool click(QQuickItem *item);
 
+// With ZENTRIK_SCREENSHOT_DIR set, saves the window as <name>.png at 1280×800 and as
+// <name>-1024x700.png at 1024×700, for the README and for checking the layout at both
+// sizes by eye. Does nothing otherwise.
+void saveScreenshots(QQuickWindow *window, const QString &name);
+
 // Types the text into the focused item, one key press per character.
 void typeText(QQuickWindow *window, const QString &text);
 

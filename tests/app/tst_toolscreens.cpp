@@ -1,0 +1,275 @@
+#include "app/contentviewmodel.h"
+#include "app/licensegate.h"
+#include "app/zentrikapp.h"
+#include "model/apimanager.h"
+#include "pdf/pdfchatviewmodel.h"
+#include "render/markdownstrip.h"
+#include "support/fakeprovider.h"
+#include "support/testregistry.h"
+#include "tools/askmeanythingviewmodel.h"
+#include "tools/generatorviewmodel.h"
+#include "tools/sse.h"
+#include "windowharness.h"
+
+#include "pdf/pdffixtures.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QtTest>
+
+using namespace zentrik;
+using namespace zentrik::test;
+
+// The text tools in the real window, driven by mouse and keyboard against fake providers:
+// a generator from its dashboard card to the copied reply, the privacy dialog, a model
+// chosen in Settings reaching the next request, and a question about a PDF.
+class ToolScreensTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<ScopedConfigDir> m_config;
+    std::unique_ptr<FakeProvider> m_fake;
+    QTemporaryDir m_files;
+
+    static ContentViewModel *navigationOf(const ZentrikApp &app)
+    {
+        return qobject_cast<ContentViewModel *>(findObject(app.window(), QStringLiteral("navigation")));
+    }
+
+    // Opens the marketing generator from the "Slogan Generator" card, ready to send to the
+    // fake OpenAI service with a model the generators accept.
+    static GeneratorViewModel *openSloganGenerator(const ZentrikApp &app)
+    {
+        if (!click(findItem(app.window(), QStringLiteral("agentCard:Slogan Generator")))) {
+            return nullptr;
+        }
+        if (!QTest::qWaitFor([&] { return findItem(app.window(), QStringLiteral("generatorView")) != nullptr; })) {
+            return nullptr;
+        }
+        auto *generator
+            = qobject_cast<GeneratorViewModel *>(findObject(app.window(), QStringLiteral("generatorViewModel")));
+        if (generator && generator->apiManager()) {
+            generator->apiManager()->setSelectedTextModel(QStringLiteral("gpt-3.5-turbo-1106"));
+            generator->apiManager()->overrideUserKeys(QStringLiteral("sk-window-test"), QString(), QString());
+        }
+        return generator;
+    }
+
+    static bool fill(QQuickWindow *window, const QString &label, const QString &text)
+    {
+        if (!click(findItem(window, QStringLiteral("field:") + label))) {
+            return false;
+        }
+        typeText(window, text);
+        return true;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_config = std::make_unique<ScopedConfigDir>();
+        m_fake = std::make_unique<FakeProvider>();
+        qputenv(LicenseGate::urlVariable, QByteArray());
+        for (const char *variable : { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL" }) {
+            qputenv(variable, m_fake->baseUrl().toString().toUtf8());
+        }
+    }
+
+    void cleanup()
+    {
+        qunsetenv("ZENTRIK_OPENAI_BASE_URL");
+        qunsetenv("ZENTRIK_ANTHROPIC_BASE_URL");
+        qunsetenv(LicenseGate::urlVariable);
+        m_fake.reset();
+        m_config.reset();
+    }
+
+    void generatorStreamsTheReplyAndCopiesItCleaned()
+    {
+        m_fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("## Slogans\n\n")),
+                ssefixture::chunk(QStringLiteral("1. **Climb** higher\n")),
+                ssefixture::chunk(QStringLiteral("2. Walk *further*\n")), ssefixture::done }));
+        const auto app = startApp();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        GeneratorViewModel *generator = openSloganGenerator(*app);
+        QVERIFY(generator);
+        QCOMPARE(generator->selectedTitle(), QStringLiteral("Slogan Generator"));
+
+        QVERIFY(fill(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme Boots")));
+        QVERIFY(fill(window, QStringLiteral("Target Audience"), QStringLiteral("hikers")));
+        QCOMPARE(generator->inputsMap().value(QStringLiteral("Target Audience")).toString(), QStringLiteral("hikers"));
+        QVERIFY(click(findItem(window, QStringLiteral("generateButton"))));
+
+        const QString expected = QStringLiteral("## Slogans\n\n1. **Climb** higher\n2. Walk *further*\n");
+        QTRY_COMPARE_WITH_TIMEOUT(generator->output(), expected, 10000);
+        QTRY_VERIFY(!generator->isGenerating());
+        QVERIFY(visibleTexts(window).contains(QStringLiteral("Generated Content:")));
+        QVERIFY(findItem(window, QStringLiteral("generatedContent"))->isVisible());
+        QVERIFY(visibleTexts(window).join(QLatin1Char('\n')).contains(QStringLiteral("Climb")));
+        QVERIFY(!findItem(window, QStringLiteral("generatorError"))->isVisible());
+
+        // The prompt carries both fields, in the form's order.
+        const QString sent = ssefixture::lastMessageText(m_fake->lastRequest().json());
+        QVERIFY2(sent.indexOf(QStringLiteral("Acme Boots")) >= 0, qPrintable(sent));
+        QVERIFY2(sent.indexOf(QStringLiteral("Acme Boots")) < sent.indexOf(QStringLiteral("hikers")), qPrintable(sent));
+        QCOMPARE(m_fake->lastRequest().json().object().value(QLatin1String("model")).toString(),
+            QStringLiteral("gpt-3.5-turbo-1106"));
+
+        QGuiApplication::clipboard()->clear();
+        QVERIFY(click(findItem(window, QStringLiteral("copyOutputButton"))));
+        const QString copied = QGuiApplication::clipboard()->text();
+        QCOMPARE(copied, stripMarkdown(expected));
+        QVERIFY(!copied.contains(QLatin1String("**")));
+        QVERIFY(!copied.contains(QLatin1String("##")));
+        QTRY_VERIFY(visibleTexts(window).contains(QStringLiteral("Copied!")));
+    }
+
+    void emailInTheFormAsksAndSendsTheRedactedText()
+    {
+        m_fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Done.")), ssefixture::done }));
+        const auto app = startApp();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        GeneratorViewModel *generator = openSloganGenerator(*app);
+        QVERIFY(generator);
+        QVERIFY(fill(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme")));
+        QVERIFY(fill(window, QStringLiteral("Target Audience"), QStringLiteral("mail jo.doe@example.com")));
+        QVERIFY(click(findItem(window, QStringLiteral("generateButton"))));
+
+        // A Popup, not an item: its "opened" property says whether it is up.
+        QObject *dialog = findObject(window, QStringLiteral("piiAlertView"));
+        QVERIFY(dialog);
+        QTRY_VERIFY(dialog->property("opened").toBool());
+        const QStringList texts = visibleTexts(window);
+        for (const QString &text : { QStringLiteral("Personal Information Detected"),
+                 QStringLiteral("Original Message"), QStringLiteral("Redacted Message"),
+                 QStringLiteral("Send Original"), QStringLiteral("Send Redacted") }) {
+            QVERIFY2(texts.contains(text), qPrintable(text));
+        }
+        QVERIFY(m_fake->requests().isEmpty()); // nothing leaves before the choice
+
+        QVERIFY(click(findItem(window, QStringLiteral("sendRedactedButton"))));
+        QTRY_COMPARE_WITH_TIMEOUT(generator->output(), QStringLiteral("Done."), 10000);
+        QTRY_VERIFY(!dialog->property("visible").toBool());
+        QCOMPARE(m_fake->requests().size(), 1);
+        const QString sent = ssefixture::lastMessageText(m_fake->lastRequest().json());
+        QVERIFY2(sent.contains(QLatin1String("[EMAIL_ADDRESS]")), qPrintable(sent));
+        QVERIFY2(!sent.contains(QLatin1String("jo.doe@example.com")), qPrintable(sent));
+        QVERIFY(!m_fake->lastRequest().body.contains("example.com"));
+    }
+
+    void modelSavedInSettingsIsUsedByTheNextRequest()
+    {
+        m_fake->on("POST", "/v1/messages",
+            ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Hello from **Haiku**."))));
+        const auto app = startApp();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        QTest::keyClick(window, Qt::Key_Comma, Qt::ControlModifier);
+        QTRY_VERIFY(findItem(window, QStringLiteral("settingsView")));
+        QQuickItem *picker = findItem(window, QStringLiteral("textModelPicker"));
+        QVERIFY(picker);
+        int haiku = -1;
+        QVERIFY(QMetaObject::invokeMethod(picker, "indexOfValue", Q_RETURN_ARG(int, haiku),
+            Q_ARG(QVariant, QStringLiteral("claude-3-haiku-20240307"))));
+        QVERIFY(haiku > 0);
+        picker->setProperty("currentIndex", haiku);
+        QVERIFY(QMetaObject::invokeMethod(picker, "activated", Q_ARG(int, haiku)));
+        QVERIFY(click(findItem(window, QStringLiteral("saveButton"))));
+        QTRY_VERIFY(visibleTexts(window).contains(QStringLiteral("Your changes have been saved successfully.")));
+        QTest::keyClick(window, Qt::Key_Escape); // the notice holds the window until dismissed
+        QTRY_VERIFY(!visibleTexts(window).contains(QStringLiteral("Your changes have been saved successfully.")));
+
+        QVERIFY(click(findItem(window, QStringLiteral("sidebar:Ask Me Anything"))));
+        QTRY_VERIFY(findItem(window, QStringLiteral("askMeAnythingView")));
+        auto *chat
+            = qobject_cast<AskMeAnythingViewModel *>(findObject(window, QStringLiteral("askMeAnythingViewModel")));
+        QVERIFY(chat && chat->apiManager());
+        chat->apiManager()->overrideUserKeys(QString(), QStringLiteral("sk-ant-window"), QString());
+
+        QVERIFY(click(findItem(window, QStringLiteral("chatInputField"))));
+        typeText(window, QStringLiteral("Say hello"));
+        QTest::keyClick(window, Qt::Key_Return);
+        QTRY_COMPARE_WITH_TIMEOUT(chat->messages()->rowCount(), 2, 10000);
+        QTRY_VERIFY(visibleTexts(window).join(QLatin1Char('\n')).contains(QStringLiteral("Haiku")));
+
+        const RecordedRequest request = m_fake->lastRequest();
+        QCOMPARE(request.path, QByteArray("/v1/messages"));
+        QCOMPARE(request.json().object().value(QLatin1String("model")).toString(),
+            QStringLiteral("claude-3-haiku-20240307"));
+        QCOMPARE(request.header("x-api-key"), QByteArray("sk-ant-window"));
+        QCOMPARE(ssefixture::lastMessageText(request.json()), QStringLiteral("Say hello"));
+        QVERIFY(chat->newMessage().isEmpty());
+    }
+
+    void shiftEnterBreaksTheLineInsteadOfSending()
+    {
+        const auto app = startApp();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        QVERIFY(click(findItem(window, QStringLiteral("sidebar:Ask Me Anything"))));
+        QTRY_VERIFY(findItem(window, QStringLiteral("chatInputField")));
+        QVERIFY(click(findItem(window, QStringLiteral("chatInputField"))));
+        typeText(window, QStringLiteral("one"));
+        QTest::keyClick(window, Qt::Key_Return, Qt::ShiftModifier);
+        typeText(window, QStringLiteral("two"));
+        auto *chat
+            = qobject_cast<AskMeAnythingViewModel *>(findObject(window, QStringLiteral("askMeAnythingViewModel")));
+        QVERIFY(chat);
+        QCOMPARE(chat->newMessage(), QStringLiteral("one\ntwo"));
+        QCOMPARE(chat->messages()->rowCount(), 0);
+        QVERIFY(m_fake->requests().isEmpty());
+    }
+
+    void pdfShowsItsFirstPageAndAnswersAQuestion()
+    {
+        const QString path = m_files.filePath(QStringLiteral("handbook.pdf"));
+        QVERIFY(pdffixtures::writeTextPdf(path,
+            { QStringLiteral("Welcome to the staff handbook."),
+                QStringLiteral("The product launch is planned for the ninth of March.") },
+            QStringLiteral("Handbook")));
+        m_fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::json(ssefixture::completion(QStringLiteral("The launch is on 9 March (page 2)."))));
+
+        const auto app = startApp();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        QVERIFY(click(findItem(window, QStringLiteral("sidebar:Chat With Your PDFs"))));
+        QTRY_VERIFY(findItem(window, QStringLiteral("pdfChatView")));
+        auto *chat = qobject_cast<PdfChatViewModel *>(findObject(window, QStringLiteral("pdfChatViewModel")));
+        QVERIFY(chat && chat->apiManager());
+        chat->apiManager()->overrideUserKeys(QStringLiteral("sk-window-test"), QString(), QString());
+
+        // What the file dialog and a drop hand over: a file address.
+        QVERIFY(chat->open(QUrl::fromLocalFile(path)));
+        QCOMPARE(chat->pageCount(), 2);
+        QQuickItem *pages = findItem(window, QStringLiteral("pdfPageView"));
+        QVERIFY(pages);
+        QTRY_VERIFY(pages->isVisible());
+        QCOMPARE(pages->property("currentPage").toInt(), 0);
+        // The first page is drawn: the view's document is loaded and its first page has a size.
+        auto *document = pages->property("document").value<QObject *>();
+        QVERIFY(document);
+        QTRY_COMPARE(document->property("pageCount").toInt(), 2);
+        QVERIFY(!visibleTexts(window).contains(QStringLiteral("Open a PDF or drop one here.")));
+        saveScreenshots(window, QStringLiteral("pdf-chat"));
+
+        QVERIFY(click(findItem(window, QStringLiteral("chatInputField"))));
+        typeText(window, QStringLiteral("When is the launch?"));
+        QTest::keyClick(window, Qt::Key_Return);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            visibleTexts(window).join(QLatin1Char('\n')).contains(QStringLiteral("9 March")), 10000);
+        const QString sent = ssefixture::lastMessageText(m_fake->lastRequest().json());
+        QVERIFY2(sent.contains(QLatin1String("When is the launch?")), qPrintable(sent));
+        QVERIFY2(sent.contains(QLatin1String("ninth of March")), qPrintable(sent));
+        QCOMPARE(chat->citedPages(QStringLiteral("The launch is on 9 March (page 2).")), QList<int> { 2 });
+    }
+};
+
+ZENTRIK_TEST(ToolScreensTest)
+#include "tst_toolscreens.moc"
