@@ -36,11 +36,10 @@ RowLayout {
         }
     }
 
-    Button {
+    AccentButton {
         objectName: "sendButton"
         text: input.buttonText
         enabled: !input.busy && field.text.trim().length > 0
-        highlighted: true
         icon.name: ""
         Accessible.name: input.buttonText
         onClicked: input.submitted()

@@ -62,11 +62,10 @@ ScrollingPage {
 
     RowLayout {
         spacing: 12
-        Button {
+        AccentButton {
             objectName: "generateButton"
             text: generator.isGenerating ? qsTr("Generating...") : qsTr("Generate")
             enabled: generator.canGenerate
-            highlighted: true
             Accessible.name: qsTr("Generate")
             onClicked: generator.generate()
         }

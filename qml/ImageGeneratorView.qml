@@ -64,10 +64,9 @@ ScrollingPage {
     RowLayout {
         spacing: 12
 
-        Button {
+        AccentButton {
             objectName: "generateButton"
             text: studio.isGenerating ? qsTr("Generating…") : qsTr("Generate Image")
-            highlighted: true
             enabled: studio.canGenerate
             onClicked: studio.generate()
         }

@@ -50,11 +50,10 @@ Item {
             onAccepted: setup.gate.submitKey(text)
         }
 
-        Button {
+        AccentButton {
             objectName: "activateButton"
             Layout.alignment: Qt.AlignHCenter
             text: qsTr("Activate")
-            highlighted: true
             enabled: keyField.text.trim().length > 0
             Accessible.name: text
             onClicked: setup.gate.submitKey(keyField.text)

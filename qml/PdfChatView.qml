@@ -46,6 +46,7 @@ Item {
             SplitView.preferredWidth: page.width * 0.5
             SplitView.minimumWidth: 280
             color: Theme.cardColor
+            clip: true
 
             PdfScrollablePageView {
                 id: pageView
@@ -54,6 +55,16 @@ Item {
                 visible: pdfChat.hasDocument
                 document: pdfDocument
                 onCurrentPageChanged: pdfChat.currentPage = currentPage
+                // Pages follow the pane's width, so the whole line of text is always in view.
+                onWidthChanged: fitWidth()
+                function fitWidth() {
+                    if (pdfDocument.status === PdfDocument.Ready && width > 0)
+                        scaleToWidth(width, height)
+                }
+                Connections {
+                    target: pdfDocument
+                    function onStatusChanged() { pageView.fitWidth() }
+                }
             }
 
             ColumnLayout {

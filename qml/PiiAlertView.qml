@@ -77,10 +77,9 @@ Dialog {
                 dialog.sendOriginal()
             }
         }
-        Button {
+        AccentButton {
             objectName: "sendRedactedButton"
             text: qsTr("Send Redacted")
-            highlighted: true
             Accessible.name: text
             onClicked: {
                 dialog.alert.showAlert = false

@@ -86,11 +86,10 @@ ScrollingPage {
         settings: settingsModel
     }
 
-    Button {
+    AccentButton {
         objectName: "saveButton"
         Layout.alignment: Qt.AlignRight
         text: qsTr("Save")
-        highlighted: true
         Accessible.name: text
         onClicked: settingsModel.save()
     }

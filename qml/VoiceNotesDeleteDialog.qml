@@ -32,10 +32,9 @@ Dialog {
             flat: true
             onClicked: dialog.voiceNotes.cancelDelete()
         }
-        Button {
+        AccentButton {
             objectName: "confirmDeleteButton"
             text: qsTr("Delete")
-            highlighted: true
             onClicked: dialog.voiceNotes.confirmDelete()
         }
     }

@@ -60,10 +60,9 @@ Dialog {
             flat: true
             onClicked: dialog.editor.cancel()
         }
-        Button {
+        AccentButton {
             objectName: "saveEditButton"
             text: qsTr("Save")
-            highlighted: true
             enabled: dialog.editor.canSave
             onClicked: dialog.editor.save()
         }

@@ -24,6 +24,7 @@ Rectangle {
         spacing: 12
 
         RoundButton {
+            id: recordButton
             objectName: "recordButton"
             Layout.alignment: Qt.AlignHCenter
             Layout.preferredWidth: 88
@@ -34,6 +35,15 @@ Rectangle {
             Accessible.name: panel.voiceNotes.isRecording || panel.voiceNotes.isStarting ? qsTr("Stop recording")
                                                                                         : qsTr("Start recording")
             onClicked: panel.voiceNotes.toggleRecording()
+            // Drawn without Material's shader shadow, which the software renderer cannot run.
+            background: Rectangle {
+                radius: width / 2
+                color: !recordButton.enabled ? recordButton.Material.buttonDisabledColor
+                     : recordButton.down ? Qt.darker(recordButton.Material.accentColor, 1.15)
+                     : recordButton.Material.accentColor
+                border.width: recordButton.visualFocus ? 2 : 0
+                border.color: recordButton.Material.foreground
+            }
             contentItem: SymbolIcon {
                 symbol: panel.voiceNotes.isRecording || panel.voiceNotes.isStarting ? "stop.fill" : "mic.fill"
                 size: 40

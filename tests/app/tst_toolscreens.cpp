@@ -126,6 +126,7 @@ private Q_SLOTS:
         QVERIFY(!copied.contains(QLatin1String("**")));
         QVERIFY(!copied.contains(QLatin1String("##")));
         QTRY_VERIFY(visibleTexts(window).contains(QStringLiteral("Copied!")));
+        saveScreenshots(window, QStringLiteral("generator"));
     }
 
     void emailInTheFormAsksAndSendsTheRedactedText()
@@ -166,7 +167,10 @@ private Q_SLOTS:
     void modelSavedInSettingsIsUsedByTheNextRequest()
     {
         m_fake->on("POST", "/v1/messages",
-            ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Hello from **Haiku**."))));
+            ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral(
+                "Hello! Three ways to start your week:\n\n1. **Plan** the three things that matter most\n"
+                "2. Block an hour for deep work each morning\n3. Ask me for an outline of anything you write\n\n"
+                "Yours, *Haiku*."))));
         const auto app = startApp();
         QVERIFY(app);
         QQuickWindow *window = app->window();
@@ -193,7 +197,7 @@ private Q_SLOTS:
         chat->apiManager()->overrideUserKeys(QString(), QStringLiteral("sk-ant-window"), QString());
 
         QVERIFY(click(findItem(window, QStringLiteral("chatInputField"))));
-        typeText(window, QStringLiteral("Say hello"));
+        typeText(window, QStringLiteral("Say hello and help me start the week"));
         QTest::keyClick(window, Qt::Key_Return);
         QTRY_COMPARE_WITH_TIMEOUT(chat->messages()->rowCount(), 2, 10000);
         QTRY_VERIFY(visibleTexts(window).join(QLatin1Char('\n')).contains(QStringLiteral("Haiku")));
@@ -203,8 +207,9 @@ private Q_SLOTS:
         QCOMPARE(request.json().object().value(QLatin1String("model")).toString(),
             QStringLiteral("claude-3-haiku-20240307"));
         QCOMPARE(request.header("x-api-key"), QByteArray("sk-ant-window"));
-        QCOMPARE(ssefixture::lastMessageText(request.json()), QStringLiteral("Say hello"));
+        QCOMPARE(ssefixture::lastMessageText(request.json()), QStringLiteral("Say hello and help me start the week"));
         QVERIFY(chat->newMessage().isEmpty());
+        saveScreenshots(window, QStringLiteral("ask-me-anything"));
     }
 
     void shiftEnterBreaksTheLineInsteadOfSending()
@@ -257,7 +262,6 @@ private Q_SLOTS:
         QVERIFY(document);
         QTRY_COMPARE(document->property("pageCount").toInt(), 2);
         QVERIFY(!visibleTexts(window).contains(QStringLiteral("Open a PDF or drop one here.")));
-        saveScreenshots(window, QStringLiteral("pdf-chat"));
 
         QVERIFY(click(findItem(window, QStringLiteral("chatInputField"))));
         typeText(window, QStringLiteral("When is the launch?"));
@@ -268,6 +272,7 @@ private Q_SLOTS:
         QVERIFY2(sent.contains(QLatin1String("When is the launch?")), qPrintable(sent));
         QVERIFY2(sent.contains(QLatin1String("ninth of March")), qPrintable(sent));
         QCOMPARE(chat->citedPages(QStringLiteral("The launch is on 9 March (page 2).")), QList<int> { 2 });
+        saveScreenshots(window, QStringLiteral("pdf-chat"));
     }
 };
 

@@ -67,6 +67,7 @@ private Q_SLOTS:
             QVERIFY2(findItem(app->window(), QStringLiteral("sidebar:") + entry), qPrintable(entry));
         }
         QCOMPARE(app->window()->title(), QStringLiteral("Zentrik — Zentrik Dashboard"));
+        saveScreenshots(app->window(), QStringLiteral("dashboard-light"));
     }
 
     // Card titles that wrap must push the description down, never draw over it.
@@ -188,6 +189,7 @@ private Q_SLOTS:
         QVERIFY(toggle->property("checked").toBool());
         Theme dark;
         QCOMPARE(restarted->window()->color(), dark.windowColor());
+        saveScreenshots(restarted->window(), QStringLiteral("dashboard-dark"));
     }
 
     void settingsSaveReachesTheApiManager()
@@ -209,6 +211,7 @@ private Q_SLOTS:
 
         QQuickItem *picker = findItem(app->window(), QStringLiteral("textModelPicker"));
         QVERIFY(picker);
+        saveScreenshots(app->window(), QStringLiteral("settings"));
         QCOMPARE(picker->property("currentText").toString(), QStringLiteral("GPT-4o Mini"));
         int haiku = -1;
         QVERIFY(QMetaObject::invokeMethod(picker, "indexOfValue", Q_RETURN_ARG(int, haiku),
