@@ -64,7 +64,8 @@ void ZentrikApp::configureApplication()
     QCoreApplication::setApplicationName(QStringLiteral("Zentrik"));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(build::version));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Zentrik"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("zentrik"));
+    // The installed launcher's name: Wayland compositors match the window to it for the icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("app.zentrik.Zentrik"));
     // The style can be chosen only before the first engine loads a control.
     static const bool styled = [] {
         QQuickStyle::setStyle(QStringLiteral("Material"));

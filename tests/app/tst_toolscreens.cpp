@@ -129,6 +129,32 @@ private Q_SLOTS:
         saveScreenshots(window, QStringLiteral("generator"));
     }
 
+    void ctrlEnterGeneratesAndEscapeStopsKeepingThePartialReply()
+    {
+        m_fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("First line.\n")),
+                                   ssefixture::chunk(QStringLiteral("Never shown.")), ssefixture::done },
+                std::chrono::milliseconds(5000)));
+        const auto app = startApp();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        GeneratorViewModel *generator = openSloganGenerator(*app);
+        QVERIFY(generator);
+        QVERIFY(fill(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme")));
+
+        QTest::keyClick(window, Qt::Key_Return, Qt::ControlModifier);
+        QTRY_VERIFY(generator->isGenerating());
+        QTRY_VERIFY(findItem(window, QStringLiteral("stopButton"))->isVisible());
+        QTRY_COMPARE_WITH_TIMEOUT(generator->output(), QStringLiteral("First line.\n"), 4000);
+
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(!generator->isGenerating());
+        QCOMPARE(generator->output(), QStringLiteral("First line.\n"));
+        QVERIFY(generator->errorMessage().isEmpty());
+        QVERIFY(!findItem(window, QStringLiteral("stopButton"))->isVisible());
+        QVERIFY(findItem(window, QStringLiteral("generateButton"))->isEnabled());
+    }
+
     void emailInTheFormAsksAndSendsTheRedactedText()
     {
         m_fake->on("POST", "/v1/chat/completions",
