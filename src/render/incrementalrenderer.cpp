@@ -1,6 +1,7 @@
 #include "render/incrementalrenderer.h"
 
 #include "render/linetext.h"
+#include "render/tablerows.h"
 #include "render/tailcuts.h"
 
 namespace zentrik {
@@ -29,7 +30,7 @@ void IncrementalRenderer::append(QStringView piece)
     const qsizetype oldSize = m_text.size();
     m_text.append(piece);
     noteReferenceDefinitions(oldSize > 0 ? oldSize - 1 : 0);
-    if (!m_wholeText && (extendLastBlock() || finishLastBlock())) {
+    if (!m_wholeText && (extendLastBlock() || finishLastBlock() || extendTable())) {
         return;
     }
     renderTail();
@@ -246,20 +247,16 @@ void IncrementalRenderer::prepareToExtend(const SourceSpan &span, qsizetype span
 bool IncrementalRenderer::extendLastBlock()
 {
     const qsizetype end = renderEnd();
-    std::optional<QString> text;
-    const auto *paragraph = std::get_if<OpenParagraph>(&m_lastBlock);
     if (auto *code = std::get_if<OpenCodeBlock>(&m_lastBlock)) {
-        text = code->extend(m_text, end);
-    } else if (paragraph != nullptr) {
-        text = std::get<OpenParagraph>(m_lastBlock).extend(m_text, end);
+        return code->extend(m_text, end, m_blocks.last().text);
     }
-    if (!text) {
-        return false;
+    if (auto *paragraph = std::get_if<OpenParagraph>(&m_lastBlock)) {
+        MarkdownBlock &block = m_blocks.last();
+        return paragraph->extend(m_text, end,
+                                 paragraph->target() == OpenParagraph::Target::LastItemText ? block.items.last().text
+                                                                                            : block.text);
     }
-    MarkdownBlock &block = m_blocks.last();
-    (paragraph != nullptr && paragraph->target() == OpenParagraph::Target::LastItemText ? block.items.last().text
-                                                                                        : block.text) = *text;
-    return true;
+    return false;
 }
 
 // When the new text completes the last block, that block and everything before it become
@@ -293,20 +290,20 @@ bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
 {
     const OpenParagraph::Target target = paragraph.target();
     const qsizetype end = renderEnd();
-    const std::optional<OpenParagraph::LineEnd> line = paragraph.endLine(m_text, end);
-    if (!line) {
+    MarkdownBlock &block = m_blocks.last();
+    QString &rich = target == OpenParagraph::Target::BlockText ? block.text : block.items.last().text;
+    // Failing here leaves the tail to be parsed again, which rewrites the paragraph's text.
+    const std::optional<qsizetype> next = paragraph.endLine(m_text, end, rich);
+    if (!next) {
         m_lastBlock = std::monostate();
         return false;
     }
-    MarkdownBlock &block = m_blocks.last();
-    QString &rich = target == OpenParagraph::Target::BlockText ? block.text : block.items.last().text;
-    qsizetype at = line->next;
+    qsizetype at = *next;
     while (at < end && (m_text.at(at) == QLatin1Char(' ') || m_text.at(at) == QLatin1Char('\t'))) {
         ++at;
     }
     // Until the next line shows more than white space, the paragraph ends with its line.
     if (at >= end) {
-        rich = line->richText;
         return true;
     }
     m_lastBlock = std::monostate();
@@ -315,7 +312,6 @@ bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
             || (m_text.at(at) != QLatin1Char('\n') && m_text.at(at) != QLatin1Char('\r'))) {
             return false;
         }
-        rich = line->richText;
         commitUpTo(QStringView(m_text).sliced(at).startsWith(QLatin1String("\r\n")) ? at + 2 : at + 1);
         m_stableCount = m_blocks.size();
         // A new paragraph needs no parse of the blocks around it.
@@ -329,10 +325,9 @@ bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
             return true;
         }
     } else {
-        if (!m_listMarker || !startsSiblingItem(QStringView(m_text).sliced(line->next, end - line->next))) {
+        if (!m_listMarker || !startsSiblingItem(QStringView(m_text).sliced(*next, end - *next))) {
             return false;
         }
-        rich = line->richText;
         qint64 nextNumber = 0;
         for (qsizetype i = block.items.size() - 1; i >= 0; --i) {
             const MarkdownListItem &item = block.items.at(i);
@@ -342,13 +337,57 @@ bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
             }
         }
         m_openBlock = OpenBlock::list(block, block.items.size(), nextNumber, m_listMarker->parenDelimiter);
-        m_tailStart = line->next;
+        m_tailStart = *next;
         m_stableCount = m_blocks.size();
         if (startPlainItem(end)) {
             return true;
         }
     }
     renderTail();
+    return true;
+}
+
+// While a table grows row by row, the tail holds only its rows: the one being written and
+// perhaps some just finished. They are rendered on their own, and the finished ones join
+// the final part of the table.
+bool IncrementalRenderer::extendTable()
+{
+    if (!m_openBlock || !m_openBlock->isTable()) {
+        return false;
+    }
+    const qsizetype end = renderEnd();
+    QList<QStringView> lines;
+    qsizetype lineStart = m_tailStart;
+    for (qsizetype at = m_tailStart; at < end; ++at) {
+        if (m_text.at(at) == QLatin1Char('\r')) {
+            return false;
+        }
+        if (m_text.at(at) == QLatin1Char('\n')) {
+            lines.append(QStringView(m_text).sliced(lineStart, at - lineStart));
+            lineStart = at + 1;
+        }
+    }
+    const bool rowBegun = lineStart < end;
+    if (rowBegun) {
+        lines.append(QStringView(m_text).sliced(lineStart, end - lineStart));
+    }
+    if (lines.isEmpty()) {
+        return false;
+    }
+    const std::optional<QList<QStringList>> rows = TableRows::render(lines, m_openBlock->block().tableHeader.size());
+    if (!rows) {
+        return false;
+    }
+    MarkdownBlock table = m_openBlock->block();
+    table.tableRows.append(*rows);
+    if (rowBegun && lines.size() > 1) {
+        if (std::optional<OpenBlock> grown = m_openBlock->withTable(table)) {
+            m_openBlock = std::move(grown);
+            m_tailStart = lineStart;
+        }
+    }
+    m_blocks.resize(m_stableCount);
+    m_blocks.last() = std::move(table);
     return true;
 }
 

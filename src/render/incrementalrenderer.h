@@ -18,8 +18,8 @@ namespace zentrik {
 // Renders a reply while it streams in. Blocks that later text can no longer change are
 // kept, and each piece re-parses only the unfinished tail: the block being written (of a
 // long list or table, only its last item or row). A code block or paragraph that grows is
-// extended without parsing it again, and a block that a piece completes is closed without
-// parsing it again, so the work per piece follows the size of the piece, not the length of
+// extended without parsing it again, the rows of a table are rendered without the table
+// around them, and a block that a piece completes is closed without parsing it again, so the work per piece follows the size of the piece, not the length of
 // the reply. After every piece, blocks() equals MarkdownRenderer::render() of the text so
 // far (less a trailing half of a surrogate pair, which waits for the rest).
 class IncrementalRenderer
@@ -57,6 +57,7 @@ private:
     bool extendLastBlock();
     bool finishLastBlock();
     bool finishParagraph(OpenParagraph &paragraph);
+    bool extendTable();
     [[nodiscard]] bool startsSiblingItem(QStringView text) const;
     bool startPlainItem(qsizetype end);
     void commitUpTo(qsizetype tailStart);

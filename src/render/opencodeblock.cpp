@@ -23,12 +23,25 @@ std::optional<OpenCodeBlock> OpenCodeBlock::open(QStringView text, qsizetype con
     return block;
 }
 
-std::optional<QString> OpenCodeBlock::extend(QStringView text, qsizetype end)
+bool OpenCodeBlock::extend(QStringView text, qsizetype end, QString &code)
 {
     if (scan(text, end) != end) {
-        return std::nullopt;
+        return false;
     }
-    return code(text, end);
+    if (m_written < m_contentStart || m_written > end) {
+        code = this->code(text, end);
+    } else {
+        // The text shown lacks the final line break of what it was written from.
+        if (m_written > m_contentStart && text.at(m_written - 1) == QLatin1Char('\n')) {
+            code += QLatin1Char('\n');
+        }
+        code += text.sliced(m_written, end - m_written);
+        if (code.endsWith(QLatin1Char('\n'))) {
+            code.chop(1);
+        }
+    }
+    m_written = end;
+    return true;
 }
 
 std::optional<OpenCodeBlock::Closed> OpenCodeBlock::close(QStringView text, qsizetype end)
@@ -47,6 +60,8 @@ std::optional<OpenCodeBlock::Closed> OpenCodeBlock::close(QStringView text, qsiz
     if (lineEnd < end && !(text.at(lineEnd) == QLatin1Char('\r') && lineEnd + 1 >= end)) {
         next = text.sliced(lineEnd).startsWith(QLatin1String("\r\n")) ? lineEnd + 2 : lineEnd + 1;
     }
+    // The caller shows the block without the fence line, which may yet turn into code.
+    m_written = fence;
     return Closed{code(text, fence), next};
 }
 

@@ -19,16 +19,18 @@ public:
     [[nodiscard]] static std::optional<OpenCodeBlock> open(QStringView text, qsizetype contentStart, qsizetype end,
                                                            QChar fenceChar, int fenceLength);
 
-    // The block's text with everything up to end, or nothing when the new text may close
-    // the block or needs cmark to decide.
-    [[nodiscard]] std::optional<QString> extend(QStringView text, qsizetype end);
+    // Brings the block's text, code, up to end: code is what this block wrote last (or what
+    // the parse that opened it gave), so only the new text is appended to it. False when the
+    // new text may close the block or needs cmark to decide.
+    [[nodiscard]] bool extend(QStringView text, qsizetype end, QString &code);
 
     struct Closed {
         QString code;   // the block's final text
         qsizetype next; // where the line after the closing fence begins; -1 while the
                         // fence's line is unfinished and may still turn into code
     };
-    // When the new text closes the block with a fence: its text, and where the rest begins.
+    // When the new text closes the block with a fence: its text, which the caller shows, and
+    // where the rest begins.
     [[nodiscard]] std::optional<Closed> close(QStringView text, qsizetype end);
 
     // A closing fence: up to three spaces, at least fenceLength fence characters, then
@@ -44,6 +46,7 @@ private:
 
     qsizetype m_contentStart;
     qsizetype m_lineStart; // the start of the last, unfinished line
+    qsizetype m_written = -1; // how far the text this block last wrote reaches
     QChar m_fenceChar;
     int m_fenceLength;
 };

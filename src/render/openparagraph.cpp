@@ -170,6 +170,7 @@ std::optional<OpenParagraph> OpenParagraph::openLine(QStringView text, qsizetype
     }
     open.m_checked = end;
     richText = open.m_live;
+    open.m_changedFrom = open.m_live.size();
     return open;
 }
 
@@ -187,7 +188,7 @@ qsizetype OpenParagraph::freezePoint(QStringView text, qsizetype from, qsizetype
     return -1;
 }
 
-std::optional<OpenParagraph::LineEnd> OpenParagraph::endLine(QStringView text, qsizetype end)
+std::optional<qsizetype> OpenParagraph::endLine(QStringView text, qsizetype end, QString &rich)
 {
     qsizetype lineEnd = m_checked;
     while (lineEnd < end && text.at(lineEnd) != QLatin1Char('\n') && text.at(lineEnd) != QLatin1Char('\r')) {
@@ -200,18 +201,17 @@ std::optional<OpenParagraph::LineEnd> OpenParagraph::endLine(QStringView text, q
     const qsizetype next = text.sliced(lineEnd).startsWith(QLatin1String("\r\n")) ? lineEnd + 2 : lineEnd + 1;
     // The end of a paragraph drops trailing white space and a hard break, as a parse of the
     // line on its own does.
-    std::optional<QString> rich = extend(text, lineEnd);
-    if (!rich) {
+    if (!extend(text, lineEnd, rich)) {
         return std::nullopt;
     }
-    return LineEnd{std::move(*rich), next};
+    return next;
 }
 
-std::optional<QString> OpenParagraph::extend(QStringView text, qsizetype end)
+bool OpenParagraph::extend(QStringView text, qsizetype end, QString &rich)
 {
     for (qsizetype at = m_checked; at < end; ++at) {
         if (text.at(at) == QLatin1Char('\n') || text.at(at) == QLatin1Char('\r')) {
-            return std::nullopt;
+            return false;
         }
     }
     m_checked = end;
@@ -223,24 +223,45 @@ std::optional<QString> OpenParagraph::extend(QStringView text, qsizetype end)
                                  CmarkDocument::Extensions::Inline);
         cmark_node *paragraph = soleNode(live);
         if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH) {
-            return std::nullopt;
+            return false;
         }
         qsizetype content = end;
         while (content > m_liveStart && LineText::isSpaceOrTab(text.at(content - 1))) {
             --content;
         }
-        m_live = RichTextWriter::inlines(paragraph);
+        QString parsed = RichTextWriter::inlines(paragraph);
+        qsizetype same = 0;
+        const qsizetype shorter = qMin(parsed.size(), m_live.size());
+        while (same < shorter && parsed.at(same) == m_live.at(same)) {
+            ++same;
+        }
+        changedFrom(m_head.size() + same);
+        m_live = std::move(parsed);
         m_liveSpace = text.sliced(content, end - content).toString();
         m_liveEnd = end;
         m_liveClean = isClean(paragraph);
     }
-    QString rich;
-    rich.reserve(m_head.size() + m_live.size() + m_tail.size());
-    rich += m_head;
-    rich += m_live;
+    // Rewrite only from where the text changed: usually it just grew at the end.
+    const qsizetype shownLength = m_head.size() + m_live.size();
+    const qsizetype keep = qMin(m_changedFrom, rich.size() - m_tail.size());
+    if (keep < 0 || !rich.endsWith(m_tail)) {
+        rich.clear();
+        rich.reserve(shownLength + m_tail.size());
+        rich += m_head;
+        rich += m_live;
+    } else {
+        rich.truncate(keep);
+        if (keep < m_head.size()) {
+            rich += QStringView(m_head).sliced(keep);
+            rich += m_live;
+        } else {
+            rich += QStringView(m_live).sliced(qMin(keep - m_head.size(), m_live.size()));
+        }
+    }
     rich += m_tail;
+    m_changedFrom = shownLength;
     tryFreeze(text, end);
-    return rich;
+    return true;
 }
 
 void OpenParagraph::appendPlainly(QStringView text, qsizetype end)
@@ -250,28 +271,26 @@ void OpenParagraph::appendPlainly(QStringView text, qsizetype end)
         --content;
     }
     if (content > m_liveEnd) {
+        changedFrom(m_head.size() + m_live.size());
         // The white space held back before shows now that text follows it.
         m_live += m_liveSpace;
         m_liveSpace.clear();
-        for (const QChar c : text.sliced(m_liveEnd, content - m_liveEnd)) {
-            switch (c.unicode()) {
-            case '&':
-                m_live += QLatin1StringView("&amp;");
-                break;
-            case '<':
-                m_live += QLatin1StringView("&lt;");
-                break;
-            case '>':
-                m_live += QLatin1StringView("&gt;");
-                break;
-            case '"':
-                m_live += QLatin1StringView("&quot;");
-                break;
-            default:
-                m_live += c;
-                break;
+        // Runs without anything to escape go in whole.
+        const QStringView added = text.sliced(m_liveEnd, content - m_liveEnd);
+        qsizetype run = 0;
+        for (qsizetype at = 0; at < added.size(); ++at) {
+            const char16_t c = added.at(at).unicode();
+            if (c != '&' && c != '<' && c != '>' && c != '"') {
+                continue;
             }
+            m_live += added.sliced(run, at - run);
+            m_live += c == '&' ? QLatin1StringView("&amp;")
+                      : c == '<' ? QLatin1StringView("&lt;")
+                      : c == '>' ? QLatin1StringView("&gt;")
+                                 : QLatin1StringView("&quot;");
+            run = at + 1;
         }
+        m_live += added.sliced(run);
     }
     m_liveSpace += text.sliced(content, end - content);
     m_liveEnd = end;
@@ -297,6 +316,7 @@ void OpenParagraph::freezeAtWord(QStringView text, qsizetype end)
         return;
     }
     appendPlainly(text, point);
+    changedFrom(m_head.size() + m_live.size());
     m_head += m_live + m_liveSpace;
     m_live.clear();
     m_liveSpace.clear();
@@ -312,8 +332,12 @@ bool OpenParagraph::canAppendPlainly(QStringView text, qsizetype end) const
     if (m_liveEnd < m_liveStart || m_liveEnd > end) {
         return false;
     }
+    // The word is cut where cmark's address extension ends an address: at a blank, a tab or
+    // a line end only. Unicode's wider idea of white space (form feed, no-break space, ...)
+    // would start the word inside an address such as "ftp://a\fb" and miss its scheme.
     qsizetype wordStart = m_liveEnd;
-    while (wordStart > m_liveStart && !text.at(wordStart - 1).isSpace()) {
+    while (wordStart > m_liveStart && !LineText::isSpaceOrTab(text.at(wordStart - 1))
+           && text.at(wordStart - 1) != QLatin1Char('\n') && text.at(wordStart - 1) != QLatin1Char('\r')) {
         --wordStart;
     }
     if (m_liveEnd > m_liveStart) {
@@ -408,6 +432,7 @@ void OpenParagraph::tryFreeze(QStringView text, qsizetype end)
     if (m_liveEnd >= 0 && m_live.startsWith(frozen)) {
         m_live.remove(0, frozen.size());
     } else {
+        changedFrom(m_head.size());
         m_liveEnd = -1;
     }
     m_liveClean = false;

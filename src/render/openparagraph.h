@@ -37,17 +37,15 @@ public:
 
     [[nodiscard]] Target target() const { return m_target; }
 
-    // The rich text that holds the paragraph, with everything up to end, or nothing when the
-    // new text breaks the line or the paragraph needs to be parsed as a whole.
-    [[nodiscard]] std::optional<QString> extend(QStringView text, qsizetype end);
+    // Brings the rich text that holds the paragraph up to end. rich is what this paragraph
+    // wrote last (or what the parse that opened it gave), so mostly only the new text is
+    // appended to it. False when the new text breaks the line or the paragraph needs to be
+    // parsed as a whole; rich may have changed then.
+    [[nodiscard]] bool extend(QStringView text, qsizetype end, QString &rich);
 
-    struct LineEnd {
-        QString richText; // the rich text with the whole line
-        qsizetype next;   // where the next line begins
-    };
-    // When the new text ends the paragraph's line: the rich text as it is with that line if
-    // the paragraph ends there, and where the next line begins.
-    [[nodiscard]] std::optional<LineEnd> endLine(QStringView text, qsizetype end);
+    // When the new text ends the paragraph's line: sets rich to the rich text as it is with
+    // that line if the paragraph ends there, and returns where the next line begins.
+    [[nodiscard]] std::optional<qsizetype> endLine(QStringView text, qsizetype end, QString &rich);
 
 
 private:
@@ -57,6 +55,9 @@ private:
     void appendPlainly(QStringView text, qsizetype end);
     void freezeAtWord(QStringView text, qsizetype end);
     void tryFreeze(QStringView text, qsizetype end);
+    // Notes that the rich text before the live part and the live part, taken together, may
+    // differ from what was last written from this position on.
+    void changedFrom(qsizetype position) { m_changedFrom = qMin(m_changedFrom, position); }
 
     qsizetype m_lineStart;
     qsizetype m_checked;   // the text before this holds no line break
@@ -70,6 +71,9 @@ private:
     qsizetype m_liveEnd = -1;
     bool m_liveClean = false; // nothing in the live part waits for a partner
     qsizetype m_nextFreeze = 0;
+    // m_head + m_live as last written agrees with the present one up to here; 0 until the
+    // paragraph has written its rich text once.
+    qsizetype m_changedFrom = 0;
     Target m_target;
 };
 

@@ -136,6 +136,8 @@ private Q_SLOTS:
     void everySplitPoint();
     void characterByCharacter_data();
     void characterByCharacter();
+    void shortcutsCharacterByCharacter_data();
+    void shortcutsCharacterByCharacter();
     void generatedReplies_data();
     void generatedReplies();
     void workStaysBounded();
@@ -197,6 +199,40 @@ void IncrementalRendererTest::characterByCharacter()
     }
     const QString difference = firstDifference(reply, cuts);
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
+}
+
+// Replies that run through the shortcuts that skip a parse: table rows rendered on their
+// own, code and paragraphs that grow in place, and the cases where each must give way.
+void IncrementalRendererTest::shortcutsCharacterByCharacter_data()
+{
+    QTest::addColumn<QString>("reply");
+    const QString header = QStringLiteral("| Option | Type | Default |\n|:--|:-:|--:|\n");
+    QTest::newRow("table rows") << header + "| `a()` | **b** | 12 |\n| 😀 c | d | 3 |\n| e |\n\nAfter.\n";
+    QTest::newRow("row turning unusual") << header + "| a | b |\n| c \\| d | e |\n|\n| 1. | - x |\n| f\tg |\n";
+    QTest::newRow("table ended by a quote") << header + "| a | b |\n> quote\n";
+    QTest::newRow("table ended by a heading") << header + "| a | b |\n# Head\n| c |\n";
+    QTest::newRow("table with carriage returns") << "| a | b |\r\n|---|---|\r\n| c | d |\r\n| e | f |\r\n";
+    QTest::newRow("fence look-alikes in code") << "```python\nx = 1\n``` not closing\n``\n```py \ny\n```\nText.\n";
+    QTest::newRow("paragraph freezing and markup")
+        << "Plain words that keep going for a while so that the live part freezes at a word, then **bold "
+           "text** and `code` and a [link](https://example.com) and more words & <tags> \"quoted\" until "
+           "the end  \nof the line.\n\n- item with *emphasis* that grows\n- second item\n";
+}
+
+void IncrementalRendererTest::shortcutsCharacterByCharacter()
+{
+    QFETCH(QString, reply);
+    QList<qsizetype> cuts;
+    for (qsizetype cut = 1; cut < reply.size(); ++cut) {
+        cuts.append(cut);
+    }
+    QString difference = firstDifference(reply, cuts);
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    QRandomGenerator random(91);
+    for (int round = 0; round < 40; ++round) {
+        difference = firstDifference(reply, randomCuts(random, reply.size()));
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
 }
 
 void IncrementalRendererTest::generatedReplies_data()
