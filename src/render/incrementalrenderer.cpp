@@ -158,8 +158,10 @@ void IncrementalRenderer::cutTail(QStringView tail, const QList<SourceSpan> &spa
         }
         return;
     }
-    const int firstRow = continued && m_openBlock->isTable() ? 1 : lastSpan.startLine + 2;
-    if (const int row = cuts.lastFreshRow(lastSpan, firstRow); row > 0) {
+    // A fresh table opens once its first row has begun: the header and delimiter lines are
+    // complete then, and its rows are rendered on their own from there.
+    const int keptLine = continued && m_openBlock->isTable() ? 1 : lastSpan.startLine + 1;
+    if (const int row = cuts.lastFreshRow(lastSpan, keptLine); row > 0) {
         std::optional<OpenBlock> open;
         if (continued && m_openBlock->isTable()) {
             open = m_openBlock->withTable(m_blocks.at(first + last));

@@ -123,10 +123,10 @@ qsizetype TailCuts::lastFreshItem(const SourceSpan &list) const
 
 // Every line of a table after its delimiter row is one row, parsed on its own, so the rows
 // before the last one are final once the last one has begun.
-int TailCuts::lastFreshRow(const SourceSpan &table, int firstRow) const
+int TailCuts::lastFreshRow(const SourceSpan &table, int after) const
 {
     const int line = lineCount();
-    if (table.kind != SourceSpan::Kind::Table || table.startLine < 1 || table.endLine != line || line <= firstRow
+    if (table.kind != SourceSpan::Kind::Table || table.startLine < 1 || table.endLine != line || line <= after
         || isBlank(lineText(line)) || !canBeginAt(line)) {
         return 0;
     }

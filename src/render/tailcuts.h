@@ -36,8 +36,8 @@ public:
     // The last item of a list from which the list can be continued afresh; -1 if none.
     [[nodiscard]] qsizetype lastFreshItem(const SourceSpan &list) const;
     // The line of the last row of a table that ends the tail, when a parse can begin
-    // there; 0 if none. firstRow: the line of the table's first row.
-    [[nodiscard]] int lastFreshRow(const SourceSpan &table, int firstRow) const;
+    // there; 0 if none. The row must come after the line `after`, which stays final.
+    [[nodiscard]] int lastFreshRow(const SourceSpan &table, int after) const;
 
     [[nodiscard]] static bool isBlank(QStringView line);
 
