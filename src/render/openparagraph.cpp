@@ -4,6 +4,7 @@
 #include "render/cmarkdocument.h"
 #include "render/linetext.h"
 #include "render/richtextwriter.h"
+#include "render/simpleinlines.h"
 
 #include <cstring>
 
@@ -82,6 +83,24 @@ cmark_node *soleNode(const CmarkDocument &document)
     return first != nullptr && cmark_node_next(first) == nullptr ? first : nullptr;
 }
 
+// The rich text of the text from start to end parsed as a paragraph of its own, less its
+// trailing white space (from content on), and whether it is clean. False when the text is
+// no lone paragraph. Common markup is rendered without a parse.
+bool renderAlone(QStringView text, qsizetype start, qsizetype content, qsizetype end, QString &rich, bool &clean)
+{
+    if (SimpleInlines::render(text.sliced(start, content - start), rich, clean)) {
+        return true;
+    }
+    const CmarkDocument alone(text.sliced(start, end - start).toUtf8(), CmarkDocument::Extensions::Inline);
+    cmark_node *paragraph = soleNode(alone);
+    if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH) {
+        return false;
+    }
+    rich = RichTextWriter::inlines(paragraph);
+    clean = isClean(paragraph);
+    return true;
+}
+
 } // namespace
 
 OpenParagraph::OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype end, Target target)
@@ -153,20 +172,15 @@ std::optional<OpenParagraph> OpenParagraph::openLine(QStringView text, qsizetype
     if (open.canAppendPlainly(text, end)) {
         open.appendPlainly(text, end);
     } else {
-        const CmarkDocument line(text.sliced(contentStart, end - contentStart).toUtf8(),
-                                 CmarkDocument::Extensions::Inline);
-        cmark_node *paragraph = soleNode(line);
-        if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH) {
-            return std::nullopt;
-        }
         qsizetype content = end;
         while (content > contentStart && LineText::isSpaceOrTab(text.at(content - 1))) {
             --content;
         }
-        open.m_live = RichTextWriter::inlines(paragraph);
+        if (!renderAlone(text, contentStart, content, end, open.m_live, open.m_liveClean)) {
+            return std::nullopt;
+        }
         open.m_liveSpace = text.sliced(content, end - content).toString();
         open.m_liveEnd = end;
-        open.m_liveClean = isClean(paragraph);
     }
     open.m_checked = end;
     richText = open.m_live;
@@ -219,27 +233,26 @@ bool OpenParagraph::extend(QStringView text, qsizetype end, QString &rich)
     if (canAppendPlainly(text, end)) {
         appendPlainly(text, end);
     } else {
-        const CmarkDocument live(text.sliced(m_liveStart, end - m_liveStart).toUtf8(),
-                                 CmarkDocument::Extensions::Inline);
-        cmark_node *paragraph = soleNode(live);
-        if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH) {
-            return false;
-        }
         qsizetype content = end;
         while (content > m_liveStart && LineText::isSpaceOrTab(text.at(content - 1))) {
             --content;
         }
-        QString parsed = RichTextWriter::inlines(paragraph);
+        // Rendered into the buffer the text before last went to, then swapped in.
+        QString &parsed = m_previousLive;
+        bool clean = false;
+        if (!renderAlone(text, m_liveStart, content, end, parsed, clean)) {
+            return false;
+        }
         qsizetype same = 0;
         const qsizetype shorter = qMin(parsed.size(), m_live.size());
         while (same < shorter && parsed.at(same) == m_live.at(same)) {
             ++same;
         }
         changedFrom(m_head.size() + same);
-        m_live = std::move(parsed);
+        m_live.swap(parsed);
         m_liveSpace = text.sliced(content, end - content).toString();
         m_liveEnd = end;
-        m_liveClean = isClean(paragraph);
+        m_liveClean = clean;
     }
     // Rewrite only from where the text changed: usually it just grew at the end.
     const qsizetype shownLength = m_head.size() + m_live.size();
@@ -274,7 +287,7 @@ void OpenParagraph::appendPlainly(QStringView text, qsizetype end)
         changedFrom(m_head.size() + m_live.size());
         // The white space held back before shows now that text follows it.
         m_live += m_liveSpace;
-        m_liveSpace.clear();
+        m_liveSpace.truncate(0);
         // Runs without anything to escape go in whole.
         const QStringView added = text.sliced(m_liveEnd, content - m_liveEnd);
         qsizetype run = 0;
@@ -317,9 +330,10 @@ void OpenParagraph::freezeAtWord(QStringView text, qsizetype end)
     }
     appendPlainly(text, point);
     changedFrom(m_head.size() + m_live.size());
-    m_head += m_live + m_liveSpace;
-    m_live.clear();
-    m_liveSpace.clear();
+    m_head += m_live;
+    m_head += m_liveSpace;
+    m_live.truncate(0);
+    m_liveSpace.truncate(0);
     m_liveStart = point;
     m_nextFreeze = 0;
 }
@@ -417,16 +431,11 @@ void OpenParagraph::tryFreeze(QStringView text, qsizetype end)
         m_nextFreeze = end + freezeRetry;
         return;
     }
-    const CmarkDocument prefix(withMarker(text.sliced(m_liveStart, point - m_liveStart)),
-                               CmarkDocument::Extensions::Inline);
-    cmark_node *paragraph = soleNode(prefix);
-    if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH
-        || !endsCleanWithMarker(paragraph)) {
+    QString frozen;
+    if (!frozenText(text, point, frozen)) {
         m_nextFreeze = end + freezeRetry;
         return;
     }
-    const QString rich = RichTextWriter::inlines(paragraph);
-    const QString frozen = rich.left(rich.size() - 1);
     // Nothing before the point reads differently for what follows, so the live part's rich
     // text begins with the frozen part's.
     if (m_liveEnd >= 0 && m_live.startsWith(frozen)) {
@@ -439,6 +448,31 @@ void OpenParagraph::tryFreeze(QStringView text, qsizetype end)
     m_head += frozen;
     m_liveStart = point;
     m_nextFreeze = 0;
+}
+
+// The rich text of the live part up to point, a word after white space, when nothing in it
+// is left open: what follows the point cannot change it then.
+bool OpenParagraph::frozenText(QStringView text, qsizetype point, QString &frozen) const
+{
+    qsizetype content = point;
+    while (content > m_liveStart && LineText::isSpaceOrTab(text.at(content - 1))) {
+        --content;
+    }
+    bool clean = false;
+    if (SimpleInlines::render(text.sliced(m_liveStart, content - m_liveStart), frozen, clean)) {
+        frozen += text.sliced(content, point - content);
+        return clean;
+    }
+    const CmarkDocument prefix(withMarker(text.sliced(m_liveStart, point - m_liveStart)),
+                               CmarkDocument::Extensions::Inline);
+    cmark_node *paragraph = soleNode(prefix);
+    if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH
+        || !endsCleanWithMarker(paragraph)) {
+        return false;
+    }
+    frozen = RichTextWriter::inlines(paragraph);
+    frozen.chop(1);
+    return true;
 }
 
 } // namespace zentrik

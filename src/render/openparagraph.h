@@ -55,6 +55,7 @@ private:
     void appendPlainly(QStringView text, qsizetype end);
     void freezeAtWord(QStringView text, qsizetype end);
     void tryFreeze(QStringView text, qsizetype end);
+    [[nodiscard]] bool frozenText(QStringView text, qsizetype point, QString &frozen) const;
     // Notes that the rich text before the live part and the live part, taken together, may
     // differ from what was last written from this position on.
     void changedFrom(qsizetype position) { m_changedFrom = qMin(m_changedFrom, position); }
@@ -68,6 +69,7 @@ private:
     // only shows once more text follows it.
     QString m_live;
     QString m_liveSpace;
+    QString m_previousLive; // a spare buffer for rendering the live part again
     qsizetype m_liveEnd = -1;
     bool m_liveClean = false; // nothing in the live part waits for a partner
     qsizetype m_nextFreeze = 0;

@@ -217,6 +217,18 @@ void IncrementalRendererTest::shortcutsCharacterByCharacter_data()
         << "Plain words that keep going for a while so that the live part freezes at a word, then **bold "
            "text** and `code` and a [link](https://example.com) and more words & <tags> \"quoted\" until "
            "the end  \nof the line.\n\n- item with *emphasis* that grows\n- second item\n";
+    // Markup rendered without a parse while a paragraph or an item grows, and markup that
+    // looks alike but must be parsed.
+    QTest::newRow("inline shortcuts")
+        << "Words with **bold**, *em*, ~~gone~~ and `code()` and [a link](https://example.com/x?a=1) then "
+           "x**y**z and a * b *c* and (**p**) and **Note:** and \"q\" > r, **unclosed and `open code and "
+           "more words so that the live part freezes.\n\nNext with `a``b` and ``c `d` e`` and *a*b*c* and "
+           "caf\u00e9 **\u00fcber** \U0001F600*\U0001F600* end.\n\n- **Lead**: item with `code()` and *em*\n"
+           "- [link](https://example.com) first\n- `code` first and **bold\n  continued** on\n";
+    QTest::newRow("look-alikes of the shortcuts")
+        << "Text **a ** b *a **b** c* ~a~ ~~~b~~~ snake_case a\\*b* AT&T <b>x</b> www.example.com and "
+           "*https://x.org* a@b.co ![i](p.png) [b](c d) [b] **a\u00ab** `` x ` y `` **a*b ***c*** [*d*](e) "
+           "[f](javascript:x) ` g ` *h.*i end\n\n**x** *y* `z` [w](v) ~~u~~\n";
 }
 
 void IncrementalRendererTest::shortcutsCharacterByCharacter()
