@@ -308,22 +308,31 @@ bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
     if (at >= end) {
         return true;
     }
+    const bool blankLine = m_text.at(at) == QLatin1Char('\n') || m_text.at(at) == QLatin1Char('\r');
+    const qsizetype afterBlank = QStringView(m_text).sliced(at).startsWith(QLatin1String("\r\n")) ? at + 2 : at + 1;
+    if (target == OpenParagraph::Target::LastItemText && blankLine
+        && (afterBlank >= end || (m_text.at(at) == QLatin1Char('\r') && at + 1 >= end))) {
+        // After a blank line, the next line decides whether the list goes on.
+        return true;
+    }
     m_lastBlock = std::monostate();
     if (target == OpenParagraph::Target::BlockText) {
-        if ((m_text.at(at) == QLatin1Char('\r') && at + 1 >= end)
-            || (m_text.at(at) != QLatin1Char('\n') && m_text.at(at) != QLatin1Char('\r'))) {
+        if ((m_text.at(at) == QLatin1Char('\r') && at + 1 >= end) || !blankLine) {
             return false;
         }
-        commitUpTo(QStringView(m_text).sliced(at).startsWith(QLatin1String("\r\n")) ? at + 2 : at + 1);
-        m_stableCount = m_blocks.size();
-        // A new paragraph needs no parse of the blocks around it.
-        QString text;
-        if (auto next = OpenParagraph::openLine(m_text, m_tailStart, m_tailStart, end,
-                                                 OpenParagraph::Target::BlockText, text)) {
-            MarkdownBlock started;
-            started.text = text;
-            m_blocks.append(started);
-            m_lastBlock = std::move(*next);
+        commitUpTo(afterBlank);
+        if (startAfterFinished(end)) {
+            return true;
+        }
+    } else if (blankLine) {
+        // A line at the margin after a blank line ends the list, unless it starts an item.
+        const QChar first = m_text.at(afterBlank);
+        if (LineText::isSpaceOrTab(first) || first == QLatin1Char('\n') || first == QLatin1Char('\r')
+            || first.isDigit() || first == QLatin1Char('-') || first == QLatin1Char('*') || first == QLatin1Char('+')) {
+            return false;
+        }
+        commitUpTo(afterBlank);
+        if (startAfterFinished(end)) {
             return true;
         }
     } else {
@@ -347,6 +356,23 @@ bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
     }
     renderTail();
     return true;
+}
+
+// Once every block so far is final and the tail begins a new one: a paragraph starts
+// without a parse of anything. False when the tail needs parsing.
+bool IncrementalRenderer::startAfterFinished(qsizetype end)
+{
+    m_stableCount = m_blocks.size();
+    QString text;
+    if (auto next = OpenParagraph::openLine(m_text, m_tailStart, m_tailStart, end, OpenParagraph::Target::BlockText,
+                                             text)) {
+        MarkdownBlock started;
+        started.text = text;
+        m_blocks.append(started);
+        m_lastBlock = std::move(*next);
+        return true;
+    }
+    return false;
 }
 
 // While a table grows row by row, the tail holds only its rows: the one being written and

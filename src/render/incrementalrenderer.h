@@ -60,6 +60,7 @@ private:
     bool extendTable();
     [[nodiscard]] bool startsSiblingItem(QStringView text) const;
     bool startPlainItem(qsizetype end);
+    bool startAfterFinished(qsizetype end);
     void commitUpTo(qsizetype tailStart);
 
     QString m_text;

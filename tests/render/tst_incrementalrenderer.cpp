@@ -225,6 +225,13 @@ void IncrementalRendererTest::shortcutsCharacterByCharacter_data()
            "more words so that the live part freezes.\n\nNext with `a``b` and ``c `d` e`` and *a*b*c* and "
            "caf\u00e9 **\u00fcber** \U0001F600*\U0001F600* end.\n\n- **Lead**: item with `code()` and *em*\n"
            "- [link](https://example.com) first\n- `code` first and **bold\n  continued** on\n";
+    // A blank line and a line at the margin end a list without parsing it again; an item,
+    // an indented line or another blank line keep it going.
+    QTest::newRow("lists ended by what follows")
+        << "- a *b*\n- c\n\nAfter the list.\n\n1. one\n2. two\n\n## Heading\n\n- x\n  - nested\n\n"
+           "```\ncode\n```\n\n- y\n\n> quote\n\n- z\n\n| a | b |\n|---|---|\n| 1 | 2 |\n\n"
+           "- loose\n\n- list\n\n  indented more\n\n\nText.\n\n- bullet\n\n1. numbered\n\n"
+           "* star\n\n+ plus\n\n- crlf\r\n\r\nEnd \u00e9.\n\n- tab\n\n\tcode?\n\n- last\n\n<div>\n";
     QTest::newRow("look-alikes of the shortcuts")
         << "Text **a ** b *a **b** c* ~a~ ~~~b~~~ snake_case a\\*b* AT&T <b>x</b> www.example.com and "
            "*https://x.org* a@b.co ![i](p.png) [b](c d) [b] **a\u00ab** `` x ` y `` **a*b ***c*** [*d*](e) "
