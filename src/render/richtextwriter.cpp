@@ -2,6 +2,8 @@
 
 #include <cmark-gfm-core-extensions.h>
 
+#include <QStringDecoder>
+
 #include <cstring>
 #include <vector>
 
@@ -12,6 +14,17 @@ namespace {
 QString escaped(const QString &text)
 {
     return text.toHtmlEscaped();
+}
+
+// QString::fromUtf8() drops a byte order mark at the start of what it converts. cmark hands
+// over literals and runs that may begin with one (the first line of a code block, the text
+// after a line break), and there it is part of the text: dropping it made a whole render
+// differ from the streamed one, which keeps it.
+QString fromUtf8KeepingBom(QByteArrayView utf8)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    return decoder.decode(utf8);
 }
 
 // Appends cmark's UTF-8 text HTML-escaped, without going through a temporary QString for
@@ -30,7 +43,7 @@ void appendEscaped(QString &out, const char *text)
                 if (ascii) {
                     out.append(QLatin1StringView(run, at - run));
                 } else {
-                    out.append(QString::fromUtf8(run, at - run));
+                    out.append(fromUtf8KeepingBom(QByteArrayView(run, at - run)));
                 }
             }
             switch (c) {
@@ -77,7 +90,7 @@ QString withoutFinalNewline(QString text)
 QString RichTextWriter::literal(cmark_node *node)
 {
     const char *text = cmark_node_get_literal(node);
-    return text != nullptr ? QString::fromUtf8(text) : QString();
+    return text != nullptr ? fromUtf8KeepingBom(text) : QString();
 }
 
 bool RichTextWriter::isType(cmark_node *node, const char *typeString)

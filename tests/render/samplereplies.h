@@ -180,6 +180,10 @@ An array `a[1]:` inline and [not a link] here.
 - [ ] task: with a colon
 - [x]: odd but fine
 )")},
+        // A byte order mark that opens a line inside a block is text: the streamed rendering
+        // keeps it in a code block it extends, so a whole render must keep it too.
+        {"byte order marks inside blocks", QStringLiteral("```\r\uFEFF\uFFFD first code line\r\uFEFFsecond\r```\n\n"
+                                                          "Text\n\uFEFFafter a break &\uFEFFafter an ampersand\n")},
     };
 }
 

@@ -84,6 +84,13 @@ void MarkdownRendererTest::blocks_data()
                                                      << "paragraph: &lt;div&gt;<br>hi &amp; bye<br>&lt;/div&gt;";
     QTest::newRow("reference links") << "[a][x] and [b]\n\n[x]: https://x.org\n[b]: /rel \"T\""
                                      << "paragraph: <a href=\"https://x.org\">a</a> and <a href=\"/rel\">b</a>";
+    // QString::fromUtf8() would drop each of these byte order marks.
+    QTest::newRow("byte order mark opening a code block")
+        << QStringLiteral("```\n\uFEFFx\n```") << QStringLiteral("code: \uFEFFx");
+    QTest::newRow("byte order mark after a line break") << QStringLiteral("a\n\uFEFFb")
+                                                        << QStringLiteral("paragraph: a \uFEFFb");
+    QTest::newRow("byte order mark after an escaped character") << QStringLiteral("x&\uFEFFy")
+                                                                 << QStringLiteral("paragraph: x&amp;\uFEFFy");
     QTest::newRow("empty") << "" << "";
     QTest::newRow("blank lines only") << "\n \n\t\n" << "";
 }
