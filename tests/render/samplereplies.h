@@ -184,6 +184,10 @@ An array `a[1]:` inline and [not a link] here.
         // keeps it in a code block it extends, so a whole render must keep it too.
         {"byte order marks inside blocks", QStringLiteral("```\r\uFEFF\uFFFD first code line\r\uFEFFsecond\r```\n\n"
                                                           "Text\n\uFEFFafter a break &\uFEFFafter an ampersand\n")},
+        // Form feed, vertical tab and no-break space do not end an address; the letters that
+        // follow them still belong to the link.
+        {"addresses across unusual white space",
+         QStringLiteral("See https://x.org\vpath and https://a\u00A0b here, ftp://\uFFFD\f\uFFFD\u0001 too\n")},
     };
 }
 
