@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace zentrik {
@@ -139,6 +140,74 @@ void arenaFree(void * /*pointer*/)
 
 cmark_mem arenaMemory = {arenaCalloc, arenaRealloc, arenaFree};
 
+// cmark-gfm's task list extension ticks an item when "[x]" appears anywhere on its first
+// line, so "- [ ] read arr[x]" came out checked, and a streamed item flipped to checked when
+// such text arrived after it had opened. The box is the three bytes after the list marker
+// and its blanks; this reads it there. An item whose line does not look like that (a NUL
+// that cmark widened moves the columns) keeps cmark's reading.
+std::optional<bool> boxAt(QByteArrayView line)
+{
+    qsizetype at = 0;
+    if (at < line.size() && (line[at] == '-' || line[at] == '+' || line[at] == '*')) {
+        ++at;
+    } else {
+        while (at < line.size() && line[at] >= '0' && line[at] <= '9') {
+            ++at;
+        }
+        if (at == 0 || at >= line.size() || (line[at] != '.' && line[at] != ')')) {
+            return std::nullopt;
+        }
+        ++at;
+    }
+    const qsizetype marker = at;
+    while (at < line.size() && (line[at] == ' ' || line[at] == '\t')) {
+        ++at;
+    }
+    if (at == marker || at + 2 >= line.size() || line[at] != '[' || line[at + 2] != ']') {
+        return std::nullopt;
+    }
+    return line[at + 1] == 'x' || line[at + 1] == 'X';
+}
+
+void readTaskBoxes(cmark_node *root, QByteArrayView utf8)
+{
+    std::vector<qsizetype> lineStarts;
+    cmark_iter *iter = cmark_iter_new(root);
+    for (cmark_event_type event = cmark_iter_next(iter); event != CMARK_EVENT_DONE; event = cmark_iter_next(iter)) {
+        cmark_node *node = cmark_iter_get_node(iter);
+        if (event != CMARK_EVENT_ENTER || std::strcmp(cmark_node_get_type_string(node), "tasklist") != 0) {
+            continue;
+        }
+        if (lineStarts.empty()) {
+            // Lines as cmark counts them: ended by LF, CR or CRLF; a leading byte order mark
+            // is not part of the first.
+            lineStarts.push_back(utf8.startsWith("\xef\xbb\xbf") ? 3 : 0);
+            for (qsizetype i = 0; i < utf8.size(); ++i) {
+                if (utf8[i] == '\r' && i + 1 < utf8.size() && utf8[i + 1] == '\n') {
+                    ++i;
+                }
+                if (utf8[i] == '\r' || utf8[i] == '\n') {
+                    lineStarts.push_back(i + 1);
+                }
+            }
+        }
+        const int line = cmark_node_get_start_line(node);
+        const int column = cmark_node_get_start_column(node);
+        if (line < 1 || size_t(line) > lineStarts.size() || column < 1) {
+            continue;
+        }
+        const qsizetype start = lineStarts.at(size_t(line) - 1) + column - 1;
+        const qsizetype end = size_t(line) < lineStarts.size() ? lineStarts.at(size_t(line)) : utf8.size();
+        if (start >= end) {
+            continue;
+        }
+        if (const std::optional<bool> checked = boxAt(utf8.sliced(start, end - start))) {
+            cmark_gfm_extensions_set_tasklist_item_checked(node, *checked);
+        }
+    }
+    cmark_iter_free(iter);
+}
+
 } // namespace
 
 CmarkDocument::CmarkDocument(QByteArrayView utf8, Extensions which)
@@ -156,6 +225,9 @@ CmarkDocument::CmarkDocument(QByteArrayView utf8, Extensions which)
     }
     cmark_parser_feed(m_parser, utf8.data(), size_t(utf8.size()));
     m_root = cmark_parser_finish(m_parser);
+    if (which == Extensions::All) {
+        readTaskBoxes(m_root, utf8);
+    }
 }
 
 CmarkDocument::~CmarkDocument()

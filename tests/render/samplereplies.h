@@ -188,6 +188,9 @@ An array `a[1]:` inline and [not a link] here.
         // follow them still belong to the link.
         {"addresses across unusual white space",
          QStringLiteral("See https://x.org\vpath and https://a\u00A0b here, ftp://\uFFFD\f\uFFFD\u0001 too\n")},
+        // A task item whose text holds "[x]" stays unchecked however the line arrives.
+        {"task boxes and brackets", QStringLiteral("- [ ] index v[x] of the vector\n- [x] done [ ] already\n"
+                                                   "   1. [ ] nested m[X]\n")},
     };
 }
 

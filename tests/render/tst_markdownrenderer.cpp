@@ -84,6 +84,13 @@ void MarkdownRendererTest::blocks_data()
                                                      << "paragraph: &lt;div&gt;<br>hi &amp; bye<br>&lt;/div&gt;";
     QTest::newRow("reference links") << "[a][x] and [b]\n\n[x]: https://x.org\n[b]: /rel \"T\""
                                      << "paragraph: <a href=\"https://x.org\">a</a> and <a href=\"/rel\">b</a>";
+    // The box after the marker decides, not an "[x]" further along the line.
+    QTest::newRow("task box read where it stands")
+        << "- [ ] read arr[x]\n- [x] done\n- [X] Done [ ] too"
+        << "bulletList | 0 \u2022 [ ] read arr[x] | 0 \u2022 [x] done | 0 \u2022 [x] Done [ ] too";
+    QTest::newRow("task boxes of numbered, nested and CRLF items")
+        << "1) [ ] a[x]\r\n   - [ ] b [X]\r\n2) [x] c"
+        << "orderedList | 0 1) [ ] a[x] | 1 \u25e6 [ ] b [X] | 0 2) [x] c";
     // QString::fromUtf8() would drop each of these byte order marks.
     QTest::newRow("byte order mark opening a code block")
         << QStringLiteral("```\n\uFEFFx\n```") << QStringLiteral("code: \uFEFFx");
