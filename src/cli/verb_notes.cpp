@@ -1,11 +1,9 @@
 // zentrik-cli notes: the voice notes the window keeps, listed, shown, added from an audio
 // file, retitled, deleted and searched.
-#include "model/apimanager.h"
+#include "transcribefile.h"
 #include "verb.h"
 #include "voice/voicenotemanager.h"
 
-#include <QEventLoop>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLoggingCategory>
@@ -63,28 +61,6 @@ std::variant<VoiceNote, int> findNote(const VoiceNoteManager &manager, const QSt
             QStringLiteral("'%1' is the start of %2 note ids; give more of the id").arg(id).arg(candidates.size()));
     }
     return fail(QStringLiteral("no voice note has the id '%1'").arg(id));
-}
-
-std::variant<QString, int> transcribe(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    }
-    file.close();
-    APIManager manager;
-    manager.overrideUserKeys(qEnvironmentVariable("OPENAI_API_KEY"), {}, {});
-    QEventLoop loop;
-    std::optional<TextResult> result;
-    manager.transcribe(path, &loop, [&](const TextResult &outcome) {
-        result = outcome;
-        loop.quit();
-    });
-    loop.exec();
-    if (const auto *error = std::get_if<APIError>(&*result)) {
-        return fail(error->message());
-    }
-    return std::get<QString>(*result);
 }
 
 int runNotes(const QStringList &arguments)
@@ -168,7 +144,7 @@ int runNotes(const QStringList &arguments)
         return exitSuccess;
     }
     if (action == QStringLiteral("add")) {
-        const std::variant<QString, int> text = transcribe(argument);
+        const std::variant<QString, int> text = transcribeFile(argument);
         if (const int *exit = std::get_if<int>(&text)) {
             return *exit;
         }

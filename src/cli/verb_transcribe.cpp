@@ -1,9 +1,7 @@
 // zentrik-cli transcribe: speech to text through OpenAI, as the voice notes screen does.
-#include "model/apimanager.h"
+#include "transcribefile.h"
 #include "verb.h"
 
-#include <QEventLoop>
-#include <QFile>
 #include <QLoggingCategory>
 
 using namespace zentrik;
@@ -31,26 +29,11 @@ int runTranscribe(const QStringList &arguments)
     if (!parser.isSet(verboseOption)) {
         QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.info=false"));
     }
-    const QString path = parser.positionalArguments().first();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
+    const std::variant<QString, int> text = transcribeFile(parser.positionalArguments().first());
+    if (const int *exit = std::get_if<int>(&text)) {
+        return *exit;
     }
-    file.close();
-
-    APIManager manager;
-    manager.overrideUserKeys(qEnvironmentVariable("OPENAI_API_KEY"), {}, {});
-    QEventLoop loop;
-    std::optional<TextResult> result;
-    manager.transcribe(path, &loop, [&](const TextResult &outcome) {
-        result = outcome;
-        loop.quit();
-    });
-    loop.exec();
-    if (const auto *error = std::get_if<APIError>(&*result)) {
-        return fail(error->message());
-    }
-    printOut(std::get<QString>(*result) + QLatin1Char('\n'));
+    printOut(std::get<QString>(text) + QLatin1Char('\n'));
     return exitSuccess;
 }
 
