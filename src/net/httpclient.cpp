@@ -23,6 +23,7 @@ struct HttpClient::Call
     LineSplitter lines;
     QByteArray errorBody;
     int redirects = 0;
+    bool resent = false;
 };
 
 namespace {
@@ -287,6 +288,19 @@ void HttpClient::onFinished(CallId id)
         if (!deliverLines(call, reply->readAll())) {
             return;
         }
+    }
+    if (!answered && reply->error() == QNetworkReply::RemoteHostClosedError && status == 0 && !call->resent) {
+        // The connection closed before any answer came: a kept-alive connection the server
+        // had just given up on, or one that failed while this request waited its turn.
+        // Nothing reached the caller yet, so sending once more cannot show anything twice.
+        call->resent = true;
+        call->reply = nullptr;
+        reply->disconnect(this);
+        reply->deleteLater();
+        call->lines = LineSplitter(call->lines.maxLineLength());
+        call->errorBody.clear();
+        start(call);
+        return;
     }
     if (!answered) {
         complete(call, transportErrorOf(reply));

@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include <QTcpServer>
+#include <QTcpSocket>
 
 #include "net/httpclient.h"
 #include "support/fakeprovider.h"
@@ -81,6 +82,61 @@ private Q_SLOTS:
         QCOMPARE(recorded.header("authorization"), QByteArray("Bearer k"));
         // setHeader replaces a header of the same name, whatever its case.
         QCOMPARE(recorded.header("X-Custom"), QByteArray("2"));
+        QCOMPARE(client.activeCallCount(), 0);
+    }
+
+    // A connection closed before any answer is tried again on a new one (a kept-alive
+    // connection the server had just dropped, or one that failed while the request waited
+    // for it); a server that always closes ends in the caller's error after a few tries,
+    // never in a loop.
+    void closedBeforeAnyAnswerIsSentOnceMore_data()
+    {
+        QTest::addColumn<int>("closes");
+        QTest::addColumn<bool>("answered");
+        QTest::newRow("one close, then an answer") << 1 << true;
+        QTest::newRow("always closed") << 1000 << false;
+    }
+
+    void closedBeforeAnyAnswerIsSentOnceMore()
+    {
+        QFETCH(int, closes);
+        QFETCH(bool, answered);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        int connections = 0;
+        QByteArray lastBody;
+        connect(&server, &QTcpServer::newConnection, this, [&] {
+            while (QTcpSocket *socket = server.nextPendingConnection()) {
+                const bool close = connections++ < closes;
+                connect(socket, &QTcpSocket::readyRead, socket, [socket, close, &lastBody] {
+                    const QByteArray request = socket->readAll();
+                    lastBody = request.mid(request.indexOf("\r\n\r\n") + 4);
+                    if (close) {
+                        socket->abort();
+                        return;
+                    }
+                    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n"
+                                  "Connection: close\r\n\r\n{}");
+                    socket->disconnectFromHost();
+                });
+            }
+        });
+        HttpClient client;
+        std::optional<HttpResult> result;
+        client.send(post(QUrl(QStringLiteral("http://127.0.0.1:%1/v1/x").arg(server.serverPort())), R"({"n":1})"),
+            this, [&result](const HttpResult &r) { result = r; });
+        QTRY_VERIFY(result.has_value());
+        QVERIFY2(connections >= 2 && connections <= 4, qPrintable(QString::number(connections)));
+        if (answered) {
+            const auto *response = std::get_if<HttpResponse>(&*result);
+            QVERIFY2(response != nullptr, qPrintable(describe(*result)));
+            QCOMPARE(response->status, 200);
+            QCOMPARE(lastBody, QByteArray(R"({"n":1})")); // the body goes again too
+        } else {
+            const auto *error = std::get_if<TransportError>(&*result);
+            QVERIFY2(error != nullptr, qPrintable(describe(*result)));
+            QCOMPARE(error->kind, TransportError::Kind::ConnectionLost);
+        }
         QCOMPARE(client.activeCallCount(), 0);
     }
 
