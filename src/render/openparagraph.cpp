@@ -349,7 +349,12 @@ bool OpenParagraph::canAppendPlainly(QStringView text, qsizetype end) const
     // The word is cut where cmark's address extension ends an address: at a blank, a tab or
     // a line end only. Unicode's wider idea of white space (form feed, no-break space, ...)
     // would start the word inside an address such as "ftp://a\fb" and miss its scheme.
+    // Text after blanks still changes the word before them: "www." at the end of the
+    // paragraph is no address, yet with anything after it, past any number of blanks, it is.
     qsizetype wordStart = m_liveEnd;
+    while (wordStart > m_liveStart && LineText::isSpaceOrTab(text.at(wordStart - 1))) {
+        --wordStart;
+    }
     while (wordStart > m_liveStart && !LineText::isSpaceOrTab(text.at(wordStart - 1))
            && text.at(wordStart - 1) != QLatin1Char('\n') && text.at(wordStart - 1) != QLatin1Char('\r')) {
         --wordStart;

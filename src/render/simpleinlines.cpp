@@ -259,11 +259,17 @@ qsizetype SimpleInlines::emphasis(QStringView text, qsizetype at, QString &rich,
 
 // A run of backticks at `at`: a code span up to the next run of the same length, or,
 // without one, literal backticks. -1 for content that cmark would change (a space at
-// either end is trimmed, control characters are replaced).
+// either end is trimmed, control characters are replaced), for a run too long to open a
+// span and for a run left without a partner while more backticks follow it.
 qsizetype SimpleInlines::codeSpan(QStringView text, qsizetype at, QString &rich, bool &clean)
 {
     const qsizetype open = runEnd(text, at);
     const qsizetype length = open - at;
+    // cmark opens no span with a run longer than this.
+    constexpr qsizetype longestOpener = 80;
+    if (length > longestOpener) {
+        return -1;
+    }
     qsizetype close = open;
     while (close < text.size()) {
         if (text.at(close) != QLatin1Char('`')) {
@@ -277,6 +283,13 @@ qsizetype SimpleInlines::codeSpan(QStringView text, qsizetype at, QString &rich,
         close = end;
     }
     if (close >= text.size()) {
+        // cmark remembers where it last saw each length of run while looking for a closer
+        // that never came, and later openers trust that memory even after a later search
+        // has moved it back: "`` `a```b` ```x```" leaves "```x```" literal. Only the last run of
+        // backticks is certain to stay literal.
+        if (text.sliced(open).contains(QLatin1Char('`'))) {
+            return -1;
+        }
         rich += text.sliced(at, length);
         clean = false;
         return open;

@@ -236,6 +236,11 @@ void IncrementalRendererTest::shortcutsCharacterByCharacter_data()
         << "Text **a ** b *a **b** c* ~a~ ~~~b~~~ snake_case a\\*b* AT&T <b>x</b> www.example.com and "
            "*https://x.org* a@b.co ![i](p.png) [b](c d) [b] **a\u00ab** `` x ` y `` **a*b ***c*** [*d*](e) "
            "[f](javascript:x) ` g ` *h.*i end\n\n**x** *y* `z` [w](v) ~~u~~\n";
+    // An address after white space: "www." followed by blanks and more text is still one.
+    QTest::newRow("address before blanks") << QStringLiteral(" www.  \uFFFD");
+    QTest::newRow("backtick runs of other lengths")
+        << QStringLiteral("\"\"KB\uFFFD`````````````````````````` `````````\uFFFD``````````1. \uFFFD```<`````````"
+                          "\uFFFD`````````````````1. \uFFFD```<`````````\uFFFD\uFFFD```");
 }
 
 void IncrementalRendererTest::shortcutsCharacterByCharacter()

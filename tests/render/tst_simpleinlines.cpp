@@ -87,7 +87,9 @@ void SimpleInlinesTest::agreesWithCmark_data()
     QTest::newRow("double backticks around one") << "``a `b` c`` d" << true;
     QTest::newRow("backticks of another length inside") << "`a``b` c" << true;
     QTest::newRow("unclosed code span") << "an `unclosed code" << true;
-    QTest::newRow("unclosed then closed") << "``a `b` c" << true;
+    QTest::newRow("closed then unclosed") << "`a` and ``b" << true;
+    QTest::newRow("longest run that opens") << "a " + QString(80, QLatin1Char('`')) + "x" + QString(80, QLatin1Char('`'))
+                                            << true;
     QTest::newRow("emphasis kinds") << "**bold** and *em* and ~~gone~~ here" << true;
     QTest::newRow("strong at the start") << "**Note:** text" << true;
     QTest::newRow("closer after punctuation") << "**Note:**" << true;
@@ -131,6 +133,12 @@ void SimpleInlinesTest::agreesWithCmark_data()
     QTest::newRow("closer after a blank") << "**a ** b" << false;
     QTest::newRow("closer before a letter after punctuation") << "*a.*b" << false;
     QTest::newRow("spaces around code") << "a ` b ` c" << false;
+    QTest::newRow("unclosed then closed") << "``a `b` c" << false;
+    // cmark leaves the last span literal: the search for the second span's closer passes a
+    // run of three and makes cmark forget the later one.
+    QTest::newRow("unclosed then a run passed over") << "x `` `a```b` ```x```" << false;
+    QTest::newRow("run too long to open") << "a " + QString(81, QLatin1Char('`')) + "x" + QString(81, QLatin1Char('`'))
+                                          << false;
     QTest::newRow("control character in code") << "a `b\u0001` c" << false;
     QTest::newRow("single tilde") << "a ~b~ c" << false;
     QTest::newRow("three tildes") << "a ~~~b~~~ c" << false;
