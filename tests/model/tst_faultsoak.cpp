@@ -257,14 +257,20 @@ private Q_SLOTS:
             }
         }
         qInfo("%d of the truncated or malformed streams ended with an error", failures);
+        for (const Outcome &outcome : outcomes) {
+            QVERIFY(!fixture.manager->isStreamActive(outcome.id));
+        }
+        if (memoryAfterWarmUp == 0 && memoryAtEnd == 0) {
+            // A sanitizer's allocator replaces malloc and reports nothing here; LeakSanitizer
+            // checks for leaks in that build instead.
+            qInfo("the allocator does not report heap use; memory not compared");
+            return;
+        }
         QVERIFY(memoryAfterWarmUp > 0 && memoryAtEnd > 0);
         // 150 requests after the warm-up: growth here would be per-request state kept forever.
         qInfo("heap in use: %lld kB after 50 requests, %lld kB after 200", memoryAfterWarmUp, memoryAtEnd);
         QVERIFY2(memoryAtEnd - memoryAfterWarmUp < 1024,
             qPrintable(QStringLiteral("heap in use grew from %1 kB to %2 kB").arg(memoryAfterWarmUp).arg(memoryAtEnd)));
-        for (const Outcome &outcome : outcomes) {
-            QVERIFY(!fixture.manager->isStreamActive(outcome.id));
-        }
     }
 };
 
