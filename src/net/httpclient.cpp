@@ -171,6 +171,17 @@ void HttpClient::start(const CallPtr &call)
     connect(reply, &QNetworkReply::finished, this, [this, id] { onFinished(id); });
 }
 
+void HttpClient::restart(const CallPtr &call)
+{
+    if (QNetworkReply *reply = std::exchange(call->reply, nullptr)) {
+        reply->disconnect(this);
+        reply->deleteLater();
+    }
+    call->lines = LineSplitter(call->lines.maxLineLength());
+    call->errorBody.clear();
+    start(call);
+}
+
 HttpClient::CallPtr HttpClient::find(CallId id) const
 {
     const auto it = m_calls.find(id);
@@ -294,12 +305,7 @@ void HttpClient::onFinished(CallId id)
         // had just given up on, or one that failed while this request waited its turn.
         // Nothing reached the caller yet, so sending once more cannot show anything twice.
         call->resent = true;
-        call->reply = nullptr;
-        reply->disconnect(this);
-        reply->deleteLater();
-        call->lines = LineSplitter(call->lines.maxLineLength());
-        call->errorBody.clear();
-        start(call);
+        restart(call);
         return;
     }
     if (!answered) {
@@ -361,12 +367,7 @@ bool HttpClient::followRedirect(const CallPtr &call, int status)
     }
     request.url = target;
 
-    call->reply = nullptr;
-    reply->disconnect(this);
-    reply->deleteLater();
-    call->lines = LineSplitter(call->lines.maxLineLength());
-    call->errorBody.clear();
-    start(call);
+    restart(call);
     return true;
 }
 

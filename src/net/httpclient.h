@@ -74,6 +74,8 @@ private:
 
     CallId begin(HttpRequest request, QObject *context, StreamHandlers handlers, bool streaming);
     void start(const CallPtr &call);
+    // Sends the call's request again on a fresh reply, forgetting what the old one read.
+    void restart(const CallPtr &call);
     void onReadyRead(CallId id);
     void onFinished(CallId id);
     bool followRedirect(const CallPtr &call, int status);
