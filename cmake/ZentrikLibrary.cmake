@@ -38,9 +38,11 @@ function(zentrik_library folder)
   target_link_libraries(zentrik_${folder} PUBLIC Qt6::Core ${ARG_LIBS})
 endfunction()
 
-# zentrik_test(<folder> LIBS <target>... [GUI])
-# One QtTest executable per library: every tst_*.cpp of the folder, run by one main that
-# executes each registered test class in turn.
+# zentrik_test(<folder> LIBS <target>... [GUI] [TIMEOUT <seconds>])
+# One QtTest executable per library, built from every tst_*.cpp of the folder, and one ctest
+# entry per test class ("<folder>.<Class>", running the executable with "-class <Class>"), so
+# that each class runs in a process of its own: what one class puts in the environment or
+# leaves in a singleton never reaches the next, and `ctest -R` picks a single class.
 function(zentrik_test folder)
   cmake_parse_arguments(ARG "GUI" "TIMEOUT" "LIBS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
@@ -51,10 +53,26 @@ function(zentrik_test folder)
     target_compile_definitions(tst_${folder} PRIVATE ZENTRIK_TEST_GUI=1)
     target_link_libraries(tst_${folder} PRIVATE Qt6::Gui)
   endif()
-  add_test(NAME ${folder} COMMAND tst_${folder})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 300)
   endif()
-  set_tests_properties(${folder} PROPERTIES TIMEOUT ${ARG_TIMEOUT}
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;ZENTRIK_TESTING=1")
+  # The classes are read from the sources' ZENTRIK_TEST(...) lines; editing a test file
+  # configures again, so a class added to an existing file gets its entry too.
+  set(classes "")
+  foreach(source IN LISTS sources)
+    file(STRINGS ${source} registrations REGEX "^ZENTRIK_TEST\\([A-Za-z0-9_]+\\)")
+    foreach(line IN LISTS registrations)
+      string(REGEX REPLACE "^ZENTRIK_TEST\\(([A-Za-z0-9_]+)\\).*" "\\1" class "${line}")
+      list(APPEND classes ${class})
+    endforeach()
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
+  endforeach()
+  if(NOT classes)
+    message(FATAL_ERROR "tests/${folder} registers no test class (ZENTRIK_TEST(Class) after each class)")
+  endif()
+  foreach(class IN LISTS classes)
+    add_test(NAME ${folder}.${class} COMMAND tst_${folder} -class ${class})
+    set_tests_properties(${folder}.${class} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS ${folder}
+      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;ZENTRIK_TESTING=1")
+  endforeach()
 endfunction()

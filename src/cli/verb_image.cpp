@@ -29,6 +29,12 @@ QString freshDefaultPath()
     return path;
 }
 
+// The image studio's own failure text, with what went wrong on a second line.
+QString loadFailure(const QString &detail)
+{
+    return QStringLiteral("Failed to load image\nDetails: %1").arg(detail);
+}
+
 // The bytes at the address the image operation handed back: a local file is read, a remote
 // picture fetched with one GET. On failure the message to print.
 std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &address)
@@ -37,7 +43,7 @@ std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &addr
     if (url.isLocalFile()) {
         QFile file(url.toLocalFile());
         if (!file.open(QIODevice::ReadOnly)) {
-            return QStringLiteral("Failed to load image: %1").arg(file.errorString());
+            return loadFailure(file.errorString());
         }
         return file.readAll();
     }
@@ -50,9 +56,9 @@ std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &addr
     request.url = url;
     manager.httpClient().send(request, &loop, [&](const HttpResult &result) {
         if (const auto *error = std::get_if<TransportError>(&result)) {
-            outcome = APIError::fromTransport(*error).message();
+            outcome = loadFailure(APIError::fromTransport(*error).message());
         } else if (const auto &response = std::get<HttpResponse>(result); !response.isSuccess()) {
-            outcome = QStringLiteral("Failed to load image: HTTP %1").arg(response.status);
+            outcome = loadFailure(QStringLiteral("HTTP %1").arg(response.status));
         } else {
             outcome = response.body;
         }
@@ -68,7 +74,7 @@ int runImage(const QStringList &arguments)
     parser.setApplicationDescription(
         QStringLiteral("Generates a picture from the prompt with the selected image model and saves it as a PNG "
                        "file. \"DALL-E\" uses OpenAI (OPENAI_API_KEY or the stored key), the free FLUX model "
-                       "Together (the built-in key, or TOGETHER_API_KEY), every other model fal (FAL_KEY or the "
+                       "Together (TOGETHER_API_KEY when set, otherwise the built-in key), every other model fal (FAL_KEY or the "
                        "stored key). Prints the path of the file written."));
     const QCommandLineOption modelOption(
         QStringLiteral("model"), QStringLiteral("Use this image model for this run."), QStringLiteral("ID"));
@@ -132,7 +138,7 @@ int runImage(const QStringList &arguments)
         // fal models often answer with JPEG; the file promised is a PNG.
         png = ImageCodec::toPng(png);
         if (png.isEmpty()) {
-            return fail(QStringLiteral("Failed to load image: the answer is not a picture"));
+            return fail(loadFailure(QStringLiteral("the answer is not a picture")));
         }
     }
 

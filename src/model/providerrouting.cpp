@@ -130,32 +130,6 @@ std::optional<QString> preflightMessage(const QString &selectedTextModel, const 
     return unsupportedModelMessage();
 }
 
-std::optional<QString> generatorPreflightMessage(const QString &selectedTextModel, const QString &openAIKey,
-                                                 const QString &claudeKey)
-{
-    static const std::array<const char16_t *, 3> generatorClaudeModels{
-        u"claude-3-5-sonnet-20240620", u"claude-3-opus-20240229", u"claude-3-haiku-20240307"};
-    if (selectedTextModel.isEmpty() || !isCatalogueTextModel(selectedTextModel)) {
-        return zentrik::preflightMessage(selectedTextModel, openAIKey, claudeKey);
-    }
-    if (selectedTextModel == QStringLiteral("gpt-3.5-turbo-1106")) {
-        if (openAIKey.isEmpty()) {
-            return QCoreApplication::translate("APIManager", "OpenAI API key is missing. Please add it in Settings.");
-        }
-        return std::nullopt;
-    }
-    if (contains(generatorClaudeModels, selectedTextModel)) {
-        if (claudeKey.isEmpty()) {
-            return QCoreApplication::translate("APIManager", "Claude API key is missing. Please add it in Settings.");
-        }
-        return std::nullopt;
-    }
-    if (isCatalogueFreeTextModel(selectedTextModel)) {
-        return std::nullopt;
-    }
-    return unsupportedModelMessage();
-}
-
 QUrl providerBaseUrl(Provider provider)
 {
     const ProviderAddress address = addressOf(provider);

@@ -25,19 +25,12 @@ enum class ImageProvider { openAI, together, fal };
 // test the suffix).
 [[nodiscard]] bool isCatalogueFreeTextModel(const QString &modelId);
 
-// The check the tools run before they send: std::nullopt when the selection can be used,
-// otherwise the message to show in place of a reply.
+// The check every tool runs before it sends (the chats, the developer tools, the generators
+// and the CLI alike): std::nullopt when the selection can be used, otherwise the message to
+// show in place of a reply. A model passes whenever its provider's key is there.
 [[nodiscard]] std::optional<QString> preflightMessage(const QString &selectedTextModel,
                                                       const QString &openAIKey,
                                                       const QString &claudeKey);
-
-// The form-driven generators' own check, narrower than preflightMessage(): only
-// "gpt-3.5-turbo-1106" is accepted as an OpenAI model, only the three dated Claude 3 ids
-// as Anthropic models, and the five free ids; every other id, catalogue entries
-// included, is refused as unsupported before anything is sent.
-[[nodiscard]] std::optional<QString> generatorPreflightMessage(const QString &selectedTextModel,
-                                                               const QString &openAIKey,
-                                                               const QString &claudeKey);
 
 enum class Provider { openAI, anthropic, openRouter, together, falQueue, falRest };
 

@@ -118,6 +118,11 @@ void DevToolViewModel::send()
     if (typed.isEmpty() || isProcessing() || !apiManager()) {
         return;
     }
+    // Nothing is shown as sent, and the input stays, when the model or its key is missing.
+    if (const std::optional<QString> problem = apiManager()->preflightMessage()) {
+        setErrorMessage(*problem);
+        return;
+    }
     const QString message = composeMessage(typed);
     messages()->append(ChatMessageRecord::Role::user, message);
     setInput(QString());

@@ -182,9 +182,7 @@ void GeneratorViewModel::generate()
         return;
     }
     if (m_family->checksModelAndKey()) {
-        const std::optional<QString> problem = generatorPreflightMessage(
-            m_apiManager->selectedTextModel(), m_apiManager->openAIKey(), m_apiManager->claudeKey());
-        if (problem) {
+        if (const std::optional<QString> problem = m_apiManager->preflightMessage()) {
             setErrorMessage(*problem);
             return;
         }

@@ -179,7 +179,10 @@ private Q_SLOTS:
             << QByteArray("zentrik-cli: Invalid response received from the server.");
         QTest::newRow("the address serves no picture")
             << "DALL-E" << true << QByteArray("serve text") << "out.png"
-            << QByteArray("zentrik-cli: Failed to load image: the answer is not a picture");
+            << QByteArray("zentrik-cli: Failed to load image\nDetails: the answer is not a picture\n");
+        QTest::newRow("the address answers 404")
+            << "DALL-E" << true << QByteArray("serve 404") << "out.png"
+            << QByteArray("zentrik-cli: Failed to load image\nDetails: HTTP 404\n");
         QTest::newRow("fal without an address")
             << "fal-ai/fast-sdxl" << true << QByteArray(R"({"images":[{"width":5}]})") << "out.png"
             << QByteArray("zentrik-cli: No image URL found in response");
@@ -196,9 +199,13 @@ private Q_SLOTS:
         QFETCH(QByteArray, err);
         if (answer.startsWith("serve")) {
             scriptOpenAI("/pictures/p");
-            m_fake->on("GET", "/pictures/p",
-                served(
-                    answer == "serve png" ? ImageFixture::picture("PNG") : QByteArray("<html>no</html>"), "text/html"));
+            if (answer == "serve 404") {
+                m_fake->on("GET", "/pictures/p", ScriptedReply::json(QByteArray("gone"), 404));
+            } else {
+                m_fake->on("GET", "/pictures/p",
+                    served(answer == "serve png" ? ImageFixture::picture("PNG") : QByteArray("<html>no</html>"),
+                        "text/html"));
+            }
         } else {
             m_fake->on("POST", "/v1/images/generations", ScriptedReply::json(answer));
         }
@@ -220,7 +227,8 @@ private Q_SLOTS:
         QCOMPARE(result.exitCode, 1);
         QVERIFY(result.out.isEmpty());
         QVERIFY2(result.err.startsWith(err), result.err.constData());
-        QCOMPARE(result.err.count('\n'), 1);
+        // One line, or the studio's own text and one "Details:" line under it.
+        QCOMPARE(result.err.count('\n'), err.startsWith("zentrik-cli: Failed to load image\n") ? 2 : 1);
         QVERIFY(!QFileInfo::exists(m_dir->filePath(target)));
         QVERIFY(!result.err.contains("sk-env") && !result.err.contains("fal-env"));
     }

@@ -1,3 +1,4 @@
+#include "model/modelcatalog.h"
 #include "support/clirunner.h"
 #include "support/fakeprovider.h"
 #include "support/testregistry.h"
@@ -84,13 +85,72 @@ private Q_SLOTS:
         QCOMPARE(QString::fromUtf8(prompt.out), sent + "\n");
     }
 
-    void generateRefusesWhatTheScreenRefuses()
+    // Every verb that sends runs the one model and key check before anything leaves: a refused
+    // selection prints the check's own message and reaches no provider; a passed one is sent.
+    void everyVerbChecksTheModelAndKeyFirst_data()
     {
-        // The generators accept gpt-3.5 but not gpt-4o-mini, whatever the keys.
-        const CliResult result = runCli({"generate", "Slogan Generator", "--model", "gpt-4o-mini"}, {}, environment());
-        QCOMPARE(result.exitCode, 1);
-        QCOMPARE(result.err, QByteArray("zentrik-cli: Unsupported model selected. Please choose a valid model in Settings.\n"));
-        QCOMPARE(m_fake->requestCount(), 0);
+        QTest::addColumn<QStringList>("verb");
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<bool>("withKey");
+        QTest::addColumn<QString>("refusal");
+        const QString noSelection = "Please select a text model in Settings.";
+        const QString invalid = "Invalid model selected. Please choose a valid model in Settings.";
+        const QString openAIMissing = "OpenAI API key is missing. Please add it in Settings.";
+        const QString claudeMissing = "Claude API key is missing. Please add it in Settings.";
+        const QList<QStringList> verbs{ { "debug", "x = 1 +" }, { "sample-data", "--format", "JSON", "x = 1 +" } };
+        for (const QStringList &verb : verbs) {
+            const QByteArray name = verb.first().toUtf8();
+            QTest::newRow(name + " no selection") << verb << QString() << true << noSelection;
+            QTest::newRow(name + " id outside the catalogue") << verb << "gpt-4o" << true << invalid;
+            for (const zentrik::AIModel &entry : zentrik::ModelCatalog::textModels()) {
+                const bool openAI = entry.id.startsWith("gpt-");
+                const bool claude = entry.id.startsWith("claude-");
+                const QByteArray row = name + " " + entry.id.toUtf8();
+                QTest::newRow(row + " with key") << verb << entry.id << true << QString();
+                QTest::newRow(row + " without key")
+                    << verb << entry.id << false << (openAI ? openAIMissing : claude ? claudeMissing : QString());
+            }
+        }
+        // The generators take every model whose key is there, gpt-4o-mini included.
+        QTest::newRow("generate gpt-4o-mini") << QStringList{ "generate", "Slogan Generator", "--field",
+            "Brand/Product Name=Acme" } << "gpt-4o-mini" << true << QString();
+        QTest::newRow("generate claude without key")
+            << QStringList{ "generate", "Slogan Generator" } << "claude-instant" << false << claudeMissing;
+    }
+
+    void everyVerbChecksTheModelAndKeyFirst()
+    {
+        QFETCH(QStringList, verb);
+        QFETCH(QString, model);
+        QFETCH(bool, withKey);
+        QFETCH(QString, refusal);
+        m_fake->on("POST", "/v1/messages", ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"ok"}]})")));
+        QProcessEnvironment env = environment();
+        if (!withKey) {
+            // Neither from the environment nor from the test's own keyring, which holds none.
+            env.insert("OPENAI_API_KEY", "");
+            env.insert("ANTHROPIC_API_KEY", "");
+        }
+        const CliResult result = runCli(verb + QStringList{ "--model", model }, {}, env);
+        if (!refusal.isEmpty()) {
+            QCOMPARE(result.err, "zentrik-cli: " + refusal.toUtf8() + "\n");
+            QCOMPARE(result.exitCode, 1);
+            QCOMPARE(m_fake->requestCount(), 0);
+            return;
+        }
+        for (const char *message : { "Please select a text model in Settings.",
+                 "Invalid model selected. Please choose a valid model in Settings.",
+                 "OpenAI API key is missing. Please add it in Settings.",
+                 "Claude API key is missing. Please add it in Settings.",
+                 "Unsupported model selected. Please choose a valid model in Settings." }) {
+            QVERIFY2(!result.err.contains(message), result.err.constData());
+        }
+        if (model.endsWith(":free")) {
+            return; // past the check; whether it is answered depends on the build's own key
+        }
+        QVERIFY2(result.exitCode == 0, result.err.constData());
+        QCOMPARE(m_fake->requestCount(), 1);
+        QCOMPARE(m_fake->lastRequest().json().object().value("model").toString(), model);
     }
 
     void personalInformationNeedsAChoice_data()

@@ -1,0 +1,143 @@
+#include "app/licensegate.h"
+#include "app/zentrikapp.h"
+#include "model/apimanager.h"
+#include "model/modelcatalog.h"
+#include "support/fakeprovider.h"
+#include "support/testregistry.h"
+#include "tools/chatmessagelistmodel.h"
+#include "tools/devtoolviewmodel.h"
+#include "tools/sse.h"
+#include "windowharness.h"
+
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QtTest>
+
+using namespace zentrik;
+using namespace zentrik::test;
+
+// The Code Debugger and the Sample Data Generator run the same model and key check as the
+// chats before they send: typed and sent from the window, a refused selection shows the
+// check's own message, keeps the input and sends nothing; a passed one goes out.
+class DevToolCheckTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<ScopedConfigDir> m_config;
+    std::unique_ptr<FakeProvider> m_fake;
+
+    struct Case
+    {
+        QString model;
+        bool withKey = false;
+        QString refusal; // empty: the check passes
+    };
+
+    static QList<Case> cases()
+    {
+        const QString openAIMissing = QStringLiteral("OpenAI API key is missing. Please add it in Settings.");
+        const QString claudeMissing = QStringLiteral("Claude API key is missing. Please add it in Settings.");
+        // Without keys first: the window's keys can be given for a run but not taken back.
+        QList<Case> all { { QString(), false, QStringLiteral("Please select a text model in Settings.") },
+            { QStringLiteral("gpt-4o"), false,
+                QStringLiteral("Invalid model selected. Please choose a valid model in Settings.") } };
+        for (const AIModel &entry : ModelCatalog::textModels()) {
+            const bool openAI = entry.id.startsWith(QLatin1String("gpt-"));
+            const bool claude = entry.id.startsWith(QLatin1String("claude-"));
+            all.append({ entry.id, false, openAI ? openAIMissing : claude ? claudeMissing : QString() });
+        }
+        for (const AIModel &entry : ModelCatalog::textModels()) {
+            all.append({ entry.id, true, QString() });
+        }
+        return all;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_config = std::make_unique<ScopedConfigDir>();
+        m_fake = std::make_unique<FakeProvider>();
+        m_fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Fixed.")), ssefixture::done }));
+        m_fake->on("POST", "/v1/messages", ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Fixed."))));
+        qputenv(LicenseGate::urlVariable, QByteArray());
+        for (const char *variable :
+            { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL", "ZENTRIK_OPENROUTER_BASE_URL" }) {
+            qputenv(variable, m_fake->baseUrl().toString().toUtf8());
+        }
+    }
+
+    void cleanup()
+    {
+        for (const char *variable :
+            { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL", "ZENTRIK_OPENROUTER_BASE_URL" }) {
+            qunsetenv(variable);
+        }
+        qunsetenv(LicenseGate::urlVariable);
+        m_fake.reset();
+        m_config.reset();
+    }
+
+    void checksEveryModelBeforeSending_data()
+    {
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<QString>("viewName");
+        QTest::newRow("Code Debugger") << QStringLiteral("Code Debugger") << QStringLiteral("codeDebuggerView");
+        QTest::newRow("Sample Data Generator")
+            << QStringLiteral("Sample Data Generator") << QStringLiteral("sampleDataView");
+    }
+
+    void checksEveryModelBeforeSending()
+    {
+        QFETCH(QString, entry);
+        QFETCH(QString, viewName);
+        const auto app = startApp();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        // From its card under Tech, as a user finds it.
+        QVERIFY(click(findItem(window, QStringLiteral("sidebar:Tech"))));
+        QVERIFY(click(findItem(window, QStringLiteral("agentCard:") + entry)));
+        QTRY_VERIFY(findItem(window, viewName));
+        auto *tool = qobject_cast<DevToolViewModel *>(findObject(window, QStringLiteral("devToolViewModel")));
+        QVERIFY(tool && tool->apiManager());
+        APIManager *manager = tool->apiManager();
+
+        for (const Case &row : cases()) {
+            const QByteArray name
+                = (row.model + (row.withKey ? QStringLiteral(" with key") : QStringLiteral(" without key"))).toUtf8();
+            manager->setSelectedTextModel(row.model);
+            if (row.withKey) {
+                manager->overrideUserKeys(QStringLiteral("sk-window"), QStringLiteral("sk-ant-window"), QString());
+            }
+            const int requestsBefore = m_fake->requestCount();
+            const int messagesBefore = tool->messages()->count();
+
+            QQuickItem *input = findItem(window, QStringLiteral("chatInputField"));
+            QVERIFY2(click(input), name.constData());
+            QTest::keySequence(window, QKeySequence::SelectAll);
+            typeText(window, QStringLiteral("x = 1 +"));
+            QVERIFY2(click(findItem(window, QStringLiteral("sendButton"))), name.constData());
+
+            if (!row.refusal.isEmpty()) {
+                QTRY_VERIFY2(visibleTexts(window).contains(row.refusal), name.constData());
+                QCOMPARE(tool->messages()->count(), messagesBefore);
+                QCOMPARE(tool->input(), QStringLiteral("x = 1 +"));
+                QVERIFY2(!tool->isProcessing(), name.constData());
+                QCOMPARE(m_fake->requestCount(), requestsBefore);
+                continue;
+            }
+            // Past the check: the message is shown as sent and the reply (or the request's own
+            // failure, for a free model in a build without its key) follows.
+            QTRY_VERIFY2(tool->messages()->count() > messagesBefore, name.constData());
+            QTRY_VERIFY2_WITH_TIMEOUT(!tool->isProcessing(), name.constData(), 10000);
+            if (!row.model.endsWith(QLatin1String(":free"))) {
+                QCOMPARE(m_fake->requestCount(), requestsBefore + 1);
+                QCOMPARE(m_fake->lastRequest().json().object().value(QLatin1String("model")).toString(), row.model);
+                QCOMPARE(tool->messages()->at(tool->messages()->count() - 1).content, QStringLiteral("Fixed."));
+            }
+        }
+    }
+};
+
+ZENTRIK_TEST(DevToolCheckTest)
+#include "tst_devtoolcheck.moc"
