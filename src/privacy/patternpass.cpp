@@ -102,22 +102,17 @@ std::vector<PatternPass::Span> PatternPass::sitesIn(const char16_t *chars, int32
     const QStringView text(chars, length);
     switch (m_rule.site) {
     case MatchSite::AroundAtSign:
+        // One site per '@': the run of local-part characters before it. Every start inside
+        // that run reaches the same '@' and the same domain, so the engine needs to try only
+        // the run's first character (or the first one after the previous match); letting it
+        // search the run would try every start and walk the rest of the run from each.
         for (qsizetype at = text.indexOf(u'@'); at >= 0; at = text.indexOf(u'@', at + 1)) {
             auto start = int32_t(at);
             while (start > 0 && isLocalPartChar(chars[start - 1])) {
                 --start;
             }
-            auto end = int32_t(at) + 1;
-            while (end < length && isDomainChar(chars[end])) {
-                ++end;
-            }
-            if (start == int32_t(at) || end == int32_t(at) + 1) {
-                continue;
-            }
-            if (!sites.empty() && start <= sites.back().end) {
-                sites.back().end = std::max(sites.back().end, end);
-            } else {
-                sites.push_back({ start, end });
+            if (start < int32_t(at) && at + 1 < length && isDomainChar(chars[at + 1])) {
+                sites.push_back({ start, int32_t(at) });
             }
         }
         break;
@@ -193,7 +188,14 @@ std::vector<PatternPass::Span> PatternPass::matchesIn(const QString &text, const
     int32_t resumeAt = 0;
     UErrorCode status = U_ZERO_ERROR;
     for (const Span &site : sites) {
-        if (m_rule.site == MatchSite::AtLiteral) {
+        if (m_rule.site == MatchSite::AroundAtSign) {
+            // The local part runs from here up to the '@' at site.end.
+            const int32_t from = std::max(site.start, resumeAt);
+            if (from < site.end && icutext::matchesAt(*matcher, from)) {
+                resumeAt = matcher->end(status);
+                matches.push_back({ from, resumeAt });
+            }
+        } else if (m_rule.site == MatchSite::AtLiteral) {
             // A match found here must start here: the engine would have tried this place.
             if (site.start >= resumeAt && icutext::matchesAt(*matcher, site.start)) {
                 resumeAt = matcher->end(status);

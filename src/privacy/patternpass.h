@@ -15,10 +15,11 @@ namespace zentrik {
 // left to right, with the rule's text taken literally.
 //
 // The result is what a scan of the whole text by the regex engine gives, but the engine
-// only sees the stretches where the rule's MatchSite says a match can lie: the stretch
-// around each '@', the runs of digits and their separators, or the places where a literal
-// starts. Those stretches are searched with transparent bounds, so word boundaries at their
-// edges still see the characters beyond them.
+// only sees the places where the rule's MatchSite says a match can lie: the first
+// character of the address run before each '@', the runs of digits and their separators,
+// or the places where a literal starts. Each place is tried once (each run searched once),
+// so the work stays linear in the text whatever it holds. The engine works with transparent
+// bounds, so word boundaries at the edges still see the characters beyond them.
 class PatternPass
 {
 public:

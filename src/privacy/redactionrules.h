@@ -8,7 +8,7 @@ namespace zentrik {
 // Where the matches of a rule can lie, so that the fast path can hand the regex engine only
 // the parts of a long text that a match could touch.
 enum class MatchSite {
-    AroundAtSign, // contains an '@' with its address characters on both sides
+    AroundAtSign, // starts in the run of local-part characters right before an '@'
     DigitRun, // made only of decimal digits (any script) and the rule's extraChars
     AtLiteral, // starts with one of the rule's literals
 };

@@ -1,3 +1,4 @@
+#include "hostileredactiontexts.h"
 #include "logcapture.h"
 
 #include "privacy/nameredactorpii.h"
@@ -83,6 +84,28 @@ private Q_SLOTS:
         QCOMPARE(log.lines().size(), 1);
         QVERIFY(log.lines().constFirst().startsWith(QStringLiteral("Name redaction skipped a match")));
         QVERIFY(!log.lines().constFirst().contains(QStringLiteral("Anna")));
+    }
+
+    // The window redacts on its interface thread, so no text may make it slow: 60,000
+    // characters of any shape in well under 100 ms, a megabyte in well under two seconds
+    // (a pass that retries a long run from each start took 19 s and hours for these).
+    void hostileTextsTakeLinearTime_data() { test::addHostileRedactionRows(); }
+
+    void hostileTextsTakeLinearTime()
+    {
+        QFETCH(QString, prefix);
+        QFETCH(QString, unit);
+        QFETCH(QString, suffix);
+        const test::PrivacyLogCapture quiet;
+        const QString text = test::hostileText(prefix, unit, suffix, 60000);
+        QString redacted;
+        const qint64 ms = test::quickestMs(3, [&] { redacted = PIIManager::redact(text); });
+        QVERIFY2(ms < 100, qPrintable(QStringLiteral("%1 ms for 60,000 characters").arg(ms)));
+        QVERIFY(!redacted.isEmpty());
+
+        const QString megabyte = test::hostileText(prefix, unit, suffix, 1 << 20);
+        const qint64 megabyteMs = test::quickestMs(1, [&] { redacted = PIIManager::redact(megabyte); });
+        QVERIFY2(megabyteMs < 2000, qPrintable(QStringLiteral("%1 ms for a megabyte").arg(megabyteMs)));
     }
 
     void concurrentCallsAgree()

@@ -1,3 +1,4 @@
+#include "hostileredactiontexts.h"
 #include "logcapture.h"
 
 #include "privacy/casefold.h"
@@ -353,6 +354,22 @@ private Q_SLOTS:
                 batch.clear();
             }
         }
+    }
+
+    // The shapes that once made a pass take time growing with the square of the length, at a
+    // size the reference still finishes quickly.
+    void hostileTexts_data() { test::addHostileRedactionRows(); }
+
+    void hostileTexts()
+    {
+        QFETCH(QString, prefix);
+        QFETCH(QString, unit);
+        QFETCH(QString, suffix);
+        const test::PrivacyLogCapture quiet;
+        const QString text = test::hostileText(prefix, unit, suffix, 3000);
+        QString named;
+        QVERIFY(namesAgree(NameRedactorPII::shared(), text, &named));
+        QVERIFY(rulesAgree(named));
     }
 
     void fullRedactionMatchesReference()
