@@ -1,5 +1,7 @@
 #include "render/markdownstrip.h"
 
+#include "render/stripsteps.h"
+
 #include <QLoggingCategory>
 
 #include <unicode/regex.h>
@@ -13,28 +15,6 @@ Q_LOGGING_CATEGORY(lcRender, "zentrik.render")
 namespace zentrik {
 
 namespace {
-
-struct Replacement {
-    const char16_t *pattern;
-    const char16_t *replacement;
-};
-
-// Applied in this order, each to the result of the one before. Because the asterisks and
-// underscores go early, the rule and bullet steps act only in their hyphen forms, and the
-// inline-code step eats the innermost back-ticks of a fence before the fence step runs.
-constexpr std::array<Replacement, 9> steps = {{
-    {u"^#{1,6}\\s", u""},
-    {u"[*_]{1,3}", u""},
-    {u"\\[([^\\]]+)\\]\\([^\\)]+\\)", u"$1"},
-    {u"`([^`]+)`", u"$1"},
-    {u"```[\\s\\S]*?```", u""},
-    {u"^>\\s", u""},
-    {u"^-{3,}|_{3,}|\\*{3,}$", u""},
-    {u"^[\\*\\-+]\\s", u""},
-    {u"^\\d+\\.\\s", u""},
-}};
-
-constexpr const char16_t *rulePattern = u"^-{3,}|_{3,}|\\*{3,}$";
 
 icu::UnicodeString toIcu(const QString &text)
 {
@@ -50,7 +30,7 @@ QString fromIcu(const icu::UnicodeString &text)
 std::unique_ptr<icu::RegexPattern> compile(const char16_t *pattern)
 {
     UErrorCode status = U_ZERO_ERROR;
-    UParseError parseError{};
+    UParseError parseError {};
     std::unique_ptr<icu::RegexPattern> compiled(
         icu::RegexPattern::compile(icu::UnicodeString(pattern), 0, parseError, status));
     if (U_FAILURE(status)) {
@@ -60,16 +40,86 @@ std::unique_ptr<icu::RegexPattern> compile(const char16_t *pattern)
     return compiled;
 }
 
-const std::array<std::unique_ptr<icu::RegexPattern>, steps.size()> &compiledSteps()
+const std::array<std::unique_ptr<icu::RegexPattern>, stripsteps::steps.size()> &compiledSteps()
 {
     static const auto compiled = [] {
-        std::array<std::unique_ptr<icu::RegexPattern>, steps.size()> patterns;
-        for (size_t i = 0; i < steps.size(); ++i) {
-            patterns.at(i) = compile(steps.at(i).pattern);
+        std::array<std::unique_ptr<icu::RegexPattern>, stripsteps::steps.size()> patterns;
+        for (size_t i = 0; i < stripsteps::steps.size(); ++i) {
+            if (i != stripsteps::linkStep) {
+                patterns.at(i) = compile(stripsteps::steps.at(i).pattern);
+            }
         }
         return patterns;
     }();
     return compiled;
+}
+
+// Where the next occurrence of one character lies, for searches whose starting points never
+// move backwards: a search that lands before the last answer reuses it, so every character
+// is looked at once however many searches there are.
+class ForwardSearch
+{
+public:
+    ForwardSearch(const icu::UnicodeString &text, char16_t wanted)
+        : m_text(text)
+        , m_wanted(wanted)
+    { }
+
+    // The first index at or after `from` holding the character, or -1.
+    int32_t from(int32_t from)
+    {
+        if (m_found != unknown && (m_found < 0 || m_found >= from)) {
+            return m_found;
+        }
+        m_found = m_text.indexOf(m_wanted, from);
+        return m_found;
+    }
+
+private:
+    static constexpr int32_t unknown = -2;
+    const icu::UnicodeString &m_text;
+    char16_t m_wanted;
+    int32_t m_found = unknown;
+};
+
+// "\[([^\]]+)\]\([^\)]+\)" replaced by its first group, as the engine would do it. A label
+// is everything up to the first "]" after the "[" and must not be empty; the "(" has to
+// follow that "]" at once; the address runs up to the first ")" after it and must not be
+// empty. Nothing else can match, so each "[" is decided by where the next "]" and ")" lie.
+icu::UnicodeString replaceLinks(const icu::UnicodeString &text)
+{
+    const int32_t length = text.length();
+    icu::UnicodeString result;
+    ForwardSearch closeBracket(text, u']');
+    ForwardSearch closeParen(text, u')');
+    int32_t copied = 0;
+    for (int32_t open = text.indexOf(u'['); open >= 0;) {
+        const int32_t labelEnd = closeBracket.from(open + 1);
+        if (labelEnd < 0) {
+            break; // no later "[" has a "]" after it either
+        }
+        if (labelEnd == open + 1 || labelEnd + 1 >= length || text.charAt(labelEnd + 1) != u'(') {
+            open = text.indexOf(u'[', open + 1);
+            continue;
+        }
+        const int32_t addressEnd = closeParen.from(labelEnd + 2);
+        if (addressEnd < 0) {
+            break; // every later label ends at or after this one, with no ")" behind it
+        }
+        if (addressEnd == labelEnd + 2) {
+            open = text.indexOf(u'[', open + 1);
+            continue;
+        }
+        result.append(text, copied, open - copied);
+        result.append(text, open + 1, labelEnd - open - 1);
+        copied = addressEnd + 1;
+        open = text.indexOf(u'[', copied);
+    }
+    if (copied == 0) {
+        return text;
+    }
+    result.append(text, copied, length - copied);
+    return result;
 }
 
 } // namespace
@@ -78,7 +128,11 @@ QString stripMarkdown(const QString &markdown)
 {
     icu::UnicodeString text = toIcu(markdown);
     const auto &patterns = compiledSteps();
-    for (size_t i = 0; i < steps.size(); ++i) {
+    for (size_t i = 0; i < stripsteps::steps.size(); ++i) {
+        if (i == stripsteps::linkStep) {
+            text = replaceLinks(text);
+            continue;
+        }
         if (!patterns.at(i)) {
             continue;
         }
@@ -87,7 +141,7 @@ QString stripMarkdown(const QString &markdown)
         {
             const std::unique_ptr<icu::RegexMatcher> matcher(patterns.at(i)->matcher(text, status));
             if (U_SUCCESS(status)) {
-                replaced = matcher->replaceAll(icu::UnicodeString(steps.at(i).replacement), status);
+                replaced = matcher->replaceAll(icu::UnicodeString(stripsteps::steps.at(i).replacement), status);
             }
         }
         if (U_SUCCESS(status)) {
@@ -99,14 +153,45 @@ QString stripMarkdown(const QString &markdown)
 
 bool matchesRulePattern(const QString &text)
 {
-    static const std::unique_ptr<icu::RegexPattern> pattern = compile(rulePattern);
-    if (!pattern) {
+    // The pattern matches when one of its three alternatives does. The first two cost the
+    // engine a glance per position; the third, tried at every star of a long run, would walk
+    // the rest of the run from each, so it is tried only at the start of the stars that end
+    // where "$" may hold: the end of the text or a final line break.
+    static const std::unique_ptr<icu::RegexPattern> leading = compile(u"^-{3,}|_{3,}");
+    static const std::unique_ptr<icu::RegexPattern> trailing = compile(u"\\*{3,}$");
+    if (!leading || !trailing) {
         return false;
     }
     const icu::UnicodeString subject = toIcu(text);
     UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(subject, status));
-    return U_SUCCESS(status) && matcher->find(status) && U_SUCCESS(status);
+    const std::unique_ptr<icu::RegexMatcher> leadingMatcher(leading->matcher(subject, status));
+    if (U_FAILURE(status)) {
+        return false;
+    }
+    if (leadingMatcher->find(status) && U_SUCCESS(status)) {
+        return true;
+    }
+    const std::unique_ptr<icu::RegexMatcher> trailingMatcher(trailing->matcher(subject, status));
+    if (U_FAILURE(status)) {
+        return false;
+    }
+    trailingMatcher->useAnchoringBounds(false);
+    const int32_t length = subject.length();
+    // "$" holds at the end, and before a final line break of one or two characters.
+    for (int32_t end = length; end >= 0 && end >= length - 2; --end) {
+        int32_t start = end;
+        while (start > 0 && subject.charAt(start - 1) == u'*') {
+            --start;
+        }
+        if (end - start < 3) {
+            continue;
+        }
+        trailingMatcher->region(start, length, status);
+        if (U_SUCCESS(status) && trailingMatcher->lookingAt(status) && U_SUCCESS(status)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace zentrik

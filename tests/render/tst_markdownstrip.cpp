@@ -1,7 +1,10 @@
 #include "render/markdownstrip.h"
+#include "render/referencestrip.h"
 
+#include "support/hostiletext.h"
 #include "support/testregistry.h"
 
+#include <QRandomGenerator>
 #include <QTest>
 
 using namespace zentrik;
@@ -15,7 +18,41 @@ private Q_SLOTS:
     void strip();
     void rulePattern_data();
     void rulePattern();
+    void randomTextsAgreeWithReference_data();
+    void randomTextsAgreeWithReference();
+    void hostileTextsAgreeWithReference_data();
+    void hostileTextsAgreeWithReference();
+    void hostileTextsTakeLinearTime_data();
+    void hostileTextsTakeLinearTime();
 };
+
+namespace {
+
+// Every step of the chain and the rule test, each in the shape that would make the engine
+// retry a long run from every start: brackets and link openings that never close, back-ticks
+// and fences without their other half, runs of markers that end just short of matching.
+void addHostileStripRows()
+{
+    test::addHostileColumns();
+    test::addHostileRow("open brackets", "", "[", "");
+    test::addHostileRow("links without their closing parenthesis", "", "[a](", "");
+    test::addHostileRow("labels without an address", "", "[a]", "(");
+    test::addHostileRow("one bracket before a long label", "[", "a", "](b");
+    test::addHostileRow("closings without openings", "", "](", ")");
+    test::addHostileRow("empty labels", "", "[](", "x)");
+    test::addHostileRow("back-ticks", "", "`", "");
+    test::addHostileRow("unclosed code spans", "", "`a", "");
+    test::addHostileRow("unclosed fences", "", "```a", "");
+    test::addHostileRow("stars before the last character", "", "*", "x");
+    test::addHostileRow("stars before a final line break", "a", "*", "\r\n");
+    test::addHostileRow("underscore pairs", "", "__a", "");
+    test::addHostileRow("hyphens", "", "-", "x");
+    test::addHostileRow("digits without their full stop", "", "1", "x");
+    test::addHostileRow("heading markers", "", "#", "");
+    test::addHostileRow("quote markers", "", "> ", "");
+}
+
+} // namespace
 
 void MarkdownStripTest::strip_data()
 {
@@ -23,44 +60,69 @@ void MarkdownStripTest::strip_data()
     QTest::addColumn<QString>("plain");
 
     // Markers act at the very start of the whole text only, never per line.
-    QTest::newRow("only the first heading marker goes") << "# Title\n## Subtitle\nBody" << "Title\n## Subtitle\nBody";
-    QTest::newRow("seven hashes are no heading") << "####### Deep" << "####### Deep";
-    QTest::newRow("hash without a space stays") << "#hashtag here" << "#hashtag here";
-    QTest::newRow("heading marker followed by a line break") << "#\nText" << "Text";
-    QTest::newRow("leading spaces protect the marker") << "  # Title  " << "# Title";
-    QTest::newRow("only the first number goes") << "1. one\n2. two" << "one\n2. two";
-    QTest::newRow("multi-digit number") << "12. twelve" << "twelve";
-    QTest::newRow("parenthesis numbers stay") << "1) first" << "1) first";
-    QTest::newRow("only the first hyphen bullet goes") << "- one\n- two" << "one\n- two";
-    QTest::newRow("plus bullet") << "+ item" << "item";
-    QTest::newRow("asterisk bullets lose their stars earlier") << "* item\n* next" << "item\n next";
-    QTest::newRow("only the first quote marker goes") << "> quoted\n> more" << "quoted\n> more";
-    QTest::newRow("quote marker is removed after the heading step") << "> # x" << "# x";
+    QTest::newRow("only the first heading marker goes") << "# Title\n## Subtitle\nBody"
+                                                        << "Title\n## Subtitle\nBody";
+    QTest::newRow("seven hashes are no heading") << "####### Deep"
+                                                 << "####### Deep";
+    QTest::newRow("hash without a space stays") << "#hashtag here"
+                                                << "#hashtag here";
+    QTest::newRow("heading marker followed by a line break") << "#\nText"
+                                                             << "Text";
+    QTest::newRow("leading spaces protect the marker") << "  # Title  "
+                                                       << "# Title";
+    QTest::newRow("only the first number goes") << "1. one\n2. two"
+                                                << "one\n2. two";
+    QTest::newRow("multi-digit number") << "12. twelve"
+                                        << "twelve";
+    QTest::newRow("parenthesis numbers stay") << "1) first"
+                                              << "1) first";
+    QTest::newRow("only the first hyphen bullet goes") << "- one\n- two"
+                                                       << "one\n- two";
+    QTest::newRow("plus bullet") << "+ item"
+                                 << "item";
+    QTest::newRow("asterisk bullets lose their stars earlier") << "* item\n* next"
+                                                               << "item\n next";
+    QTest::newRow("only the first quote marker goes") << "> quoted\n> more"
+                                                      << "quoted\n> more";
+    QTest::newRow("quote marker is removed after the heading step") << "> # x"
+                                                                    << "# x";
 
     // Emphasis: every run of asterisks and underscores, wherever it is.
     QTest::newRow("bold and italic") << "**bold**, *italic*, __strong__, _em_ and ***both***"
                                      << "bold, italic, strong, em and both";
-    QTest::newRow("underscores inside words") << "snake_case_name" << "snakecasename";
+    QTest::newRow("underscores inside words") << "snake_case_name"
+                                              << "snakecasename";
 
     QTest::newRow("link becomes its label") << "Read the [docs](https://example.com/guide) first."
                                             << "Read the docs first.";
-    QTest::newRow("link address with parentheses") << "[a](http://x.org/(y)) end" << "a) end";
-    QTest::newRow("inline code") << "Run `make install` now" << "Run make install now";
+    QTest::newRow("link address with parentheses") << "[a](http://x.org/(y)) end"
+                                                   << "a) end";
+    QTest::newRow("inline code") << "Run `make install` now"
+                                 << "Run make install now";
 
     // The inline-code step takes the innermost back-ticks of a fence first.
-    QTest::newRow("one-line fence") << "```code```" << "``code``";
-    QTest::newRow("fenced block keeps its contents") << "```js\nlet x = 1;\n```" << "``js\nlet x = 1;\n``";
-    QTest::newRow("inline code before a fence") << "Use `a` and ```b```" << "Use a and ``b``";
+    QTest::newRow("one-line fence") << "```code```"
+                                    << "``code``";
+    QTest::newRow("fenced block keeps its contents") << "```js\nlet x = 1;\n```"
+                                                     << "``js\nlet x = 1;\n``";
+    QTest::newRow("inline code before a fence") << "Use `a` and ```b```"
+                                                << "Use a and ``b``";
 
-    QTest::newRow("hyphen rule at the start") << "---\nAfter" << "After";
-    QTest::newRow("hyphen rule at the end stays") << "Before\n---" << "Before\n---";
-    QTest::newRow("rule then bullet: the bullet is no longer first") << "-----\n- a" << "- a";
+    QTest::newRow("hyphen rule at the start") << "---\nAfter"
+                                              << "After";
+    QTest::newRow("hyphen rule at the end stays") << "Before\n---"
+                                                  << "Before\n---";
+    QTest::newRow("rule then bullet: the bullet is no longer first") << "-----\n- a"
+                                                                     << "- a";
 
-    QTest::newRow("white space only") << " \n\t \n" << "";
-    QTest::newRow("empty") << "" << "";
+    QTest::newRow("white space only") << " \n\t \n"
+                                      << "";
+    QTest::newRow("empty") << ""
+                           << "";
     QTest::newRow("a whole reply") << "# Report\n\n**Summary:** see [site](https://a.b).\n\n1. `a`\n2. b"
                                    << "Report\n\nSummary: see site.\n\n1. a\n2. b";
-    QTest::newRow("non-ASCII text") << "## Grüße 😀\n*Ünïcödé*" << "Grüße 😀\nÜnïcödé";
+    QTest::newRow("non-ASCII text") << "## Grüße 😀\n*Ünïcödé*"
+                                    << "Grüße 😀\nÜnïcödé";
 }
 
 void MarkdownStripTest::strip()
@@ -96,6 +158,76 @@ void MarkdownStripTest::rulePattern()
     QFETCH(QString, text);
     QFETCH(bool, matches);
     QCOMPARE(matchesRulePattern(text), matches);
+}
+
+void MarkdownStripTest::randomTextsAgreeWithReference_data()
+{
+    QTest::addColumn<quint32>("seed");
+    QTest::addColumn<QString>("alphabet");
+
+    QTest::newRow("links") << 1U << QStringLiteral("[]()a ");
+    QTest::newRow("links and code") << 2U << QStringLiteral("[]()`a\n");
+    QTest::newRow("every marker") << 3U << QStringLiteral("[]()`*_#->+1. \n\r");
+    QTest::newRow("rules and line ends") << 4U << QStringLiteral("*_-x\n\r\u0085\u2028\u000b");
+    QTest::newRow("beyond the BMP") << 5U << (QStringLiteral("[]()`*\U0001F600 ") + QChar(0xd800));
+}
+
+// Short texts over a few characters reach every branch of the link scanner and the rule test.
+void MarkdownStripTest::randomTextsAgreeWithReference()
+{
+    QFETCH(quint32, seed);
+    QFETCH(QString, alphabet);
+    QRandomGenerator random(seed);
+    for (int i = 0; i < 4000; ++i) {
+        QString text;
+        const int length = int(random.bounded(24));
+        for (int j = 0; j < length; ++j) {
+            text += alphabet.at(random.bounded(int(alphabet.size())));
+        }
+        QCOMPARE(stripMarkdown(text), reference::stripMarkdown(text));
+        QCOMPARE(matchesRulePattern(text), reference::matchesRulePattern(text));
+    }
+}
+
+void MarkdownStripTest::hostileTextsAgreeWithReference_data()
+{
+    addHostileStripRows();
+}
+
+void MarkdownStripTest::hostileTextsAgreeWithReference()
+{
+    QFETCH(QString, prefix);
+    QFETCH(QString, unit);
+    QFETCH(QString, suffix);
+    const QString text = test::hostileText(prefix, unit, suffix, 3000);
+    QCOMPARE(stripMarkdown(text), reference::stripMarkdown(text));
+    QCOMPARE(matchesRulePattern(text), reference::matchesRulePattern(text));
+}
+
+void MarkdownStripTest::hostileTextsTakeLinearTime_data()
+{
+    addHostileStripRows();
+}
+
+// Copy and the message view's divider test run on the interface thread: 60,000 characters
+// of any shape in well under 100 ms, a megabyte in well under two seconds (60,000 open
+// brackets took 21 s when the engine searched for links).
+void MarkdownStripTest::hostileTextsTakeLinearTime()
+{
+    QFETCH(QString, prefix);
+    QFETCH(QString, unit);
+    QFETCH(QString, suffix);
+    for (const qsizetype size : { qsizetype(60000), qsizetype(1 << 20) }) {
+        const QString text = test::hostileText(prefix, unit, suffix, size);
+        const qint64 bound = size == 60000 ? 100 : 2000;
+        const qint64 ms = test::quickestMs(size == 60000 ? 3 : 1, [&] {
+            const QString plain = stripMarkdown(text);
+            Q_UNUSED(plain);
+            const bool rule = matchesRulePattern(text);
+            Q_UNUSED(rule);
+        });
+        QVERIFY2(ms < bound, qPrintable(QStringLiteral("%1 ms for %2 characters").arg(ms).arg(text.size())));
+    }
 }
 
 ZENTRIK_TEST(MarkdownStripTest)
