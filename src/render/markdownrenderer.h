@@ -2,6 +2,7 @@
 
 #include "render/markdownblock.h"
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QList>
 #include <QString>
@@ -13,7 +14,8 @@ class MarkdownRenderer
 {
 public:
     // Where a top-level list item lies, and where its rows begin in the block's items.
-    struct ItemSpan {
+    struct ItemSpan
+    {
         int startLine = 0;
         int endLine = 0;
         qsizetype firstEntry = 0;
@@ -21,7 +23,8 @@ public:
 
     // Where a top-level block lies in its source, in cmark's 1-based line numbers, with
     // what the streaming renderer needs to know to keep extending it.
-    struct SourceSpan {
+    struct SourceSpan
+    {
         enum class Kind { Paragraph, Heading, Rule, Quote, Table, FencedCode, List, Other };
 
         int startLine = 0;
@@ -37,10 +40,17 @@ public:
 
     [[nodiscard]] static QList<MarkdownBlock> render(const QString &markdown);
     [[nodiscard]] static QString toHtml(const QString &markdown);
+    // The same from UTF-8 into UTF-8, for replies too large to hold twice in UTF-16.
+    [[nodiscard]] static QByteArray toHtml(QByteArrayView utf8);
 
     // Appends the blocks of a UTF-8 text to blocks and, when spans is given, where each of
     // them lies.
+    // A text beyond what one parse may take (see renderbudget.h) is rendered in parts, and
+    // a part still too large becomes paragraphs of plain text.
     static void renderInto(QByteArrayView utf8, QList<MarkdownBlock> &blocks, QList<SourceSpan> *spans = nullptr);
+
+private:
+    static void renderWhole(QByteArrayView utf8, QList<MarkdownBlock> &blocks, QList<SourceSpan> *spans);
 };
 
 } // namespace zentrik
