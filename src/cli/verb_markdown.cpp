@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cstdio>
+
 using namespace zentrik;
 using namespace zentrik::cli;
 
@@ -66,17 +68,29 @@ int runMarkdown(const QStringList &arguments)
         return usageError(verbName, tr("expected at most one file, got %1").arg(positional.size() - 1));
     }
 
-    const Input input = readInput(positional);
+    Input input = readInput(positional);
     if (!input.error.isEmpty()) {
         return fail(input.error);
     }
     if (action == QStringLiteral("html")) {
-        printOut(MarkdownRenderer::toHtml(input.text));
+        // Rendered from UTF-8 into UTF-8, so that a reply of many megabytes is never held
+        // in UTF-16 beside its rendering.
+        QByteArray utf8 = input.text.toUtf8();
+        input.text = QString();
+        const QByteArray html = MarkdownRenderer::toHtml(QByteArrayView(utf8));
+        utf8 = QByteArray();
+        std::fwrite(html.constData(), 1, size_t(html.size()), stdout);
+        std::fflush(stdout);
         return exitSuccess;
     }
-    const QString plain = stripMarkdown(input.text);
+    QString plain = stripMarkdown(input.text);
+    input.text = QString();
     if (!plain.isEmpty()) {
-        printOut(plain + QLatin1Char('\n'));
+        plain.append(QLatin1Char('\n'));
+        QByteArray bytes = plain.toUtf8();
+        plain = QString();
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+        std::fflush(stdout);
     }
     return exitSuccess;
 }

@@ -21,11 +21,6 @@ icu::UnicodeString toIcu(const QString &text)
     return icu::UnicodeString(reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()));
 }
 
-QString fromIcu(const icu::UnicodeString &text)
-{
-    return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
-}
-
 // Compiled with no flags: no multi-line mode, so the anchors mean the whole text.
 std::unique_ptr<icu::RegexPattern> compile(const char16_t *pattern)
 {
@@ -86,10 +81,11 @@ private:
 // is everything up to the first "]" after the "[" and must not be empty; the "(" has to
 // follow that "]" at once; the address runs up to the first ")" after it and must not be
 // empty. Nothing else can match, so each "[" is decided by where the next "]" and ")" lie.
-icu::UnicodeString replaceLinks(const icu::UnicodeString &text)
+// Writes the text with its links replaced into `result`; false (and `result` untouched) when
+// there are none.
+bool replaceLinks(const icu::UnicodeString &text, icu::UnicodeString &result)
 {
     const int32_t length = text.length();
-    icu::UnicodeString result;
     ForwardSearch closeBracket(text, u']');
     ForwardSearch closeParen(text, u')');
     int32_t copied = 0;
@@ -116,21 +112,27 @@ icu::UnicodeString replaceLinks(const icu::UnicodeString &text)
         open = text.indexOf(u'[', copied);
     }
     if (copied == 0) {
-        return text;
+        return false;
     }
     result.append(text, copied, length - copied);
-    return result;
+    return true;
 }
 
 } // namespace
 
 QString stripMarkdown(const QString &markdown)
 {
-    icu::UnicodeString text = toIcu(markdown);
+    // Starts as a read-only view of the reply; each step that changes something makes the
+    // next copy, and a step that finds nothing makes none, so a long reply is held only a
+    // few times over.
+    icu::UnicodeString text(false, reinterpret_cast<const UChar *>(markdown.utf16()), int32_t(markdown.size()));
     const auto &patterns = compiledSteps();
     for (size_t i = 0; i < stripsteps::steps.size(); ++i) {
         if (i == stripsteps::linkStep) {
-            text = replaceLinks(text);
+            icu::UnicodeString replaced;
+            if (replaceLinks(text, replaced)) {
+                text = std::move(replaced);
+            }
             continue;
         }
         if (!patterns.at(i)) {
@@ -138,17 +140,29 @@ QString stripMarkdown(const QString &markdown)
         }
         UErrorCode status = U_ZERO_ERROR;
         icu::UnicodeString replaced;
+        bool found = false;
         {
             const std::unique_ptr<icu::RegexMatcher> matcher(patterns.at(i)->matcher(text, status));
-            if (U_SUCCESS(status)) {
+            found = U_SUCCESS(status) && matcher->find(status) && U_SUCCESS(status);
+            if (found) {
+                matcher->reset();
                 replaced = matcher->replaceAll(icu::UnicodeString(stripsteps::steps.at(i).replacement), status);
             }
         }
-        if (U_SUCCESS(status)) {
-            text = replaced;
+        if (found && U_SUCCESS(status)) {
+            text = std::move(replaced);
         }
     }
-    return fromIcu(text).trimmed();
+    const auto isSpace = [](char16_t c) { return QChar::isSpace(c); };
+    int32_t start = 0;
+    int32_t end = text.length();
+    while (start < end && isSpace(text.charAt(start))) {
+        ++start;
+    }
+    while (end > start && isSpace(text.charAt(end - 1))) {
+        --end;
+    }
+    return QString(reinterpret_cast<const QChar *>(text.getBuffer()) + start, end - start);
 }
 
 bool matchesRulePattern(const QString &text)
