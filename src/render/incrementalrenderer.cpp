@@ -1,6 +1,7 @@
 #include "render/incrementalrenderer.h"
 
 #include "render/linetext.h"
+#include "render/renderbudget.h"
 #include "render/tablerows.h"
 #include "render/tailcuts.h"
 
@@ -29,6 +30,16 @@ void IncrementalRenderer::append(QStringView piece)
     }
     const qsizetype oldSize = m_text.size();
     m_text.append(piece);
+    if (isPlain()) {
+        appendPlainText();
+        return;
+    }
+    // Characters are never fewer than the UTF-8 bytes, so a whole render of a text this long
+    // would leave the single parse too.
+    if (m_text.size() > renderbudget::maxParseBytes) {
+        continueAsPlainText();
+        return;
+    }
     noteReferenceDefinitions(oldSize > 0 ? oldSize - 1 : 0);
     if (!m_wholeText && (extendLastBlock() || finishLastBlock() || extendTable())) {
         return;
@@ -49,7 +60,76 @@ void IncrementalRenderer::clear()
     m_text.clear();
     m_blocks.clear();
     m_wholeText = false;
+    m_plainDone = -1;
     restart();
+}
+
+void IncrementalRenderer::continueAsPlainText()
+{
+    // The blocks before the tail are final (an open list or table keeps what it holds);
+    // everything from the tail on becomes plain text.
+    m_blocks.resize(m_stableCount);
+    m_plainDone = m_tailStart;
+    m_plainBlockFill = plainBlockLength;
+    m_openBlock.reset();
+    m_lastBlock = std::monostate();
+    m_listMarker.reset();
+    appendPlainText();
+}
+
+void IncrementalRenderer::appendPlainText()
+{
+    qsizetype end = renderEnd();
+    // A carriage return waits for the line feed that may follow it.
+    if (end > m_plainDone && m_text.at(end - 1) == QLatin1Char('\r')) {
+        --end;
+    }
+    while (m_plainDone < end) {
+        if (m_plainBlockFill >= plainBlockLength) {
+            m_blocks.append(MarkdownBlock());
+            m_plainBlockFill = 0;
+        }
+        qsizetype take = qMin(end - m_plainDone, plainBlockLength - m_plainBlockFill);
+        // A block never ends between the halves of a surrogate pair.
+        if (m_plainDone + take < end && m_text.at(m_plainDone + take - 1).isHighSurrogate()) {
+            take = take > 1 ? take - 1 : take + 1;
+        }
+        QString &out = m_blocks.last().text;
+        for (qsizetype i = m_plainDone; i < m_plainDone + take; ++i) {
+            const QChar c = m_text.at(i);
+            switch (c.unicode()) {
+            case u'&':
+                out += QLatin1String("&amp;");
+                break;
+            case u'<':
+                out += QLatin1String("&lt;");
+                break;
+            case u'>':
+                out += QLatin1String("&gt;");
+                break;
+            case u'"':
+                out += QLatin1String("&quot;");
+                break;
+            case u'\n':
+                // The line feed of a CR LF pair: the carriage return made the break.
+                if (i == 0 || m_text.at(i - 1) != QLatin1Char('\r')) {
+                    out += QLatin1String("<br>");
+                }
+                break;
+            case u'\r':
+                out += QLatin1String("<br>");
+                break;
+            default:
+                out += c;
+                break;
+            }
+        }
+        m_plainDone += take;
+        m_plainBlockFill += take;
+        m_tailStart = m_plainDone;
+        // The last block grows with the next piece; the ones before it are final.
+        m_stableCount = m_blocks.size() - 1;
+    }
 }
 
 void IncrementalRenderer::restart()

@@ -22,6 +22,11 @@ namespace zentrik {
 // around them, and a block that a piece completes is closed without parsing it again, so the work per piece follows the size of the piece, not the length of
 // the reply. After every piece, blocks() equals MarkdownRenderer::render() of the text so
 // far (less a trailing half of a surrogate pair, which waits for the rest).
+//
+// A reply that grows past what one parse may take (renderbudget.h) goes on as plain text:
+// the blocks so far stay, and the rest is shown escaped, with its line breaks, in paragraphs
+// of at most plainBlockLength characters, so neither memory nor the work per piece grows
+// with the reply. (A whole render of such a reply parses it in parts instead.)
 class IncrementalRenderer
 {
 public:
@@ -35,6 +40,9 @@ public:
     [[nodiscard]] qsizetype stableBlockCount() const { return m_stableCount - (m_openBlock ? 1 : 0); }
     // Where the re-parsed tail begins in text().
     [[nodiscard]] qsizetype tailStart() const { return m_tailStart; }
+    [[nodiscard]] bool isPlain() const { return m_plainDone >= 0; }
+
+    static constexpr qsizetype plainBlockLength = 64 * 1024;
 
 private:
     using SourceSpan = MarkdownRenderer::SourceSpan;
@@ -62,6 +70,8 @@ private:
     bool startPlainItem(qsizetype end);
     bool startAfterFinished(qsizetype end);
     void commitUpTo(qsizetype tailStart);
+    void continueAsPlainText();
+    void appendPlainText();
 
     QString m_text;
     QList<MarkdownBlock> m_blocks;
@@ -73,6 +83,9 @@ private:
     // A link reference definition anywhere changes links everywhere, before it too; once
     // the text may hold one, every piece renders the whole text again.
     bool m_wholeText = false;
+    // Once the reply is shown as plain text: how far, and how much the last block holds.
+    qsizetype m_plainDone = -1;
+    qsizetype m_plainBlockFill = 0;
 };
 
 } // namespace zentrik

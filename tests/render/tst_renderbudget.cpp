@@ -1,3 +1,5 @@
+#include "render/incrementalrenderer.h"
+#include "render/markdownmodel.h"
 #include "render/markdownrenderer.h"
 #include "render/renderbudget.h"
 
@@ -134,6 +136,46 @@ private Q_SLOTS:
         const QString html = MarkdownRenderer::toHtml(QString::fromUtf8(text));
         QVERIFY(html.startsWith(QStringLiteral("<h1>Title</h1>\n")));
         QVERIFY(html.endsWith(QStringLiteral("<ul>\n<li>last</li>\n</ul>\n")));
+    }
+
+    // A streamed reply that outgrows one parse goes on as plain text in blocks of bounded
+    // size, the blocks before it kept, nothing lost or doubled: pieces of seven characters
+    // split CR LF pairs, surrogate pairs and the escapes.
+    void streamedReplyPastTheBoundGoesOnAsPlainText()
+    {
+        const QString head = QStringLiteral("# Title\n\nFirst paragraph.\n\n");
+        const QString line = QStringLiteral("a <b> & \"c\"\r\nd\re\n\U0001F600 ").repeated(60000);
+        const QString text = head + line;
+        const qsizetype preloaded = renderbudget::maxParseBytes - 3;
+
+        IncrementalRenderer renderer;
+        MarkdownModel model;
+        renderer.setText(text.first(preloaded));
+        model.setText(text.first(preloaded));
+        QVERIFY(!renderer.isPlain());
+        for (qsizetype at = preloaded; at < text.size(); at += 7) {
+            renderer.append(QStringView(text).sliced(at, qMin<qsizetype>(7, text.size() - at)));
+            model.appendText(text.sliced(at, qMin<qsizetype>(7, text.size() - at)));
+        }
+        QVERIFY(renderer.isPlain());
+        QCOMPARE(renderer.text(), text);
+        QCOMPARE(model.blocks(), renderer.blocks());
+        QCOMPARE(renderer.stableBlockCount(), renderer.blocks().size() - 1);
+
+        const QList<MarkdownBlock> &blocks = renderer.blocks();
+        QCOMPARE(blocks.at(0).type, MarkdownBlock::Type::Heading);
+        QCOMPARE(blocks.at(1).text, QStringLiteral("First paragraph."));
+        QString shown;
+        for (qsizetype i = 2; i < blocks.size(); ++i) {
+            QVERIFY(!blocks.at(i).text.back().isHighSurrogate());
+            shown += blocks.at(i).text;
+        }
+        QVERIFY(blocks.size() > 2 + line.size() / IncrementalRenderer::plainBlockLength);
+        QString expected = line.toHtmlEscaped();
+        expected.replace(QStringLiteral("\r\n"), QStringLiteral("<br>"))
+            .replace(QLatin1Char('\r'), QStringLiteral("<br>"))
+            .replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+        QCOMPARE(shown, expected);
     }
 };
 
