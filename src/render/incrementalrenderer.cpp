@@ -34,8 +34,8 @@ void IncrementalRenderer::append(QStringView piece)
         appendPlainText();
         return;
     }
-    // Characters are never fewer than the UTF-8 bytes, so a whole render of a text this long
-    // would leave the single parse too.
+    // UTF-8 takes at least a byte per character, so a whole render of a text this long is
+    // cut into parts too.
     if (m_text.size() > renderbudget::maxParseBytes) {
         continueAsPlainText();
         return;
