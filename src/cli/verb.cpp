@@ -5,33 +5,9 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <vector>
 
 namespace zentrik::cli {
-
-namespace {
-std::vector<Verb> &registry()
-{
-    static std::vector<Verb> entries;
-    return entries;
-}
-} // namespace
-
-bool registerVerb(Verb verb)
-{
-    auto &entries = registry();
-    auto at = std::lower_bound(entries.begin(), entries.end(), verb.name,
-                               [](const Verb &v, const QString &name) { return v.name < name; });
-    entries.insert(at, std::move(verb));
-    return true;
-}
-
-const std::vector<Verb> &verbs()
-{
-    return registry();
-}
 
 void printOut(const QString &text)
 {

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace zentrik::cli {
 
@@ -21,9 +22,12 @@ struct Verb {
     std::function<int(const QStringList &arguments)> run;
 };
 
-// Called from a static initialiser in each verb_*.cpp.
-bool registerVerb(Verb verb);
+// Every verb, in the order --help lists them.
 [[nodiscard]] const std::vector<Verb> &verbs();
+
+// Runs the command line after the program's name: a verb with its arguments, --help or
+// --version. Returns the exit code.
+int run(QStringList arguments);
 
 // Results go to stdout, diagnostics to stderr; both are UTF-8.
 void printOut(const QString &text);
@@ -46,9 +50,3 @@ std::optional<int> parseArguments(QCommandLineParser &parser, const QString &ver
 [[nodiscard]] bool isInteractive();
 
 } // namespace zentrik::cli
-
-#define ZENTRIK_CLI_VERB(ident, ...)                                                          \
-    namespace {                                                                               \
-    [[maybe_unused]] const bool verbRegistered_##ident =                                      \
-        zentrik::cli::registerVerb(zentrik::cli::Verb{__VA_ARGS__});                          \
-    }

@@ -2,6 +2,7 @@
 // does, or streams it with --stream.
 #include "clisession.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include "privacy/piimanager.h"
 #include "tools/askmeanythingviewmodel.h"
@@ -154,5 +155,7 @@ int runAsk(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(ask, QStringLiteral("ask"),
-    QStringLiteral("Ask the selected text model, as Ask Me Anything does (--stream to stream)"), runAsk)
+zentrik::cli::Verb zentrik::cli::askVerb()
+{
+    return {QStringLiteral("ask"), QStringLiteral("Ask the selected text model, as Ask Me Anything does (--stream to stream)"), runAsk};
+}

@@ -1,6 +1,7 @@
 // zentrik-cli assistants [--json]: the catalogue's categories and cards, then every
 // form-driven assistant with its fields.
 #include "verb.h"
+#include "verbs.h"
 
 #include "tools/assistantcatalogue.h"
 #include "tools/assistantfamily.h"
@@ -143,5 +144,7 @@ int runAssistants(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(assistants, QStringLiteral("assistants"),
-    QStringLiteral("the assistant catalogue and every form with its fields"), &runAssistants)
+zentrik::cli::Verb zentrik::cli::assistantsVerb()
+{
+    return {QStringLiteral("assistants"), QStringLiteral("the assistant catalogue and every form with its fields"), runAssistants};
+}

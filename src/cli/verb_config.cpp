@@ -2,6 +2,7 @@
 #include "model/modelcatalog.h"
 #include "settings/preferences.h"
 #include "verb.h"
+#include "verbs.h"
 
 using namespace zentrik;
 using namespace zentrik::cli;
@@ -106,4 +107,7 @@ int runConfig(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(config, QStringLiteral("config"), QStringLiteral("Read or write a preference (text-model, image-model, dark-mode)"), runConfig)
+zentrik::cli::Verb zentrik::cli::configVerb()
+{
+    return {QStringLiteral("config"), QStringLiteral("Read or write a preference (text-model, image-model, dark-mode)"), runConfig};
+}

@@ -2,6 +2,7 @@
 #include "clisession.h"
 #include "devtoolrun.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include "tools/conversationsuggestions.h"
 
@@ -51,4 +52,7 @@ int runDebug(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(debug, QStringLiteral("debug"), QStringLiteral("Ask the Code Debugger"), runDebug)
+zentrik::cli::Verb zentrik::cli::debugVerb()
+{
+    return {QStringLiteral("debug"), QStringLiteral("Ask the Code Debugger"), runDebug};
+}

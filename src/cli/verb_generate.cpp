@@ -3,6 +3,7 @@
 #include "clisession.h"
 #include "formarguments.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include "tools/generatorviewmodel.h"
 
@@ -88,5 +89,7 @@ int runGenerate(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(generate, QStringLiteral("generate"),
-                 QStringLiteral("Run a form-driven assistant and stream its reply"), runGenerate)
+zentrik::cli::Verb zentrik::cli::generateVerb()
+{
+    return {QStringLiteral("generate"), QStringLiteral("Run a form-driven assistant and stream its reply"), runGenerate};
+}

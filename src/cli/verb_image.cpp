@@ -1,6 +1,7 @@
 // zentrik-cli image: one picture from a prompt with the selected (or given) image model,
 // saved as a PNG file.
 #include "verb.h"
+#include "verbs.h"
 
 #include "model/apimanager.h"
 #include "model/imagecodec.h"
@@ -153,4 +154,7 @@ int runImage(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(image, verbName, QStringLiteral("Generate a picture from a prompt and save it as PNG"), runImage)
+zentrik::cli::Verb zentrik::cli::imageVerb()
+{
+    return {verbName, QStringLiteral("Generate a picture from a prompt and save it as PNG"), runImage};
+}

@@ -1,6 +1,7 @@
 #include "model/apimanager.h"
 #include "settings/secretstore.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -164,4 +165,7 @@ int runKeys(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(keys, QStringLiteral("keys"), QStringLiteral("Set, delete or show the status of the API keys"), runKeys)
+zentrik::cli::Verb zentrik::cli::keysVerb()
+{
+    return {QStringLiteral("keys"), QStringLiteral("Set, delete or show the status of the API keys"), runKeys};
+}

@@ -1,6 +1,7 @@
 // zentrik-cli markdown strip|html [FILE|-]: the plain-text copy of a Markdown reply, or
 // the reply rendered as HTML.
 #include "verb.h"
+#include "verbs.h"
 
 #include "render/markdownrenderer.h"
 #include "render/markdownstrip.h"
@@ -97,5 +98,7 @@ int runMarkdown(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(markdown, QStringLiteral("markdown"),
-                 QStringLiteral("a Markdown reply as plain text (strip) or as HTML (html)"), &runMarkdown)
+zentrik::cli::Verb zentrik::cli::markdownVerb()
+{
+    return {QStringLiteral("markdown"), QStringLiteral("a Markdown reply as plain text (strip) or as HTML (html)"), runMarkdown};
+}

@@ -2,6 +2,7 @@
 #include "model/modelcatalog.h"
 #include "settings/preferences.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -79,4 +80,7 @@ int runModels(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(models, QStringLiteral("models"), QStringLiteral("List the text and image models"), runModels)
+zentrik::cli::Verb zentrik::cli::modelsVerb()
+{
+    return {QStringLiteral("models"), QStringLiteral("List the text and image models"), runModels};
+}

@@ -2,6 +2,7 @@
 // file, retitled, deleted and searched.
 #include "transcribefile.h"
 #include "verb.h"
+#include "verbs.h"
 #include "voice/voicenotemanager.h"
 
 #include <QJsonArray>
@@ -185,5 +186,7 @@ int runNotes(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(notes, QStringLiteral("notes"),
-    QStringLiteral("Voice notes: list, show, add FILE (transcribed), edit, delete, search"), runNotes)
+zentrik::cli::Verb zentrik::cli::notesVerb()
+{
+    return {QStringLiteral("notes"), QStringLiteral("Voice notes: list, show, add FILE (transcribed), edit, delete, search"), runNotes};
+}

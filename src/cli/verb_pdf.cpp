@@ -1,6 +1,7 @@
 // zentrik-cli pdf summary FILE / pdf ask FILE QUESTION: the PDF chat from a shell.
 #include "clisession.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include "pdf/pdfchatviewmodel.h"
 
@@ -139,4 +140,7 @@ int runPdf(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(pdf, QStringLiteral("pdf"), QStringLiteral("Summarize a PDF or ask about it"), runPdf)
+zentrik::cli::Verb zentrik::cli::pdfVerb()
+{
+    return {QStringLiteral("pdf"), QStringLiteral("Summarize a PDF or ask about it"), runPdf};
+}

@@ -1,6 +1,7 @@
 // zentrik-cli prompt TITLE --field LABEL=VALUE ...: prints the prompt a form-driven
 // assistant would send for these values, without sending anything.
 #include "verb.h"
+#include "verbs.h"
 
 #include "formarguments.h"
 
@@ -45,5 +46,7 @@ int runPrompt(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(prompt, QStringLiteral("prompt"),
-    QStringLiteral("the prompt a form-driven assistant composes, not sent"), &runPrompt)
+zentrik::cli::Verb zentrik::cli::promptVerb()
+{
+    return {QStringLiteral("prompt"), QStringLiteral("the prompt a form-driven assistant composes, not sent"), runPrompt};
+}

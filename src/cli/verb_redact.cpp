@@ -1,4 +1,5 @@
 #include "verb.h"
+#include "verbs.h"
 
 #include "privacy/piimanager.h"
 
@@ -35,5 +36,7 @@ int runRedact(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(
-    redact, QStringLiteral("redact"), QStringLiteral("the privacy guard's redacted copy of a text"), runRedact)
+zentrik::cli::Verb zentrik::cli::redactVerb()
+{
+    return {QStringLiteral("redact"), QStringLiteral("the privacy guard's redacted copy of a text"), runRedact};
+}

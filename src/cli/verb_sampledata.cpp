@@ -2,6 +2,7 @@
 #include "clisession.h"
 #include "devtoolrun.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include "tools/conversationsuggestions.h"
 
@@ -59,5 +60,7 @@ int runSampleData(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(sampleData, QStringLiteral("sample-data"), QStringLiteral("Generate sample data in a format"),
-                 runSampleData)
+zentrik::cli::Verb zentrik::cli::sampleDataVerb()
+{
+    return {QStringLiteral("sample-data"), QStringLiteral("Generate sample data in a format"), runSampleData};
+}

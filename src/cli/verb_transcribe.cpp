@@ -1,6 +1,7 @@
 // zentrik-cli transcribe: speech to text through OpenAI, as the voice notes screen does.
 #include "transcribefile.h"
 #include "verb.h"
+#include "verbs.h"
 
 #include <QLoggingCategory>
 
@@ -39,5 +40,7 @@ int runTranscribe(const QStringList &arguments)
 
 } // namespace
 
-ZENTRIK_CLI_VERB(
-    transcribe, QStringLiteral("transcribe"), QStringLiteral("Print the transcript of an audio file"), runTranscribe)
+zentrik::cli::Verb zentrik::cli::transcribeVerb()
+{
+    return {QStringLiteral("transcribe"), QStringLiteral("Print the transcript of an audio file"), runTranscribe};
+}

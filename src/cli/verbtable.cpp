@@ -1,9 +1,8 @@
 #include "buildconfig.h"
 #include "verb.h"
+#include "verbs.h"
 
-#include <QCoreApplication>
-
-using namespace zentrik::cli;
+namespace zentrik::cli {
 
 namespace {
 void printUsage()
@@ -18,15 +17,30 @@ void printUsage()
 }
 } // namespace
 
-int main(int argc, char **argv)
+const std::vector<Verb> &verbs()
 {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Zentrik"));
-    QCoreApplication::setApplicationName(QStringLiteral("Zentrik"));
-    QCoreApplication::setApplicationVersion(QString::fromLatin1(zentrik::build::version));
+    static const std::vector<Verb> table {
+        askVerb(),
+        assistantsVerb(),
+        configVerb(),
+        debugVerb(),
+        generateVerb(),
+        imageVerb(),
+        keysVerb(),
+        markdownVerb(),
+        modelsVerb(),
+        notesVerb(),
+        pdfVerb(),
+        promptVerb(),
+        redactVerb(),
+        sampleDataVerb(),
+        transcribeVerb(),
+    };
+    return table;
+}
 
-    QStringList arguments = QCoreApplication::arguments();
-    arguments.removeFirst();
+int run(QStringList arguments)
+{
     if (arguments.isEmpty()) {
         printUsage();
         return exitUsage;
@@ -37,7 +51,7 @@ int main(int argc, char **argv)
         return exitSuccess;
     }
     if (first == QStringLiteral("--version") || first == QStringLiteral("-v")) {
-        printOut(QStringLiteral("zentrik-cli %1\n").arg(QCoreApplication::applicationVersion()));
+        printOut(QStringLiteral("zentrik-cli %1\n").arg(QString::fromLatin1(build::version)));
         return exitSuccess;
     }
     for (const Verb &verb : verbs()) {
@@ -47,3 +61,5 @@ int main(int argc, char **argv)
     }
     return usageError(QString(), QStringLiteral("unknown verb '%1'").arg(first));
 }
+
+} // namespace zentrik::cli
