@@ -1,9 +1,7 @@
 #include "clisession.h"
 
+#include "console.h"
 #include "verb.h"
-
-#include <QFile>
-#include <QTextStream>
 
 namespace zentrik::cli {
 
@@ -48,10 +46,7 @@ std::variant<SendChoice, int> resolvePersonalInformation(std::optional<SendChoic
                             "We've detected and redacted some potentially sensitive information in your message.\n\n"
                             "Original Message:\n%1\n\nRedacted Message:\n%2\n\n")
                  .arg(original, redacted));
-    QFile in;
-    if (!in.open(stdin, QIODevice::ReadOnly)) {
-        return usageError(verb, QStringLiteral("cannot read the answer; use --send"));
-    }
+    Console &in = Console::current();
     for (;;) {
         printErr(QStringLiteral("Send [o]riginal or [r]edacted? "));
         const QString answer = QString::fromUtf8(in.readLine()).trimmed().toLower();

@@ -1,26 +1,17 @@
 #include "verb.h"
 
-#include <QFile>
-#include <QTextStream>
-
-#include <unistd.h>
-
-#include <cstdio>
+#include "console.h"
 
 namespace zentrik::cli {
 
 void printOut(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
-    std::fflush(stdout);
+    Console::current().writeOut(text.toUtf8());
 }
 
 void printErr(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stderr);
-    std::fflush(stderr);
+    Console::current().writeErr(text.toUtf8());
 }
 
 int fail(const QString &message)
@@ -68,16 +59,13 @@ QString textArgument(const QStringList &positional, int index)
     if (index < positional.size() && positional.at(index) != QStringLiteral("-")) {
         return positional.at(index);
     }
-    QFile in;
-    if (!in.open(stdin, QIODevice::ReadOnly)) {
-        return {};
-    }
-    return QString::fromUtf8(in.readAll());
+    return QString::fromUtf8(Console::current().readAll());
 }
 
 bool isInteractive()
 {
-    return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDERR_FILENO) != 0;
+    const Console &console = Console::current();
+    return console.inputIsTerminal() && console.errorIsTerminal();
 }
 
 } // namespace zentrik::cli

@@ -1,9 +1,9 @@
+#include "console.h"
 #include "model/apimanager.h"
 #include "settings/secretstore.h"
 #include "verb.h"
 #include "verbs.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -61,7 +61,8 @@ QString failureMessage(const SecretStore &store, const QString &what)
 // part of the key.
 QString readKey(const QString &provider)
 {
-    const bool terminal = ::isatty(STDIN_FILENO) != 0;
+    Console &console = Console::current();
+    const bool terminal = console.inputIsTerminal();
     termios saved{};
     if (terminal) {
         printErr(QStringLiteral("Enter the %1 key: ").arg(provider));
@@ -70,11 +71,7 @@ QString readKey(const QString &provider)
         silent.c_lflag &= ~tcflag_t(ECHO);
         tcsetattr(STDIN_FILENO, TCSANOW, &silent);
     }
-    QFile in;
-    QByteArray bytes;
-    if (in.open(stdin, QIODevice::ReadOnly)) {
-        bytes = terminal ? in.readLine() : in.readAll();
-    }
+    const QByteArray bytes = terminal ? console.readLine() : console.readAll();
     if (terminal) {
         tcsetattr(STDIN_FILENO, TCSANOW, &saved);
         printErr(QStringLiteral("\n"));
