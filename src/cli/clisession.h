@@ -1,12 +1,15 @@
 #pragma once
 
 #include "model/apimanager.h"
+#include "privacy/piialertviewmodel.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QEventLoop>
 
 #include <memory>
 #include <optional>
+#include <variant>
 
 namespace zentrik::cli {
 
@@ -45,6 +48,41 @@ struct SendOption {
                                                                        const QString &original,
                                                                        const QString &redacted,
                                                                        const QString &verb);
+
+// Answers a tool's privacy dialog, if its send opened it, with the user's choice, which
+// sends. Gives the exit code when the run ends here instead.
+template<typename Tool>
+[[nodiscard]] std::optional<int> settlePersonalInformation(Tool &tool, std::optional<SendChoice> preset,
+                                                           const QString &verb)
+{
+    const PiiAlertViewModel *alert = tool.piiAlertVM();
+    if (!alert->showAlert()) {
+        return std::nullopt;
+    }
+    const auto choice = resolvePersonalInformation(preset, alert->originalMessage(), alert->redactedMessage(), verb);
+    if (const int *exit = std::get_if<int>(&choice)) {
+        return *exit;
+    }
+    std::get<SendChoice>(choice) == SendChoice::original ? tool.sendOriginal() : tool.sendRedacted();
+    return std::nullopt;
+}
+
+// Runs the event loop while `busy()` holds, looking again each time `object` emits `changed`:
+// how a verb waits for a reply.
+template<typename Object, typename Signal, typename Busy>
+void waitWhile(const Object &object, Signal changed, Busy busy)
+{
+    if (!busy()) {
+        return;
+    }
+    QEventLoop loop;
+    QObject::connect(&object, changed, &loop, [&] {
+        if (!busy()) {
+            loop.quit();
+        }
+    });
+    loop.exec();
+}
 
 // A conversational tool's error without the connection tip the window adds below it, so
 // that the CLI's failure stays one line.

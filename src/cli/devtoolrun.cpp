@@ -5,8 +5,6 @@
 
 #include "tools/devtoolviewmodel.h"
 
-#include <QEventLoop>
-
 namespace zentrik::cli {
 
 int runDevTool(APIManager &manager, const QString &tool, const QString &suggestion, const QString &text)
@@ -24,15 +22,7 @@ int runDevTool(APIManager &manager, const QString &tool, const QString &suggesti
         }
     });
     devTool.send();
-    if (devTool.isProcessing()) {
-        QEventLoop loop;
-        QObject::connect(&devTool, &ChatToolViewModel::isProcessingChanged, &loop, [&] {
-            if (!devTool.isProcessing()) {
-                loop.quit();
-            }
-        });
-        loop.exec();
-    }
+    waitWhile(devTool, &ChatToolViewModel::isProcessingChanged, [&] { return devTool.isProcessing(); });
     const ChatMessageListModel *messages = devTool.messages();
     const bool replied = messages->count() > 0
         && messages->at(messages->count() - 1).role == ChatMessageRecord::Role::assistant;

@@ -4,11 +4,8 @@
 #include "verb.h"
 #include "verbs.h"
 
-#include "privacy/piimanager.h"
 #include "tools/askmeanythingviewmodel.h"
 #include "tools/conversationsuggestions.h"
-
-#include <QEventLoop>
 
 using namespace zentrik;
 using namespace zentrik::cli;
@@ -26,45 +23,39 @@ QString suggestionLabels()
     return labels.join(QStringLiteral(", "));
 }
 
-// The streamed variant: the same checks as the window, then the reply piece by piece.
-int streamAnswer(APIManager &manager, const QString &text, const ConversationSuggestion *suggestion,
-    std::optional<SendChoice> preset)
+// Ask Me Anything with the reply printed as it arrives: the same checks, privacy dialog and
+// prompt as the screen, only the request streams.
+class StreamedAsk : public AskMeAnythingViewModel
 {
-    if (const std::optional<QString> problem = manager.preflightMessage()) {
-        return fail(*problem);
+public:
+    explicit StreamedAsk(IncrementalPrinter &printer)
+        : m_printer(printer)
+    {
     }
-    QString chosen = text;
-    const QString redacted = PIIManager::redact(text);
-    if (redacted != text) {
-        const auto choice = resolvePersonalInformation(preset, text, redacted, verbName);
-        if (const int *exit = std::get_if<int>(&choice)) {
-            return *exit;
-        }
-        if (std::get<SendChoice>(choice) == SendChoice::redacted) {
-            chosen = redacted;
-        }
+
+protected:
+    void request(const QString &prompt) override
+    {
+        apiManager()->streamText(
+            prompt, this,
+            [this](const QString &piece) {
+                m_received += piece;
+                m_printer.update(m_received);
+            },
+            [this](const std::optional<APIError> &error) {
+                if (error) {
+                    setErrorMessage(error->message());
+                } else {
+                    messages()->append(ChatMessageRecord::Role::assistant, m_received);
+                }
+                setProcessing(false);
+            });
     }
-    const QString prompt = suggestion ? suggestion->prompt + chosen : chosen;
-    QEventLoop loop;
-    IncrementalPrinter printer;
-    QString received;
-    int exitCode = exitSuccess;
-    manager.streamText(
-        prompt, &loop,
-        [&](const QString &piece) {
-            received += piece;
-            printer.update(received);
-        },
-        [&](const std::optional<APIError> &error) {
-            printer.finish();
-            if (error) {
-                exitCode = fail(error->message());
-            }
-            loop.quit();
-        });
-    loop.exec();
-    return exitCode;
-}
+
+private:
+    IncrementalPrinter &m_printer;
+    QString m_received;
+};
 
 int runAsk(const QStringList &arguments)
 {
@@ -111,43 +102,30 @@ int runAsk(const QStringList &arguments)
     }
 
     const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
-    const std::optional<SendChoice> preset = std::get<std::optional<SendChoice>>(send);
-    if (parser.isSet(streamOption)) {
-        return streamAnswer(*manager, text, suggestion, preset);
-    }
-
-    AskMeAnythingViewModel chat;
-    chat.setApiManager(manager.get());
+    IncrementalPrinter printer;
+    const std::unique_ptr<AskMeAnythingViewModel> chat = parser.isSet(streamOption)
+        ? std::make_unique<StreamedAsk>(printer)
+        : std::make_unique<AskMeAnythingViewModel>();
+    chat->setApiManager(manager.get());
     if (suggestion) {
-        chat.setSelectedSuggestion(suggestion->label);
+        chat->setSelectedSuggestion(suggestion->label);
     }
-    chat.setNewMessage(text);
-    chat.send();
-    if (chat.piiAlertVM()->showAlert()) {
-        const auto choice = resolvePersonalInformation(
-            preset, chat.piiAlertVM()->originalMessage(), chat.piiAlertVM()->redactedMessage(), verbName);
-        if (const int *exit = std::get_if<int>(&choice)) {
-            return *exit;
-        }
-        std::get<SendChoice>(choice) == SendChoice::original ? chat.sendOriginal() : chat.sendRedacted();
+    chat->setNewMessage(text);
+    chat->send();
+    if (auto exit = settlePersonalInformation(*chat, std::get<std::optional<SendChoice>>(send), verbName)) {
+        return *exit;
     }
-    if (chat.isProcessing()) {
-        QEventLoop loop;
-        QObject::connect(&chat, &ChatToolViewModel::isProcessingChanged, &loop, [&] {
-            if (!chat.isProcessing()) {
-                loop.quit();
-            }
-        });
-        loop.exec();
+    waitWhile(*chat, &ChatToolViewModel::isProcessingChanged, [&] { return chat->isProcessing(); });
+    if (!chat->errorMessage().isEmpty()) {
+        // A streamed reply cut short keeps what arrived, on a line of its own.
+        printer.finish();
+        return fail(firstParagraph(chat->errorMessage()));
     }
-    if (!chat.errorMessage().isEmpty()) {
-        return fail(firstParagraph(chat.errorMessage()));
-    }
-    const ChatMessageListModel *messages = chat.messages();
+    const ChatMessageListModel *messages = chat->messages();
     if (messages->count() == 0 || messages->at(messages->count() - 1).role != ChatMessageRecord::Role::assistant) {
         return fail(QStringLiteral("no reply arrived"));
     }
-    IncrementalPrinter printer;
+    // Whatever a stream has not printed yet; the whole reply when it waited.
     printer.update(messages->at(messages->count() - 1).content);
     printer.finish();
     return exitSuccess;

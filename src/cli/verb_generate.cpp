@@ -7,8 +7,6 @@
 
 #include "tools/generatorviewmodel.h"
 
-#include <QEventLoop>
-
 using namespace zentrik;
 using namespace zentrik::cli;
 
@@ -61,24 +59,10 @@ int runGenerate(const QStringList &arguments)
     QObject::connect(&generator, &GeneratorViewModel::outputChanged, &generator,
                      [&] { printer.update(generator.output()); });
     generator.generate();
-    if (generator.piiAlertVM()->showAlert()) {
-        const auto choice = resolvePersonalInformation(std::get<std::optional<SendChoice>>(send),
-                                                       generator.piiAlertVM()->originalMessage(),
-                                                       generator.piiAlertVM()->redactedMessage(), verbName);
-        if (const int *exit = std::get_if<int>(&choice)) {
-            return *exit;
-        }
-        std::get<SendChoice>(choice) == SendChoice::original ? generator.sendOriginal() : generator.sendRedacted();
+    if (auto exit = settlePersonalInformation(generator, std::get<std::optional<SendChoice>>(send), verbName)) {
+        return *exit;
     }
-    if (generator.isGenerating()) {
-        QEventLoop loop;
-        QObject::connect(&generator, &GeneratorViewModel::isGeneratingChanged, &loop, [&] {
-            if (!generator.isGenerating()) {
-                loop.quit();
-            }
-        });
-        loop.exec();
-    }
+    waitWhile(generator, &GeneratorViewModel::isGeneratingChanged, [&] { return generator.isGenerating(); });
     printer.update(generator.output());
     printer.finish();
     if (!generator.errorMessage().isEmpty()) {

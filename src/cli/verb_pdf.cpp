@@ -5,45 +5,12 @@
 
 #include "pdf/pdfchatviewmodel.h"
 
-#include <QEventLoop>
-
 using namespace zentrik;
 using namespace zentrik::cli;
 
 namespace {
 
 const QString verbName = QStringLiteral("pdf");
-
-// Runs the event loop until `busy` turns false.
-template<typename Signal>
-void waitWhile(PdfChatViewModel &chat, Signal changed, const std::function<bool()> &busy)
-{
-    if (!busy()) {
-        return;
-    }
-    QEventLoop loop;
-    QObject::connect(&chat, changed, &loop, [&] {
-        if (!busy()) {
-            loop.quit();
-        }
-    });
-    loop.exec();
-}
-
-// Answers the privacy dialog the way the user chose, if it opened.
-std::optional<int> settlePersonalInformation(PdfChatViewModel &chat, std::optional<SendChoice> preset)
-{
-    if (!chat.piiAlertVM()->showAlert()) {
-        return std::nullopt;
-    }
-    const auto choice = resolvePersonalInformation(preset, chat.piiAlertVM()->originalMessage(),
-                                                   chat.piiAlertVM()->redactedMessage(), verbName);
-    if (const int *exit = std::get_if<int>(&choice)) {
-        return *exit;
-    }
-    std::get<SendChoice>(choice) == SendChoice::original ? chat.sendOriginal() : chat.sendRedacted();
-    return std::nullopt;
-}
 
 int runPdf(const QStringList &arguments)
 {
@@ -98,7 +65,7 @@ int runPdf(const QStringList &arguments)
 
     if (action == QStringLiteral("summary")) {
         chat.summarize();
-        if (auto exit = settlePersonalInformation(chat, preset)) {
+        if (auto exit = settlePersonalInformation(chat, preset, verbName)) {
             return *exit;
         }
         waitWhile(chat, &PdfChatViewModel::isSummarizingChanged, [&] { return chat.isSummarizing(); });
@@ -122,7 +89,7 @@ int runPdf(const QStringList &arguments)
     if (!chat.errorMessage().isEmpty()) {
         return fail(firstParagraph(chat.errorMessage()));
     }
-    if (auto exit = settlePersonalInformation(chat, preset)) {
+    if (auto exit = settlePersonalInformation(chat, preset, verbName)) {
         return *exit;
     }
     waitWhile(chat, &ChatToolViewModel::isProcessingChanged, [&] { return chat.isProcessing(); });
