@@ -1,5 +1,6 @@
 // zentrik-cli markdown strip|html [FILE|-]: the plain-text copy of a Markdown reply, or
 // the reply rendered as HTML.
+#include "console.h"
 #include "verb.h"
 #include "verbs.h"
 
@@ -9,8 +10,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-
-#include <cstdio>
 
 using namespace zentrik;
 using namespace zentrik::cli;
@@ -80,8 +79,7 @@ int runMarkdown(const QStringList &arguments)
         input.text = QString();
         const QByteArray html = MarkdownRenderer::toHtml(QByteArrayView(utf8));
         utf8 = QByteArray();
-        std::fwrite(html.constData(), 1, size_t(html.size()), stdout);
-        std::fflush(stdout);
+        Console::current().writeOut(html);
         return exitSuccess;
     }
     QString plain = stripMarkdown(input.text);
@@ -90,8 +88,7 @@ int runMarkdown(const QStringList &arguments)
         plain.append(QLatin1Char('\n'));
         QByteArray bytes = plain.toUtf8();
         plain = QString();
-        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
-        std::fflush(stdout);
+        Console::current().writeOut(bytes);
     }
     return exitSuccess;
 }

@@ -3,13 +3,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 #include "support/clirunner.h"
 #include "support/fakeprovider.h"
 #include "support/testregistry.h"
 
-using zentrik::test::FakeProvider;
+using zentrik::test::CliFixture;
 using zentrik::test::ScriptedReply;
 
 namespace {
@@ -35,32 +34,16 @@ class AskVerbTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<FakeProvider> m_fake;
-
-    QProcessEnvironment environment() const
-    {
-        QProcessEnvironment env;
-        env.insert("ZENTRIK_CONFIG_DIR", m_dir->path());
-        env.insert("ZENTRIK_OPENAI_BASE_URL", m_fake->baseUrl().toString());
-        env.insert("ZENTRIK_ANTHROPIC_BASE_URL", m_fake->baseUrl().toString());
-        env.insert("OPENAI_API_KEY", "sk-from-env");
-        env.insert("ANTHROPIC_API_KEY", "sk-ant-env");
-        return env;
-    }
+    std::unique_ptr<CliFixture> m_cli;
 
 private Q_SLOTS:
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_fake = std::make_unique<FakeProvider>();
+        m_cli = std::make_unique<CliFixture>(
+            CliFixture::Keys {{"OPENAI_API_KEY", "sk-from-env"}, {"ANTHROPIC_API_KEY", "sk-ant-env"}});
     }
 
-    void cleanup()
-    {
-        m_fake.reset();
-        m_dir.reset();
-    }
+    void cleanup() { m_cli.reset(); }
 
     void printsTheWholeReply_data()
     {
@@ -79,13 +62,13 @@ private Q_SLOTS:
         QFETCH(QStringList, arguments);
         QFETCH(QByteArray, input);
         QFETCH(QString, prompt);
-        m_fake->on("POST", "/v1/chat/completions",
+        m_cli->fake.on("POST", "/v1/chat/completions",
             ScriptedReply::json(
                 QByteArray(R"({"choices":[{"index":0,"message":{"role":"assistant","content":"Four."}}]})")));
-        const CliResult result = runCli(arguments, input, environment());
+        const CliResult result = runCli(arguments, input);
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Four.\n"));
-        const auto request = m_fake->lastRequest();
+        const auto request = m_cli->fake.lastRequest();
         QCOMPARE(request.header("Authorization"), "Bearer sk-from-env");
         QCOMPARE(
             request.json().object().value("messages").toArray().last().toObject().value("content").toString(), prompt);
@@ -93,17 +76,17 @@ private Q_SLOTS:
 
     void streamsTheReply()
     {
-        m_fake->on("POST", "/v1/messages",
+        m_cli->fake.on("POST", "/v1/messages",
             ScriptedReply::sse(
                 { "data: {\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"Str\"}}\n\n",
                     "data: "
                     "{\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"eamed\"}}\n\n",
                     "data: {\"type\":\"message_stop\"}\n\n" }));
         const CliResult result
-            = runCli({ "ask", "--stream", "--model", "claude-3-haiku-20240307", "Go" }, {}, environment());
+            = runCli({ "ask", "--stream", "--model", "claude-3-haiku-20240307", "Go" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Streamed\n"));
-        QCOMPARE(m_fake->lastRequest().header("x-api-key"), "sk-ant-env");
+        QCOMPARE(m_cli->fake.lastRequest().header("x-api-key"), "sk-ant-env");
     }
 
     void failuresAreOneLineAndExitOne_data()
@@ -129,12 +112,12 @@ private Q_SLOTS:
         QFETCH(QByteArray, out);
         QFETCH(QByteArray, err);
         if (arguments.contains("gpt-4-turbo")) {
-            m_fake->on("POST", "/v1/chat/completions", ScriptedReply::sse({ chunkLine("partial") }));
+            m_cli->fake.on("POST", "/v1/chat/completions", ScriptedReply::sse({ chunkLine("partial") }));
         } else {
-            m_fake->on("POST", "/v1/chat/completions",
+            m_cli->fake.on("POST", "/v1/chat/completions",
                 ScriptedReply::json(QByteArray(R"({"error":{"message":"Incorrect API key provided"}})"), 401));
         }
-        const CliResult result = runCli(arguments, {}, environment());
+        const CliResult result = runCli(arguments);
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.out, out);
         QCOMPARE(lastLine(result.err), err);
@@ -152,10 +135,10 @@ private Q_SLOTS:
     void usageErrors()
     {
         QFETCH(QStringList, arguments);
-        const CliResult result = runCli(arguments, "  \n", environment());
+        const CliResult result = runCli(arguments, "  \n");
         QCOMPARE(result.exitCode, 2);
         QVERIFY(result.out.isEmpty());
-        QCOMPARE(m_fake->requestCount(), 0);
+        QCOMPARE(m_cli->fake.requestCount(), 0);
     }
 };
 

@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace zentrik;
@@ -18,33 +17,37 @@ class FoundationVerbsTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        qputenv("ZENTRIK_CONFIG_DIR", m_dir->path().toUtf8());
-        for (const char *name : {"OPENAI_API_KEY", "ANTHROPIC_API_KEY", "FAL_KEY"}) {
-            qunsetenv(name);
-        }
+        m_cli = std::make_unique<zentrik::test::CliFixture>();
         SecretStore().clear();
     }
 
-    void cleanup() { SecretStore().clear(); }
+    void cleanup()
+    {
+        SecretStore().clear();
+        m_cli.reset();
+    }
 
     void conventions_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QByteArray>("stdoutHas");
-        QTest::newRow("version") << QStringList{QStringLiteral("--version")} << 0 << QByteArray("zentrik-cli 0.");
-        QTest::newRow("help lists verbs") << QStringList{QStringLiteral("--help")} << 0 << QByteArray("keys");
+        // A few go through the program's main, to see the exit code reach the shell.
+        QTest::addColumn<bool>("asProgram");
+        QTest::newRow("version") << QStringList{QStringLiteral("--version")} << 0 << QByteArray("zentrik-cli 0.") << true;
+        QTest::newRow("help lists verbs") << QStringList{QStringLiteral("--help")} << 0 << QByteArray("keys") << false;
         QTest::newRow("verb help") << QStringList{QStringLiteral("keys"), QStringLiteral("--help")} << 0
-                                   << QByteArray("Usage: zentrik-cli keys");
-        QTest::newRow("unknown verb") << QStringList{QStringLiteral("frobnicate")} << 2 << QByteArray();
-        QTest::newRow("unknown option") << QStringList{QStringLiteral("models"), QStringLiteral("--bogus")} << 2 << QByteArray();
-        QTest::newRow("config without name") << QStringList{QStringLiteral("config"), QStringLiteral("get")} << 2 << QByteArray();
+                                   << QByteArray("Usage: zentrik-cli keys") << false;
+        QTest::newRow("unknown verb") << QStringList{QStringLiteral("frobnicate")} << 2 << QByteArray() << true;
+        QTest::newRow("unknown option") << QStringList{QStringLiteral("models"), QStringLiteral("--bogus")} << 2
+                                        << QByteArray() << false;
+        QTest::newRow("config without name") << QStringList{QStringLiteral("config"), QStringLiteral("get")} << 2
+                                             << QByteArray() << false;
         QTest::newRow("config bad model") << QStringList{QStringLiteral("config"), QStringLiteral("set"),
                                                          QStringLiteral("text-model"), QStringLiteral("gpt-4o")}
-                                          << 2 << QByteArray();
+                                          << 2 << QByteArray() << false;
         QTest::newRow("keys unknown provider") << QStringList{QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("google")}
-                                               << 2 << QByteArray();
+                                               << 2 << QByteArray() << true;
     }
 
     void conventions()
@@ -52,7 +55,8 @@ private Q_SLOTS:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QByteArray, stdoutHas);
-        const CliResult result = runCli(arguments);
+        QFETCH(bool, asProgram);
+        const CliResult result = asProgram ? runCliProcess(arguments) : runCli(arguments);
         QVERIFY(!result.crashed);
         QCOMPARE(result.exitCode, exitCode);
         QVERIFY2(result.out.contains(stdoutHas), result.out.constData());
@@ -152,14 +156,15 @@ private Q_SLOTS:
         env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/bus"));
         QElapsedTimer timer;
         timer.start();
-        const CliResult result = runCli({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai")}, "k\n", env);
+        // A process of its own: this one is connected to the test's session bus already.
+        const CliResult result = runCliProcess({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai")}, "k\n", env);
         QCOMPARE(result.exitCode, 1);
         QVERIFY(result.err.contains("no Secret Service"));
         QVERIFY(timer.elapsed() < 5000);
     }
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<zentrik::test::CliFixture> m_cli;
 };
 ZENTRIK_TEST(FoundationVerbsTest)
 

@@ -3,7 +3,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 #include "model/imagecodec.h"
 #include "model/imagefixture.h"
@@ -13,7 +12,7 @@
 
 using zentrik::Bitmap;
 using zentrik::ImageCodec;
-using zentrik::test::FakeProvider;
+using zentrik::test::CliFixture;
 using zentrik::test::ScriptedReply;
 
 namespace {
@@ -44,49 +43,26 @@ class ImageVerbTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<FakeProvider> m_fake;
+    std::unique_ptr<CliFixture> m_cli;
 
-    QProcessEnvironment environment(bool withKeys = true) const
-    {
-        QProcessEnvironment env;
-        const QString base = m_fake->baseUrl().toString();
-        env.insert("ZENTRIK_CONFIG_DIR", m_dir->path() + "/config");
-        env.insert("TMPDIR", m_dir->path());
-        for (const char *variable : { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL",
-                 "ZENTRIK_FAL_REST_URL" }) {
-            env.insert(variable, base);
-        }
-        if (withKeys) {
-            env.insert("OPENAI_API_KEY", "sk-env");
-            env.insert("FAL_KEY", "fal-env");
-            env.insert("TOGETHER_API_KEY", "together-env");
-        }
-        return env;
-    }
-
-    QString output(const char *name) const { return m_dir->filePath(QString::fromLatin1(name)); }
+    QString output(const char *name) const { return m_cli->dir.filePath(QString::fromLatin1(name)); }
 
     void scriptOpenAI(const QByteArray &picturePath)
     {
-        m_fake->on("POST", "/v1/images/generations",
+        m_cli->fake.on("POST", "/v1/images/generations",
             ScriptedReply::json(QJsonDocument(QJsonObject { { "data",
                 QJsonArray {
-                    QJsonObject { { "url", m_fake->baseUrl().toString() + QString::fromUtf8(picturePath) } } } } })));
+                    QJsonObject { { "url", m_cli->fake.baseUrl().toString() + QString::fromUtf8(picturePath) } } } } })));
     }
 
 private Q_SLOTS:
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_fake = std::make_unique<FakeProvider>();
+        m_cli = std::make_unique<CliFixture>(CliFixture::Keys {
+            {"OPENAI_API_KEY", "sk-env"}, {"FAL_KEY", "fal-env"}, {"TOGETHER_API_KEY", "together-env"}});
     }
 
-    void cleanup()
-    {
-        m_fake.reset();
-        m_dir.reset();
-    }
+    void cleanup() { m_cli.reset(); }
 
     void writesThePictureAsPng_data()
     {
@@ -103,21 +79,21 @@ private Q_SLOTS:
         QFETCH(QString, model);
         QFETCH(QByteArray, format);
         const QByteArray picture = ImageFixture::picture(format.constData(), 72, 40);
-        m_fake->on("POST", "/v1/images/generations",
+        m_cli->fake.on("POST", "/v1/images/generations",
             ScriptedReply::json("{\"data\":[{\"b64_json\":\"" + picture.toBase64() + "\"}]}"));
         if (model == QLatin1String("DALL-E")) {
             scriptOpenAI("/pictures/p");
         }
-        m_fake->on("GET", "/pictures/p", served(picture, "application/octet-stream"));
-        m_fake->on("POST", "/fal-ai/fast-sdxl", ScriptedReply::json(R"({"request_id":"r"})"));
-        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r/status",
+        m_cli->fake.on("GET", "/pictures/p", served(picture, "application/octet-stream"));
+        m_cli->fake.on("POST", "/fal-ai/fast-sdxl", ScriptedReply::json(R"({"request_id":"r"})"));
+        m_cli->fake.on("GET", "/fal-ai/fast-sdxl/requests/r/status",
             ScriptedReply::json(R"({"status":"COMPLETED","response_url":"u"})"));
-        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r",
+        m_cli->fake.on("GET", "/fal-ai/fast-sdxl/requests/r",
             ScriptedReply::json(QJsonDocument(QJsonObject { { "images",
-                QJsonArray { QJsonObject { { "url", m_fake->baseUrl().toString() + "/pictures/p" } } } } })));
+                QJsonArray { QJsonObject { { "url", m_cli->fake.baseUrl().toString() + "/pictures/p" } } } } })));
 
         const CliResult result
-            = runCli({ "image", "--model", model, "-o", output("out.png"), "A quiet harbour" }, {}, environment());
+            = runCli({ "image", "--model", model, "-o", output("out.png"), "A quiet harbour" });
         QVERIFY2(result.exitCode == 0, result.err.constData());
         QCOMPARE(result.out, QFileInfo(output("out.png")).absoluteFilePath().toUtf8() + '\n');
         QCOMPARE(pngSize(output("out.png")), QSize(72, 40));
@@ -127,7 +103,7 @@ private Q_SLOTS:
             QVERIFY(file.open(QIODevice::ReadOnly));
             QCOMPARE(file.readAll(), picture);
         }
-        const auto first = m_fake->requests().first();
+        const auto first = m_cli->fake.requests().first();
         QCOMPARE(first.json().object().value("prompt").toString(), "A quiet harbour");
         if (model.startsWith("black-forest-labs")) {
             QCOMPARE(first.header("Authorization"), "Bearer together-env");
@@ -142,25 +118,16 @@ private Q_SLOTS:
     void numbersTheDefaultFileName()
     {
         scriptOpenAI("/pictures/p");
-        m_fake->on("GET", "/pictures/p", served(ImageFixture::picture("PNG"), "image/png"));
+        m_cli->fake.on("GET", "/pictures/p", served(ImageFixture::picture("PNG"), "image/png"));
         QStringList written;
         for (int run = 0; run < 2; ++run) {
-            QProcess process;
-            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-            const QProcessEnvironment extra = environment();
-            for (const QString &key : extra.keys()) {
-                env.insert(key, extra.value(key));
-            }
-            process.setProcessEnvironment(env);
-            process.setWorkingDirectory(m_dir->path());
-            process.start(QStringLiteral(ZENTRIK_CLI_PATH), { "image", "--model", "DALL-E", "a cat" });
-            QVERIFY(process.waitForFinished(30000));
-            QCOMPARE(process.exitCode(), 0);
-            written.append(QString::fromUtf8(process.readAllStandardOutput()).trimmed());
+            const CliResult result = runCli({ "image", "--model", "DALL-E", "a cat" }, {}, {}, m_cli->dir.path());
+            QCOMPARE(result.exitCode, 0);
+            written.append(QString::fromUtf8(result.out).trimmed());
         }
         QCOMPARE(written,
-            QStringList({ QDir(m_dir->path()).absoluteFilePath("generated-image.png"),
-                QDir(m_dir->path()).absoluteFilePath("generated-image-2.png") }));
+            QStringList({ QDir(m_cli->dir.path()).absoluteFilePath("generated-image.png"),
+                QDir(m_cli->dir.path()).absoluteFilePath("generated-image-2.png") }));
         QCOMPARE(pngSize(written.at(0)), QSize(64, 48));
         QCOMPARE(pngSize(written.at(1)), QSize(64, 48));
     }
@@ -200,27 +167,29 @@ private Q_SLOTS:
         if (answer.startsWith("serve")) {
             scriptOpenAI("/pictures/p");
             if (answer == "serve 404") {
-                m_fake->on("GET", "/pictures/p", ScriptedReply::json(QByteArray("gone"), 404));
+                m_cli->fake.on("GET", "/pictures/p", ScriptedReply::json(QByteArray("gone"), 404));
             } else {
-                m_fake->on("GET", "/pictures/p",
+                m_cli->fake.on("GET", "/pictures/p",
                     served(answer == "serve png" ? ImageFixture::picture("PNG") : QByteArray("<html>no</html>"),
                         "text/html"));
             }
         } else {
-            m_fake->on("POST", "/v1/images/generations", ScriptedReply::json(answer));
+            m_cli->fake.on("POST", "/v1/images/generations", ScriptedReply::json(answer));
         }
-        m_fake->on("POST", "/fal-ai/fast-sdxl", ScriptedReply::json(R"({"request_id":"r"})"));
-        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r/status",
+        m_cli->fake.on("POST", "/fal-ai/fast-sdxl", ScriptedReply::json(R"({"request_id":"r"})"));
+        m_cli->fake.on("GET", "/fal-ai/fast-sdxl/requests/r/status",
             ScriptedReply::json(R"({"status":"COMPLETED","response_url":"u"})"));
-        m_fake->on("GET", "/fal-ai/fast-sdxl/requests/r", ScriptedReply::json(answer));
+        m_cli->fake.on("GET", "/fal-ai/fast-sdxl/requests/r", ScriptedReply::json(answer));
 
-        QProcessEnvironment env = environment(keys);
+        QProcessEnvironment env;
         if (!keys) {
             // Nor from the secret store: the test's own keyring holds no OpenAI key.
-            env.insert("OPENAI_API_KEY", "");
+            for (const char *key : { "OPENAI_API_KEY", "FAL_KEY", "TOGETHER_API_KEY" }) {
+                env.insert(key, "");
+            }
         }
         const CliResult result
-            = runCli({ "image", "--model", model, "-o", m_dir->filePath(target), "a prompt" }, {}, env);
+            = runCli({ "image", "--model", model, "-o", m_cli->dir.filePath(target), "a prompt" }, {}, env);
         if (!keys && result.exitCode == 0) {
             QSKIP("the secret store holds an OpenAI key");
         }
@@ -229,7 +198,7 @@ private Q_SLOTS:
         QVERIFY2(result.err.startsWith(err), result.err.constData());
         // One line, or the studio's own text and one "Details:" line under it.
         QCOMPARE(result.err.count('\n'), err.startsWith("zentrik-cli: Failed to load image\n") ? 2 : 1);
-        QVERIFY(!QFileInfo::exists(m_dir->filePath(target)));
+        QVERIFY(!QFileInfo::exists(m_cli->dir.filePath(target)));
         QVERIFY(!result.err.contains("sk-env") && !result.err.contains("fal-env"));
     }
 
@@ -246,10 +215,10 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, arguments);
         QFETCH(QByteArray, input);
-        const CliResult result = runCli(arguments, input, environment());
+        const CliResult result = runCli(arguments, input);
         QCOMPARE(result.exitCode, 2);
         QVERIFY(result.out.isEmpty());
-        QCOMPARE(m_fake->requestCount(), 0);
+        QCOMPARE(m_cli->fake.requestCount(), 0);
     }
 };
 

@@ -6,10 +6,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 #include <QtTest>
 
-using zentrik::test::FakeProvider;
+using zentrik::test::CliFixture;
 using zentrik::test::ScriptedReply;
 
 namespace {
@@ -41,47 +40,29 @@ class ToolVerbsTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<FakeProvider> m_fake;
-
-    QProcessEnvironment environment() const
-    {
-        QProcessEnvironment env;
-        env.insert("ZENTRIK_CONFIG_DIR", m_dir->path());
-        env.insert("ZENTRIK_OPENAI_BASE_URL", m_fake->baseUrl().toString());
-        env.insert("ZENTRIK_ANTHROPIC_BASE_URL", m_fake->baseUrl().toString());
-        env.insert("ZENTRIK_OPENROUTER_BASE_URL", m_fake->baseUrl().toString());
-        env.insert("OPENAI_API_KEY", "sk-from-env");
-        env.insert("ANTHROPIC_API_KEY", "sk-ant-env");
-        return env;
-    }
+    std::unique_ptr<CliFixture> m_cli;
 
 private Q_SLOTS:
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_fake = std::make_unique<FakeProvider>();
-        m_fake->on("POST", "/v1/chat/completions",
+        m_cli = std::make_unique<CliFixture>(
+            CliFixture::Keys{{"OPENAI_API_KEY", "sk-from-env"}, {"ANTHROPIC_API_KEY", "sk-ant-env"}});
+        m_cli->fake.on("POST", "/v1/chat/completions",
                    ScriptedReply::sse({chunk("Acme: "), chunk("built to last."), "data: [DONE]\n\n"}));
     }
 
-    void cleanup()
-    {
-        m_fake.reset();
-        m_dir.reset();
-    }
+    void cleanup() { m_cli.reset(); }
 
     void generateStreamsTheReply()
     {
         const CliResult result = runCli({"generate", "Slogan Generator", "--field", "Brand/Product Name=Acme",
-                                         "--model", "gpt-3.5-turbo-1106"},
-                                        {}, environment());
+                                         "--model", "gpt-3.5-turbo-1106"});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Acme: built to last.\n"));
-        const QString sent = sentText(m_fake->lastRequest());
+        const QString sent = sentText(m_cli->fake.lastRequest());
         QVERIFY(sent.contains("Category: Slogan Generator\nBrand/Product Name: Acme\n\nStructure:\n1. "));
         // The same prompt the prompt verb prints.
-        const CliResult prompt = runCli({"prompt", "Slogan Generator", "--field", "Brand/Product Name=Acme"}, {}, environment());
+        const CliResult prompt = runCli({"prompt", "Slogan Generator", "--field", "Brand/Product Name=Acme"});
         QCOMPARE(QString::fromUtf8(prompt.out), sent + "\n");
     }
 
@@ -124,8 +105,8 @@ private Q_SLOTS:
         QFETCH(QString, model);
         QFETCH(bool, withKey);
         QFETCH(QString, refusal);
-        m_fake->on("POST", "/v1/messages", ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"ok"}]})")));
-        QProcessEnvironment env = environment();
+        m_cli->fake.on("POST", "/v1/messages", ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"ok"}]})")));
+        QProcessEnvironment env;
         if (!withKey) {
             // Neither from the environment nor from the test's own keyring, which holds none.
             env.insert("OPENAI_API_KEY", "");
@@ -135,7 +116,7 @@ private Q_SLOTS:
         if (!refusal.isEmpty()) {
             QCOMPARE(result.err, "zentrik-cli: " + refusal.toUtf8() + "\n");
             QCOMPARE(result.exitCode, 1);
-            QCOMPARE(m_fake->requestCount(), 0);
+            QCOMPARE(m_cli->fake.requestCount(), 0);
             return;
         }
         for (const char *message : { "Please select a text model in Settings.",
@@ -149,8 +130,8 @@ private Q_SLOTS:
             return; // past the check; whether it is answered depends on the build's own key
         }
         QVERIFY2(result.exitCode == 0, result.err.constData());
-        QCOMPARE(m_fake->requestCount(), 1);
-        QCOMPARE(m_fake->lastRequest().json().object().value("model").toString(), model);
+        QCOMPARE(m_cli->fake.requestCount(), 1);
+        QCOMPARE(m_cli->fake.lastRequest().json().object().value("model").toString(), model);
     }
 
     void personalInformationNeedsAChoice_data()
@@ -175,48 +156,84 @@ private Q_SLOTS:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QString, sentHas);
-        const CliResult result = runCli(arguments, {}, environment());
+        const CliResult result = runCli(arguments);
         QCOMPARE(result.exitCode, exitCode);
         if (sentHas.isEmpty()) {
-            QCOMPARE(m_fake->requestCount(), 0);
+            QCOMPARE(m_cli->fake.requestCount(), 0);
             QCOMPARE(result.err.count('\n'), 1);
         } else {
-            QVERIFY2(sentText(m_fake->lastRequest()).contains(sentHas), qPrintable(sentText(m_fake->lastRequest())));
+            QVERIFY2(sentText(m_cli->fake.lastRequest()).contains(sentHas), qPrintable(sentText(m_cli->fake.lastRequest())));
+        }
+    }
+
+    // On a terminal the user sees both texts and answers; anything else is asked again.
+    void personalInformationAskedOnATerminal_data()
+    {
+        QTest::addColumn<QByteArray>("answers");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("sent");
+        QTest::addColumn<int>("questions");
+        QTest::newRow("original") << QByteArray("o\n") << 0 << "write to bob@example.com" << 1;
+        QTest::newRow("redacted after an unclear answer")
+            << QByteArray("maybe\n REDACTED \n") << 0 << "write to [EMAIL_ADDRESS]" << 2;
+        QTest::newRow("the input ends") << QByteArray("x\n") << 2 << QString() << 1;
+    }
+
+    void personalInformationAskedOnATerminal()
+    {
+        QFETCH(QByteArray, answers);
+        QFETCH(int, exitCode);
+        QFETCH(QString, sent);
+        QFETCH(int, questions);
+        m_cli->fake.on("POST", "/v1/chat/completions",
+                       ScriptedReply::json(QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"Done."}}]})")));
+        zentrik::test::CapturedConsole console(answers);
+        console.terminal = true;
+        const CliResult result = runCli({"ask", "--model", "gpt-4o-mini", "write to bob@example.com"}, console);
+        QCOMPARE(result.exitCode, exitCode);
+        QVERIFY2(result.err.contains("Original Message:\nwrite to bob@example.com\n\nRedacted Message:\n"
+                                     "write to [EMAIL_ADDRESS]\n"),
+                 result.err.constData());
+        QCOMPARE(result.err.count("Send [o]riginal or [r]edacted? "), questions);
+        if (sent.isEmpty()) {
+            QCOMPARE(m_cli->fake.requestCount(), 0);
+        } else {
+            QCOMPARE(sentText(m_cli->fake.lastRequest()), sent);
+            QCOMPARE(result.out, QByteArray("Done.\n"));
         }
     }
 
     void askUsesTheSuggestionPrefix()
     {
-        m_fake->on("POST", "/v1/chat/completions",
+        m_cli->fake.on("POST", "/v1/chat/completions",
                    ScriptedReply::json(QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"**Fixed.**"}}]})")));
-        const CliResult result = runCli({"ask", "--suggestion", "Grammar Checker", "--model", "gpt-4o-mini", "me and him goes"},
-                                        {}, environment());
+        const CliResult result = runCli({"ask", "--suggestion", "Grammar Checker", "--model", "gpt-4o-mini", "me and him goes"});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("**Fixed.**\n"));
-        QCOMPARE(sentText(m_fake->lastRequest()),
+        QCOMPARE(sentText(m_cli->fake.lastRequest()),
                  QString("Please check the following text for grammatical errors and provide corrections: me and him goes"));
-        QCOMPARE(runCli({"ask", "--suggestion", "Poetry", "x"}, {}, environment()).exitCode, 2);
+        QCOMPARE(runCli({"ask", "--suggestion", "Poetry", "x"}).exitCode, 2);
     }
 
     void debugSendsRedactedAndStreams()
     {
         const CliResult result = runCli({"debug", "--suggestion", "logicError", "--model", "gpt-4o-mini", "-"},
-                                        "x = 1 + # ask jo@example.com", environment());
+                                        "x = 1 + # ask jo@example.com");
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Acme: built to last.\n"));
-        QCOMPARE(sentText(m_fake->lastRequest()),
+        QCOMPARE(sentText(m_cli->fake.lastRequest()),
                  QString("There seems to be a logic error in my program. Can you assist in finding the issue?\n\n"
                          "x = 1 + # ask [EMAIL_ADDRESS]"));
     }
 
     void debugWithClaudeWaitsForWholeReply()
     {
-        m_fake->on("POST", "/v1/messages",
+        m_cli->fake.on("POST", "/v1/messages",
                    ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"Use a colon."}]})")));
-        const CliResult result = runCli({"debug", "--model", "claude-3-haiku-20240307", "if x print(x)"}, {}, environment());
+        const CliResult result = runCli({"debug", "--model", "claude-3-haiku-20240307", "if x print(x)"});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Use a colon.\n"));
-        QVERIFY(!m_fake->lastRequest().json().object().contains("stream"));
+        QVERIFY(!m_cli->fake.lastRequest().json().object().contains("stream"));
     }
 
     void sampleDataFormats_data()
@@ -236,12 +253,12 @@ private Q_SLOTS:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QString, sent);
-        const CliResult result = runCli(arguments, {}, environment());
+        const CliResult result = runCli(arguments);
         QCOMPARE(result.exitCode, exitCode);
         if (sent.isEmpty()) {
-            QCOMPARE(m_fake->requestCount(), 0);
+            QCOMPARE(m_cli->fake.requestCount(), 0);
         } else {
-            QCOMPARE(sentText(m_fake->lastRequest()), sent);
+            QCOMPARE(sentText(m_cli->fake.lastRequest()), sent);
         }
     }
 };

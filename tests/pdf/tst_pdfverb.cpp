@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-using zentrik::test::FakeProvider;
+using zentrik::test::CliFixture;
 using zentrik::test::ScriptedReply;
 
 // zentrik-cli pdf summary / pdf ask against the fake provider.
@@ -18,34 +18,25 @@ class PdfVerbTest : public QObject
     Q_OBJECT
 
     QTemporaryDir m_dir;
-    std::unique_ptr<FakeProvider> m_fake;
-
-    QProcessEnvironment environment() const
-    {
-        QProcessEnvironment env;
-        env.insert("ZENTRIK_CONFIG_DIR", m_dir.filePath("config"));
-        env.insert("ZENTRIK_OPENAI_BASE_URL", m_fake->baseUrl().toString());
-        env.insert("OPENAI_API_KEY", "sk-test");
-        return env;
-    }
+    std::unique_ptr<CliFixture> m_cli;
 
     void reply(const QString &text)
     {
         const QJsonObject message{{"role", "assistant"}, {"content", text}};
-        m_fake->enqueue("POST", "/v1/chat/completions",
+        m_cli->fake.enqueue("POST", "/v1/chat/completions",
                         ScriptedReply::json(QJsonDocument(QJsonObject{{"choices", QJsonArray{QJsonObject{{"message", message}}}}}).toJson()));
     }
 
 private Q_SLOTS:
-    void init() { m_fake = std::make_unique<FakeProvider>(); }
-    void cleanup() { m_fake.reset(); }
+    void init() { m_cli = std::make_unique<CliFixture>(CliFixture::Keys{{"OPENAI_API_KEY", "sk-test"}}); }
+    void cleanup() { m_cli.reset(); }
 
     void summaryPrintsTheCard()
     {
         const QString file = m_dir.filePath("doc.pdf");
         QVERIFY(pdffixtures::writeTextPdf(file, {"Budget for the year", "Hiring plan"}));
         reply(R"({"title":"Plans","summary":"Budget and hiring.","keyPoints":["Budget","Hiring","Timeline"]})");
-        const CliResult result = runCli({"pdf", "summary", file, "--model", "gpt-4o-mini"}, {}, environment());
+        const CliResult result = runCli({"pdf", "summary", file, "--model", "gpt-4o-mini"});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Plans\n\nBudget and hiring.\n\nKey points:\n- Budget\n- Hiring\n- Timeline\n"));
     }
@@ -55,11 +46,10 @@ private Q_SLOTS:
         const QString file = m_dir.filePath("doc2.pdf");
         QVERIFY(pdffixtures::writeTextPdf(file, {"Intro", "The office opens at nine"}));
         reply("At nine (page 2).");
-        const CliResult result = runCli({"pdf", "ask", file, "When does the office open?", "--model", "gpt-4o-mini"}, {},
-                                        environment());
+        const CliResult result = runCli({"pdf", "ask", file, "When does the office open?", "--model", "gpt-4o-mini"});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("At nine (page 2).\n"));
-        const QString sent = m_fake->lastRequest().json().object().value("messages").toArray().last().toObject()
+        const QString sent = m_cli->fake.lastRequest().json().object().value("messages").toArray().last().toObject()
                                  .value("content").toString();
         QVERIFY(sent.contains("--- Page 2 ---"));
     }
@@ -87,12 +77,12 @@ private Q_SLOTS:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QByteArray, err);
-        const CliResult result = runCli(arguments, {}, environment());
+        const CliResult result = runCli(arguments);
         QCOMPARE(result.exitCode, exitCode);
         if (!err.isEmpty()) {
             QCOMPARE(result.err, err);
         }
-        QCOMPARE(m_fake->requestCount(), 0);
+        QCOMPARE(m_cli->fake.requestCount(), 0);
     }
 };
 ZENTRIK_TEST(PdfVerbTest)

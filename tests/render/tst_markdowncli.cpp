@@ -1,6 +1,6 @@
+#include "support/clirunner.h"
 #include "support/testregistry.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -18,34 +18,6 @@ private Q_SLOTS:
 private:
     QTemporaryDir m_dir;
 };
-
-namespace {
-
-struct Result {
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-Result runCli(const QStringList &arguments, const QByteArray &input = {})
-{
-    QProcess process;
-    process.start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
-    if (!process.waitForStarted()) {
-        return {};
-    }
-    process.write(input);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(30000)) {
-        process.kill();
-        process.waitForFinished();
-        return {};
-    }
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
-}
-
-} // namespace
 
 void MarkdownCliTest::initTestCase()
 {
@@ -96,7 +68,7 @@ void MarkdownCliTest::run()
     QFETCH(int, exitCode);
     QFETCH(QString, out);
     QFETCH(QString, errStart);
-    const Result result = runCli(arguments, input);
+    const CliText result = runCli(arguments, input);
     QCOMPARE(result.exitCode, exitCode);
     QCOMPARE(result.out, out);
     if (errStart.isEmpty()) {
@@ -122,7 +94,7 @@ void MarkdownCliTest::readsFile()
 {
     QFETCH(QString, action);
     QFETCH(QString, out);
-    const Result result = runCli({QStringLiteral("markdown"), action, m_dir.filePath(QStringLiteral("reply.md"))});
+    const CliText result = runCli({QStringLiteral("markdown"), action, m_dir.filePath(QStringLiteral("reply.md"))});
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.err, QString());
     if (action == QStringLiteral("--help")) {

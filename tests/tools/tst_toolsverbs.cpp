@@ -1,3 +1,4 @@
+#include "support/clirunner.h"
 #include "support/testregistry.h"
 #include "tools/assistantcatalogue.h"
 #include "tools/assistantfamily.h"
@@ -7,32 +8,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 
 using namespace zentrik;
 
-namespace {
-
-struct Run
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-Run runCli(const QStringList &arguments)
-{
-    QProcess process;
-    process.start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
-        return {};
-    }
-    return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-        QString::fromUtf8(process.readAllStandardError()) };
-}
-
-} // namespace
+using Run = CliText;
 
 class ToolsVerbsTest : public QObject
 {

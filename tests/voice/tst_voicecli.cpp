@@ -3,10 +3,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 
-#include "configdir.h"
 #include "settings/preferences.h"
+#include "settings/secretstore.h"
+#include "support/clirunner.h"
 #include "support/fakeprovider.h"
 #include "support/testregistry.h"
 #include "voice/voicenotemanager.h"
@@ -14,51 +14,27 @@
 using namespace zentrik;
 using test::ScriptedReply;
 
-namespace {
+using Run = CliText;
 
-struct Run
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-} // namespace
-
-// zentrik-cli transcribe and notes, run as the real executable against the fake provider,
-// sharing the notes with the window through the same preferences file.
+// zentrik-cli transcribe and notes against the fake provider, sharing the notes with the
+// window through the same preferences file.
 class TestVoiceCli : public QObject
 {
     Q_OBJECT
 
-    ConfigDir *m_config = nullptr;
-    test::FakeProvider *m_fake = nullptr;
+    std::unique_ptr<test::CliFixture> m_cli;
 
     Run run(
         const QStringList &arguments, const QString &openAIKey = QStringLiteral("sk-cli"), const QByteArray &input = {})
     {
-        QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("ZENTRIK_CONFIG_DIR"), m_config->path());
-        env.insert(QStringLiteral("ZENTRIK_OPENAI_BASE_URL"), m_fake->baseUrl().toString());
-        // No secret store: the key comes from the environment or not at all.
-        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
-        env.insert(QStringLiteral("OPENAI_API_KEY"), openAIKey);
-        process.setProcessEnvironment(env);
-        process.start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
-        process.write(input);
-        process.closeWriteChannel();
-        if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
-            process.kill();
-            return {};
-        }
-        return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError()) };
+        QProcessEnvironment key;
+        key.insert(QStringLiteral("OPENAI_API_KEY"), openAIKey);
+        return runCli(arguments, input, key);
     }
 
     QString audioFile()
     {
-        const QString path = m_config->path() + QStringLiteral("/memo.m4a");
+        const QString path = m_cli->dir.filePath(QStringLiteral("memo.m4a"));
         QFile file(path);
         if (file.open(QIODevice::WriteOnly)) {
             file.write("not really audio");
@@ -69,17 +45,14 @@ class TestVoiceCli : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_config = new ConfigDir;
-        m_fake = new test::FakeProvider;
-        m_fake->on(
+        m_cli = std::make_unique<test::CliFixture>();
+        // The key comes from the environment or not at all.
+        SecretStore().clear();
+        m_cli->fake.on(
             "POST", "/v1/audio/transcriptions", ScriptedReply::json(QByteArray(R"({"text":"Call Anna at five."})")));
     }
 
-    void cleanup()
-    {
-        delete m_fake;
-        delete m_config;
-    }
+    void cleanup() { m_cli.reset(); }
 
     void transcribePrintsTheTranscript()
     {
@@ -87,7 +60,7 @@ private Q_SLOTS:
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QStringLiteral("Call Anna at five.\n"));
         QCOMPARE(result.err, QString());
-        QCOMPARE(m_fake->lastRequest().header("Authorization"), QByteArray("Bearer sk-cli"));
+        QCOMPARE(m_cli->fake.lastRequest().header("Authorization"), QByteArray("Bearer sk-cli"));
     }
 
     void transcribeFailures_data()
@@ -120,12 +93,12 @@ private Q_SLOTS:
         QCOMPARE(result.out, QString());
         QVERIFY2(result.err.startsWith(error), qPrintable(result.err));
         QCOMPARE(result.err.count(QLatin1Char('\n')), 1);
-        QCOMPARE(m_fake->requestCount(), 0);
+        QCOMPARE(m_cli->fake.requestCount(), 0);
     }
 
     void serviceErrorIsOneLine()
     {
-        m_fake->on("POST", "/v1/audio/transcriptions",
+        m_cli->fake.on("POST", "/v1/audio/transcriptions",
             ScriptedReply::json(QByteArray(R"({"error":{"message":"Invalid file format."}})"), 400));
         const Run result = run({ "transcribe", audioFile() });
         QCOMPARE(result.exitCode, 1);
