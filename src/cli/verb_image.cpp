@@ -5,9 +5,9 @@
 
 #include "model/apimanager.h"
 #include "model/imagecodec.h"
+#include "tools/imageloader.h"
 
 #include <QEventLoop>
-#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
@@ -36,32 +36,20 @@ QString loadFailure(const QString &detail)
     return QStringLiteral("Failed to load image\nDetails: %1").arg(detail);
 }
 
-// The bytes at the address the image operation handed back: a local file is read, a remote
-// picture fetched with one GET. On failure the message to print.
+// The bytes at the address the image operation handed back, fetched as the window fetches
+// them. On failure the message to print.
 std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &address)
 {
-    const QUrl url(address, QUrl::StrictMode);
-    if (url.isLocalFile()) {
-        QFile file(url.toLocalFile());
-        if (!file.open(QIODevice::ReadOnly)) {
-            return loadFailure(file.errorString());
-        }
-        return file.readAll();
-    }
-    if (!url.isValid() || (url.scheme() != QLatin1String("https") && url.scheme() != QLatin1String("http"))) {
-        return QStringLiteral("Invalid image URL");
-    }
     QEventLoop loop;
     std::variant<QByteArray, QString> outcome = QString();
-    HttpRequest request;
-    request.url = url;
-    manager.httpClient().send(request, &loop, [&](const HttpResult &result) {
-        if (const auto *error = std::get_if<TransportError>(&result)) {
-            outcome = loadFailure(APIError::fromTransport(*error).message());
-        } else if (const auto &response = std::get<HttpResponse>(result); !response.isSuccess()) {
-            outcome = loadFailure(QStringLiteral("HTTP %1").arg(response.status));
+    ImageLoader::download(manager.httpClient(), address, &loop, [&](const ImageLoader::DownloadResult &result) {
+        if (const auto *failure = std::get_if<ImageLoader::Failure>(&result)) {
+            outcome = failure->detail.isEmpty() ? failure->message : loadFailure(failure->detail);
+        } else if (const auto &download = std::get<ImageLoader::Download>(result);
+                   download.status != 0 && (download.status < 200 || download.status >= 300)) {
+            outcome = loadFailure(QStringLiteral("HTTP %1").arg(download.status));
         } else {
-            outcome = response.body;
+            outcome = download.bytes;
         }
         loop.quit();
     });

@@ -66,39 +66,59 @@ bool ImageLoader::isUsableAddress(const QUrl &url)
     return (scheme == QLatin1String("http") || scheme == QLatin1String("https")) && !url.host().isEmpty();
 }
 
-void ImageLoader::load(HttpClient &http, const QString &address, const QString &cacheDirectory, QObject *context,
-    const std::function<void(const Result &result)> &done)
+void ImageLoader::download(HttpClient &http, const QString &address, QObject *context,
+    const std::function<void(const DownloadResult &result)> &done)
 {
     const QUrl url(address, QUrl::StrictMode);
     if (!isUsableAddress(url)) {
         QMetaObject::invokeMethod(
-            context, [done] { done(invalidImageUrl()); }, Qt::QueuedConnection);
+            context,
+            [done] {
+                done(Failure { invalidImageUrl(), {} });
+            },
+            Qt::QueuedConnection);
         return;
     }
     if (url.isLocalFile()) {
         runInBackground(
             context,
-            [url, cacheDirectory]() -> Result {
+            [url]() -> DownloadResult {
                 QFile file(url.toLocalFile());
                 if (!file.open(QIODevice::ReadOnly)) {
-                    return failedToLoad();
+                    return Failure { failedToLoad(), file.errorString() };
                 }
-                return decode(file.readAll(), url, cacheDirectory);
+                return Download { file.readAll(), 0 };
             },
             done);
         return;
     }
     HttpRequest request;
     request.url = url;
-    http.send(std::move(request), context, [context, cacheDirectory, done](const HttpResult &result) {
+    http.send(std::move(request), context, [done](const HttpResult &result) {
         if (const auto *error = std::get_if<TransportError>(&result)) {
-            done(APIError::fromTransport(*error).message());
+            const QString message = APIError::fromTransport(*error).message();
+            done(Failure { message, message });
+            return;
+        }
+        const HttpResponse &response = std::get<HttpResponse>(result);
+        done(Download { response.body, response.status });
+    });
+}
+
+void ImageLoader::load(HttpClient &http, const QString &address, const QString &cacheDirectory, QObject *context,
+    const std::function<void(const Result &result)> &done)
+{
+    const QUrl url(address, QUrl::StrictMode);
+    const QUrl localFile = url.isLocalFile() ? url : QUrl();
+    download(http, address, context, [context, cacheDirectory, localFile, done](const DownloadResult &result) {
+        if (const auto *failure = std::get_if<Failure>(&result)) {
+            done(failure->message);
             return;
         }
         // Whatever came back, an error page included, is judged by whether it is a picture.
-        const QByteArray bytes = std::get<HttpResponse>(result).body;
+        const QByteArray bytes = std::get<Download>(result).bytes;
         runInBackground(
-            context, [bytes, cacheDirectory] { return decode(bytes, QUrl(), cacheDirectory); }, done);
+            context, [bytes, localFile, cacheDirectory] { return decode(bytes, localFile, cacheDirectory); }, done);
     });
 }
 

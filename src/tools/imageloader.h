@@ -30,6 +30,27 @@ public:
     // The picture, or the message to show.
     using Result = std::variant<Picture, QString>;
 
+    // What an address held, as it came: a local file's bytes, or the body of the GET with its
+    // HTTP status (0 for a file).
+    struct Download
+    {
+        QByteArray bytes;
+        int status = 0;
+    };
+    // Why nothing came: the message to show, and the reason when there is one (why a file
+    // could not be read, or what the connection did); none for an address that is no picture's.
+    struct Failure
+    {
+        QString message;
+        QString detail;
+    };
+    using DownloadResult = std::variant<Download, Failure>;
+
+    // Reads or fetches what the address holds, without judging it; a file is read off the
+    // calling thread. Runs done once unless context is destroyed first.
+    static void download(HttpClient &http, const QString &address, QObject *context,
+        const std::function<void(const DownloadResult &result)> &done);
+
     // Runs done once unless context is destroyed first.
     static void load(HttpClient &http, const QString &address, const QString &cacheDirectory, QObject *context,
         const std::function<void(const Result &result)> &done);
