@@ -52,8 +52,8 @@ struct SendOption {
 // Answers a tool's privacy dialog, if its send opened it, with the user's choice, which
 // sends. Gives the exit code when the run ends here instead.
 template<typename Tool>
-[[nodiscard]] std::optional<int> settlePersonalInformation(Tool &tool, std::optional<SendChoice> preset,
-                                                           const QString &verb)
+[[nodiscard]] std::optional<int> settlePersonalInformation(
+    Tool &tool, std::optional<SendChoice> preset, const QString &verb)
 {
     const PiiAlertViewModel *alert = tool.piiAlertVM();
     if (!alert->showAlert()) {

@@ -30,8 +30,7 @@ class StreamedAsk : public AskMeAnythingViewModel
 public:
     explicit StreamedAsk(IncrementalPrinter &printer)
         : m_printer(printer)
-    {
-    }
+    { }
 
 protected:
     void request(const QString &prompt) override
@@ -135,5 +134,6 @@ int runAsk(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::askVerb()
 {
-    return {QStringLiteral("ask"), QStringLiteral("Ask the selected text model, as Ask Me Anything does (--stream to stream)"), runAsk};
+    return { QStringLiteral("ask"),
+        QStringLiteral("Ask the selected text model, as Ask Me Anything does (--stream to stream)"), runAsk };
 }

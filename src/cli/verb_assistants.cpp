@@ -146,5 +146,6 @@ int runAssistants(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::assistantsVerb()
 {
-    return {QStringLiteral("assistants"), QStringLiteral("the assistant catalogue and every form with its fields"), runAssistants};
+    return { QStringLiteral("assistants"), QStringLiteral("the assistant catalogue and every form with its fields"),
+        runAssistants };
 }

@@ -109,5 +109,6 @@ int runConfig(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::configVerb()
 {
-    return {QStringLiteral("config"), QStringLiteral("Read or write a preference (text-model, image-model, dark-mode)"), runConfig};
+    return { QStringLiteral("config"),
+        QStringLiteral("Read or write a preference (text-model, image-model, dark-mode)"), runConfig };
 }

@@ -54,5 +54,5 @@ int runDebug(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::debugVerb()
 {
-    return {QStringLiteral("debug"), QStringLiteral("Ask the Code Debugger"), runDebug};
+    return { QStringLiteral("debug"), QStringLiteral("Ask the Code Debugger"), runDebug };
 }

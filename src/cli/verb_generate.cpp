@@ -75,5 +75,6 @@ int runGenerate(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::generateVerb()
 {
-    return {QStringLiteral("generate"), QStringLiteral("Run a form-driven assistant and stream its reply"), runGenerate};
+    return { QStringLiteral("generate"), QStringLiteral("Run a form-driven assistant and stream its reply"),
+        runGenerate };
 }

@@ -144,5 +144,5 @@ int runImage(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::imageVerb()
 {
-    return {verbName, QStringLiteral("Generate a picture from a prompt and save it as PNG"), runImage};
+    return { verbName, QStringLiteral("Generate a picture from a prompt and save it as PNG"), runImage };
 }

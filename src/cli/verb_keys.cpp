@@ -164,5 +164,5 @@ int runKeys(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::keysVerb()
 {
-    return {QStringLiteral("keys"), QStringLiteral("Set, delete or show the status of the API keys"), runKeys};
+    return { QStringLiteral("keys"), QStringLiteral("Set, delete or show the status of the API keys"), runKeys };
 }

@@ -97,5 +97,6 @@ int runMarkdown(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::markdownVerb()
 {
-    return {QStringLiteral("markdown"), QStringLiteral("a Markdown reply as plain text (strip) or as HTML (html)"), runMarkdown};
+    return { QStringLiteral("markdown"), QStringLiteral("a Markdown reply as plain text (strip) or as HTML (html)"),
+        runMarkdown };
 }

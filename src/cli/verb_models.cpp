@@ -82,5 +82,5 @@ int runModels(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::modelsVerb()
 {
-    return {QStringLiteral("models"), QStringLiteral("List the text and image models"), runModels};
+    return { QStringLiteral("models"), QStringLiteral("List the text and image models"), runModels };
 }

@@ -188,5 +188,6 @@ int runNotes(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::notesVerb()
 {
-    return {QStringLiteral("notes"), QStringLiteral("Voice notes: list, show, add FILE (transcribed), edit, delete, search"), runNotes};
+    return { QStringLiteral("notes"),
+        QStringLiteral("Voice notes: list, show, add FILE (transcribed), edit, delete, search"), runNotes };
 }

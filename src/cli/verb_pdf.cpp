@@ -109,5 +109,5 @@ int runPdf(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::pdfVerb()
 {
-    return {QStringLiteral("pdf"), QStringLiteral("Summarize a PDF or ask about it"), runPdf};
+    return { QStringLiteral("pdf"), QStringLiteral("Summarize a PDF or ask about it"), runPdf };
 }

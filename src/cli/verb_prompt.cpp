@@ -48,5 +48,6 @@ int runPrompt(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::promptVerb()
 {
-    return {QStringLiteral("prompt"), QStringLiteral("the prompt a form-driven assistant composes, not sent"), runPrompt};
+    return { QStringLiteral("prompt"), QStringLiteral("the prompt a form-driven assistant composes, not sent"),
+        runPrompt };
 }

@@ -38,5 +38,5 @@ int runRedact(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::redactVerb()
 {
-    return {QStringLiteral("redact"), QStringLiteral("the privacy guard's redacted copy of a text"), runRedact};
+    return { QStringLiteral("redact"), QStringLiteral("the privacy guard's redacted copy of a text"), runRedact };
 }

@@ -62,5 +62,5 @@ int runSampleData(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::sampleDataVerb()
 {
-    return {QStringLiteral("sample-data"), QStringLiteral("Generate sample data in a format"), runSampleData};
+    return { QStringLiteral("sample-data"), QStringLiteral("Generate sample data in a format"), runSampleData };
 }

@@ -42,5 +42,5 @@ int runTranscribe(const QStringList &arguments)
 
 zentrik::cli::Verb zentrik::cli::transcribeVerb()
 {
-    return {QStringLiteral("transcribe"), QStringLiteral("Print the transcript of an audio file"), runTranscribe};
+    return { QStringLiteral("transcribe"), QStringLiteral("Print the transcript of an audio file"), runTranscribe };
 }

@@ -40,7 +40,7 @@ private Q_SLOTS:
     void init()
     {
         m_cli = std::make_unique<CliFixture>(
-            CliFixture::Keys {{"OPENAI_API_KEY", "sk-from-env"}, {"ANTHROPIC_API_KEY", "sk-ant-env"}});
+            CliFixture::Keys { { "OPENAI_API_KEY", "sk-from-env" }, { "ANTHROPIC_API_KEY", "sk-ant-env" } });
     }
 
     void cleanup() { m_cli.reset(); }
@@ -82,8 +82,7 @@ private Q_SLOTS:
                     "data: "
                     "{\"type\":\"content_block_delta\",\"delta\":{\"type\":\"text_delta\",\"text\":\"eamed\"}}\n\n",
                     "data: {\"type\":\"message_stop\"}\n\n" }));
-        const CliResult result
-            = runCli({ "ask", "--stream", "--model", "claude-3-haiku-20240307", "Go" });
+        const CliResult result = runCli({ "ask", "--stream", "--model", "claude-3-haiku-20240307", "Go" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Streamed\n"));
         QCOMPARE(m_cli->fake.lastRequest().header("x-api-key"), "sk-ant-env");

@@ -34,20 +34,23 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("stdoutHas");
         // A few go through the program's main, to see the exit code reach the shell.
         QTest::addColumn<bool>("asProgram");
-        QTest::newRow("version") << QStringList{QStringLiteral("--version")} << 0 << QByteArray("zentrik-cli 0.") << true;
-        QTest::newRow("help lists verbs") << QStringList{QStringLiteral("--help")} << 0 << QByteArray("keys") << false;
-        QTest::newRow("verb help") << QStringList{QStringLiteral("keys"), QStringLiteral("--help")} << 0
+        QTest::newRow("version") << QStringList { QStringLiteral("--version") } << 0 << QByteArray("zentrik-cli 0.")
+                                 << true;
+        QTest::newRow("help lists verbs")
+            << QStringList { QStringLiteral("--help") } << 0 << QByteArray("keys") << false;
+        QTest::newRow("verb help") << QStringList { QStringLiteral("keys"), QStringLiteral("--help") } << 0
                                    << QByteArray("Usage: zentrik-cli keys") << false;
-        QTest::newRow("unknown verb") << QStringList{QStringLiteral("frobnicate")} << 2 << QByteArray() << true;
-        QTest::newRow("unknown option") << QStringList{QStringLiteral("models"), QStringLiteral("--bogus")} << 2
+        QTest::newRow("unknown verb") << QStringList { QStringLiteral("frobnicate") } << 2 << QByteArray() << true;
+        QTest::newRow("unknown option") << QStringList { QStringLiteral("models"), QStringLiteral("--bogus") } << 2
                                         << QByteArray() << false;
-        QTest::newRow("config without name") << QStringList{QStringLiteral("config"), QStringLiteral("get")} << 2
-                                             << QByteArray() << false;
-        QTest::newRow("config bad model") << QStringList{QStringLiteral("config"), QStringLiteral("set"),
-                                                         QStringLiteral("text-model"), QStringLiteral("gpt-4o")}
+        QTest::newRow("config without name")
+            << QStringList { QStringLiteral("config"), QStringLiteral("get") } << 2 << QByteArray() << false;
+        QTest::newRow("config bad model") << QStringList { QStringLiteral("config"), QStringLiteral("set"),
+            QStringLiteral("text-model"), QStringLiteral("gpt-4o") }
                                           << 2 << QByteArray() << false;
-        QTest::newRow("keys unknown provider") << QStringList{QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("google")}
-                                               << 2 << QByteArray() << true;
+        QTest::newRow("keys unknown provider")
+            << QStringList { QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("google") } << 2
+            << QByteArray() << true;
     }
 
     void conventions()
@@ -157,7 +160,8 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         // A process of its own: this one is connected to the test's session bus already.
-        const CliResult result = runCliProcess({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai")}, "k\n", env);
+        const CliResult result
+            = runCliProcess({ QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai") }, "k\n", env);
         QCOMPARE(result.exitCode, 1);
         QVERIFY(result.err.contains("no Secret Service"));
         QVERIFY(timer.elapsed() < 5000);

@@ -51,15 +51,15 @@ class ImageVerbTest : public QObject
     {
         m_cli->fake.on("POST", "/v1/images/generations",
             ScriptedReply::json(QJsonDocument(QJsonObject { { "data",
-                QJsonArray {
-                    QJsonObject { { "url", m_cli->fake.baseUrl().toString() + QString::fromUtf8(picturePath) } } } } })));
+                QJsonArray { QJsonObject {
+                    { "url", m_cli->fake.baseUrl().toString() + QString::fromUtf8(picturePath) } } } } })));
     }
 
 private Q_SLOTS:
     void init()
     {
         m_cli = std::make_unique<CliFixture>(CliFixture::Keys {
-            {"OPENAI_API_KEY", "sk-env"}, {"FAL_KEY", "fal-env"}, {"TOGETHER_API_KEY", "together-env"}});
+            { "OPENAI_API_KEY", "sk-env" }, { "FAL_KEY", "fal-env" }, { "TOGETHER_API_KEY", "together-env" } });
     }
 
     void cleanup() { m_cli.reset(); }
@@ -92,8 +92,7 @@ private Q_SLOTS:
             ScriptedReply::json(QJsonDocument(QJsonObject { { "images",
                 QJsonArray { QJsonObject { { "url", m_cli->fake.baseUrl().toString() + "/pictures/p" } } } } })));
 
-        const CliResult result
-            = runCli({ "image", "--model", model, "-o", output("out.png"), "A quiet harbour" });
+        const CliResult result = runCli({ "image", "--model", model, "-o", output("out.png"), "A quiet harbour" });
         QVERIFY2(result.exitCode == 0, result.err.constData());
         QCOMPARE(result.out, QFileInfo(output("out.png")).absoluteFilePath().toUtf8() + '\n');
         QCOMPARE(pngSize(output("out.png")), QSize(72, 40));

@@ -46,23 +46,23 @@ private Q_SLOTS:
     void init()
     {
         m_cli = std::make_unique<CliFixture>(
-            CliFixture::Keys{{"OPENAI_API_KEY", "sk-from-env"}, {"ANTHROPIC_API_KEY", "sk-ant-env"}});
+            CliFixture::Keys { { "OPENAI_API_KEY", "sk-from-env" }, { "ANTHROPIC_API_KEY", "sk-ant-env" } });
         m_cli->fake.on("POST", "/v1/chat/completions",
-                   ScriptedReply::sse({chunk("Acme: "), chunk("built to last."), "data: [DONE]\n\n"}));
+            ScriptedReply::sse({ chunk("Acme: "), chunk("built to last."), "data: [DONE]\n\n" }));
     }
 
     void cleanup() { m_cli.reset(); }
 
     void generateStreamsTheReply()
     {
-        const CliResult result = runCli({"generate", "Slogan Generator", "--field", "Brand/Product Name=Acme",
-                                         "--model", "gpt-3.5-turbo-1106"});
+        const CliResult result = runCli(
+            { "generate", "Slogan Generator", "--field", "Brand/Product Name=Acme", "--model", "gpt-3.5-turbo-1106" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Acme: built to last.\n"));
         const QString sent = sentText(m_cli->fake.lastRequest());
         QVERIFY(sent.contains("Category: Slogan Generator\nBrand/Product Name: Acme\n\nStructure:\n1. "));
         // The same prompt the prompt verb prints.
-        const CliResult prompt = runCli({"prompt", "Slogan Generator", "--field", "Brand/Product Name=Acme"});
+        const CliResult prompt = runCli({ "prompt", "Slogan Generator", "--field", "Brand/Product Name=Acme" });
         QCOMPARE(QString::fromUtf8(prompt.out), sent + "\n");
     }
 
@@ -105,7 +105,8 @@ private Q_SLOTS:
         QFETCH(QString, model);
         QFETCH(bool, withKey);
         QFETCH(QString, refusal);
-        m_cli->fake.on("POST", "/v1/messages", ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"ok"}]})")));
+        m_cli->fake.on(
+            "POST", "/v1/messages", ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"ok"}]})")));
         QProcessEnvironment env;
         if (!withKey) {
             // Neither from the environment nor from the test's own keyring, which holds none.
@@ -162,7 +163,8 @@ private Q_SLOTS:
             QCOMPARE(m_cli->fake.requestCount(), 0);
             QCOMPARE(result.err.count('\n'), 1);
         } else {
-            QVERIFY2(sentText(m_cli->fake.lastRequest()).contains(sentHas), qPrintable(sentText(m_cli->fake.lastRequest())));
+            QVERIFY2(
+                sentText(m_cli->fake.lastRequest()).contains(sentHas), qPrintable(sentText(m_cli->fake.lastRequest())));
         }
     }
 
@@ -186,14 +188,14 @@ private Q_SLOTS:
         QFETCH(QString, sent);
         QFETCH(int, questions);
         m_cli->fake.on("POST", "/v1/chat/completions",
-                       ScriptedReply::json(QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"Done."}}]})")));
+            ScriptedReply::json(QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"Done."}}]})")));
         zentrik::test::CapturedConsole console(answers);
         console.terminal = true;
-        const CliResult result = runCli({"ask", "--model", "gpt-4o-mini", "write to bob@example.com"}, console);
+        const CliResult result = runCli({ "ask", "--model", "gpt-4o-mini", "write to bob@example.com" }, console);
         QCOMPARE(result.exitCode, exitCode);
         QVERIFY2(result.err.contains("Original Message:\nwrite to bob@example.com\n\nRedacted Message:\n"
                                      "write to [EMAIL_ADDRESS]\n"),
-                 result.err.constData());
+            result.err.constData());
         QCOMPARE(result.err.count("Send [o]riginal or [r]edacted? "), questions);
         if (sent.isEmpty()) {
             QCOMPARE(m_cli->fake.requestCount(), 0);
@@ -206,31 +208,33 @@ private Q_SLOTS:
     void askUsesTheSuggestionPrefix()
     {
         m_cli->fake.on("POST", "/v1/chat/completions",
-                   ScriptedReply::json(QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"**Fixed.**"}}]})")));
-        const CliResult result = runCli({"ask", "--suggestion", "Grammar Checker", "--model", "gpt-4o-mini", "me and him goes"});
+            ScriptedReply::json(
+                QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"**Fixed.**"}}]})")));
+        const CliResult result
+            = runCli({ "ask", "--suggestion", "Grammar Checker", "--model", "gpt-4o-mini", "me and him goes" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("**Fixed.**\n"));
         QCOMPARE(sentText(m_cli->fake.lastRequest()),
-                 QString("Please check the following text for grammatical errors and provide corrections: me and him goes"));
-        QCOMPARE(runCli({"ask", "--suggestion", "Poetry", "x"}).exitCode, 2);
+            QString("Please check the following text for grammatical errors and provide corrections: me and him goes"));
+        QCOMPARE(runCli({ "ask", "--suggestion", "Poetry", "x" }).exitCode, 2);
     }
 
     void debugSendsRedactedAndStreams()
     {
-        const CliResult result = runCli({"debug", "--suggestion", "logicError", "--model", "gpt-4o-mini", "-"},
-                                        "x = 1 + # ask jo@example.com");
+        const CliResult result = runCli(
+            { "debug", "--suggestion", "logicError", "--model", "gpt-4o-mini", "-" }, "x = 1 + # ask jo@example.com");
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Acme: built to last.\n"));
         QCOMPARE(sentText(m_cli->fake.lastRequest()),
-                 QString("There seems to be a logic error in my program. Can you assist in finding the issue?\n\n"
-                         "x = 1 + # ask [EMAIL_ADDRESS]"));
+            QString("There seems to be a logic error in my program. Can you assist in finding the issue?\n\n"
+                    "x = 1 + # ask [EMAIL_ADDRESS]"));
     }
 
     void debugWithClaudeWaitsForWholeReply()
     {
         m_cli->fake.on("POST", "/v1/messages",
-                   ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"Use a colon."}]})")));
-        const CliResult result = runCli({"debug", "--model", "claude-3-haiku-20240307", "if x print(x)"});
+            ScriptedReply::json(QByteArray(R"({"content":[{"type":"text","text":"Use a colon."}]})")));
+        const CliResult result = runCli({ "debug", "--model", "claude-3-haiku-20240307", "if x print(x)" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Use a colon.\n"));
         QVERIFY(!m_cli->fake.lastRequest().json().object().contains("stream"));

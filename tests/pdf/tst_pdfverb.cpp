@@ -24,11 +24,13 @@ class PdfVerbTest : public QObject
     {
         const QJsonObject message{{"role", "assistant"}, {"content", text}};
         m_cli->fake.enqueue("POST", "/v1/chat/completions",
-                        ScriptedReply::json(QJsonDocument(QJsonObject{{"choices", QJsonArray{QJsonObject{{"message", message}}}}}).toJson()));
+            ScriptedReply::json(
+                QJsonDocument(QJsonObject { { "choices", QJsonArray { QJsonObject { { "message", message } } } } })
+                    .toJson()));
     }
 
 private Q_SLOTS:
-    void init() { m_cli = std::make_unique<CliFixture>(CliFixture::Keys{{"OPENAI_API_KEY", "sk-test"}}); }
+    void init() { m_cli = std::make_unique<CliFixture>(CliFixture::Keys { { "OPENAI_API_KEY", "sk-test" } }); }
     void cleanup() { m_cli.reset(); }
 
     void summaryPrintsTheCard()
@@ -36,7 +38,7 @@ private Q_SLOTS:
         const QString file = m_dir.filePath("doc.pdf");
         QVERIFY(pdffixtures::writeTextPdf(file, {"Budget for the year", "Hiring plan"}));
         reply(R"({"title":"Plans","summary":"Budget and hiring.","keyPoints":["Budget","Hiring","Timeline"]})");
-        const CliResult result = runCli({"pdf", "summary", file, "--model", "gpt-4o-mini"});
+        const CliResult result = runCli({ "pdf", "summary", file, "--model", "gpt-4o-mini" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("Plans\n\nBudget and hiring.\n\nKey points:\n- Budget\n- Hiring\n- Timeline\n"));
     }
@@ -46,11 +48,18 @@ private Q_SLOTS:
         const QString file = m_dir.filePath("doc2.pdf");
         QVERIFY(pdffixtures::writeTextPdf(file, {"Intro", "The office opens at nine"}));
         reply("At nine (page 2).");
-        const CliResult result = runCli({"pdf", "ask", file, "When does the office open?", "--model", "gpt-4o-mini"});
+        const CliResult result = runCli({ "pdf", "ask", file, "When does the office open?", "--model", "gpt-4o-mini" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QByteArray("At nine (page 2).\n"));
-        const QString sent = m_cli->fake.lastRequest().json().object().value("messages").toArray().last().toObject()
-                                 .value("content").toString();
+        const QString sent = m_cli->fake.lastRequest()
+                                 .json()
+                                 .object()
+                                 .value("messages")
+                                 .toArray()
+                                 .last()
+                                 .toObject()
+                                 .value("content")
+                                 .toString();
         QVERIFY(sent.contains("--- Page 2 ---"));
     }
 

@@ -47,8 +47,8 @@ private Q_SLOTS:
         QFETCH(QByteArray, input);
         QFETCH(QString, expected);
         QFETCH(bool, asProgram);
-        const CliText result
-            = asProgram ? runCliProcess(QStringList { QStringLiteral("redact") } + arguments, input) : run(arguments, input);
+        const CliText result = asProgram ? runCliProcess(QStringList { QStringLiteral("redact") } + arguments, input)
+                                         : run(arguments, input);
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, expected);
     }

@@ -94,7 +94,7 @@ void MarkdownCliTest::readsFile()
 {
     QFETCH(QString, action);
     QFETCH(QString, out);
-    const CliText result = runCli({QStringLiteral("markdown"), action, m_dir.filePath(QStringLiteral("reply.md"))});
+    const CliText result = runCli({ QStringLiteral("markdown"), action, m_dir.filePath(QStringLiteral("reply.md")) });
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.err, QString());
     if (action == QStringLiteral("--help")) {
