@@ -60,4 +60,24 @@ QByteArray wireName(HttpMethod method)
     return {};
 }
 
+QUrl serviceBaseUrl(Service service)
+{
+    const bool queue = service == Service::queue;
+    const QString configured = qEnvironmentVariable(queue ? "ZENTRIK_FAL_QUEUE_URL" : "ZENTRIK_FAL_REST_URL");
+    if (!configured.isEmpty()) {
+        return QUrl(configured, QUrl::StrictMode);
+    }
+    return QUrl(QString::fromLatin1(queue ? "https://queue.fal.run" : "https://rest.alpha.fal.ai"), QUrl::StrictMode);
+}
+
+QUrl serviceUrl(Service service, const QString &path)
+{
+    QUrl url = serviceBaseUrl(service);
+    if (!url.isValid() || url.scheme().isEmpty() || url.host().isEmpty()) {
+        return {};
+    }
+    url.setPath(path);
+    return url;
+}
+
 } // namespace zentrik::fal

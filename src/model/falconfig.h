@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QUrl>
 
 #include <functional>
 #include <optional>
@@ -69,5 +70,15 @@ struct RunOptions
     QString path;
     HttpMethod httpMethod = HttpMethod::post;
 };
+
+// fal's two services: the queue that runs applications and the REST service that stores files.
+enum class Service { queue, rest };
+
+// Scheme, host and port of a service, from ZENTRIK_FAL_QUEUE_URL or ZENTRIK_FAL_REST_URL when
+// set (tests, proxies), otherwise fal's public host. Read at every request, so a changed
+// variable takes effect at once.
+[[nodiscard]] QUrl serviceBaseUrl(Service service);
+// The base address with the given path; invalid when the base address is not usable.
+[[nodiscard]] QUrl serviceUrl(Service service, const QString &path);
 
 } // namespace zentrik::fal

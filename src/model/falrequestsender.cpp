@@ -1,7 +1,5 @@
 #include "model/falrequestsender.h"
 
-#include "model/providerrouting.h"
-
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -57,9 +55,9 @@ std::variant<QUrl, FalError> RequestSender::applicationUrl(const QString &appId,
         return std::move(*error);
     }
     const QString fullPath = QLatin1Char('/') + std::get<QString>(normalised) + path;
-    QUrl url = providerUrl(Provider::falQueue, fullPath);
+    QUrl url = serviceUrl(Service::queue, fullPath);
     if (!url.isValid()) {
-        return FalError::invalidUrl(providerBaseUrl(Provider::falQueue).toString() + fullPath);
+        return FalError::invalidUrl(serviceBaseUrl(Service::queue).toString() + fullPath);
     }
     return url;
 }

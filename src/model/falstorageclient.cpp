@@ -1,7 +1,5 @@
 #include "model/falstorageclient.h"
 
-#include "model/providerrouting.h"
-
 namespace zentrik::fal {
 
 StorageClient::StorageClient(std::shared_ptr<const RequestSender> sender)
@@ -12,9 +10,9 @@ void StorageClient::upload(const QByteArray &data, const QString &contentType, c
     QObject *context, const std::function<void(const Result<QString> &)> &completion) const
 {
     const QString type = contentType.isEmpty() ? QString::fromLatin1(defaultContentType) : contentType;
-    const QUrl initiate = providerUrl(Provider::falRest, QString::fromLatin1(initiatePath));
+    const QUrl initiate = serviceUrl(Service::rest, QString::fromLatin1(initiatePath));
     if (!initiate.isValid()) {
-        const QString address = providerBaseUrl(Provider::falRest).toString() + QLatin1String(initiatePath);
+        const QString address = serviceBaseUrl(Service::rest).toString() + QLatin1String(initiatePath);
         m_sender->later(context, [address, completion] { completion(FalError::invalidUrl(address)); });
         return;
     }

@@ -1,7 +1,6 @@
 #include "model/openaichatclient.h"
 
 #include "model/chatstreamdecoder.h"
-#include "model/providerrouting.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -40,16 +39,6 @@ std::variant<QJsonObject, ChatError> answerObject(const HttpResult &result)
 }
 
 } // namespace
-
-QUrl OpenAIChatClient::defaultEndpoint()
-{
-    return providerUrl(Provider::openAI, QStringLiteral("/v1/chat/completions"));
-}
-
-QUrl OpenAIChatClient::defaultModelEndpoint()
-{
-    return providerUrl(Provider::openAI, QStringLiteral("/v1/models"));
-}
 
 OpenAIChatClient::OpenAIChatClient(
     HttpClient *http, QString apiKey, QUrl endpoint, QUrl modelEndpoint, QMap<QString, QString> customHeaders)

@@ -39,12 +39,10 @@ public:
         std::function<void(const std::optional<ChatError> &error)> onFinished;
     };
 
-    // The OpenAI addresses (chat completions and the model list).
-    [[nodiscard]] static QUrl defaultEndpoint();
-    [[nodiscard]] static QUrl defaultModelEndpoint();
-
-    OpenAIChatClient(HttpClient *http, QString apiKey, QUrl endpoint = defaultEndpoint(),
-        QUrl modelEndpoint = defaultModelEndpoint(), QMap<QString, QString> customHeaders = {});
+    // `endpoint` takes chat completions and `modelEndpoint` the model list; the caller knows
+    // which service it talks to.
+    OpenAIChatClient(
+        HttpClient *http, QString apiKey, QUrl endpoint, QUrl modelEndpoint, QMap<QString, QString> customHeaders = {});
 
     [[nodiscard]] QString apiKey() const { return m_apiKey; }
     [[nodiscard]] QUrl endpoint() const { return m_endpoint; }
