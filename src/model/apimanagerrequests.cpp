@@ -2,7 +2,7 @@
 // keys and selections live in apimanager.cpp.
 #include "model/apimanager.h"
 
-#include "model/anthropicstreamdecoder.h"
+#include "chat/anthropicstreamdecoder.h"
 #include "model/modellogging.h"
 #include "model/textrequest.h"
 

@@ -1,6 +1,6 @@
 #include "model/textrequest.h"
 
-#include "model/chaterror.h"
+#include "chat/chaterror.h"
 #include "model/modellogging.h"
 
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #include "model/transcriptionrequest.h"
 
-#include "model/chaterror.h"
+#include "chat/chaterror.h"
 #include "model/modellogging.h"
 #include "model/providerrouting.h"
 
