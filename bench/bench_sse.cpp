@@ -4,7 +4,7 @@
 // newline count as the floor. The ratios say what classifying lines and decoding the JSON
 // of every chunk cost on top of finding the lines.
 
-#include "model/chatstreamdecoder.h"
+#include "chat/chatstreamdecoder.h"
 #include "net/linesplitter.h"
 #include "net/ssereader.h"
 

@@ -1,3 +1,3 @@
-if(TARGET zentrik_model)
-  zentrik_bench(sse LIBS zentrik_model zentrik_net)
+if(TARGET zentrik_chat)
+  zentrik_bench(sse LIBS zentrik_chat zentrik_net)
 endif()

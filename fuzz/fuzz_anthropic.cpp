@@ -4,7 +4,7 @@
 #include "fuzztarget.h"
 #include "streamcheck.h"
 
-#include "model/anthropicstreamdecoder.h"
+#include "chat/anthropicstreamdecoder.h"
 
 using zentrik::AnthropicStreamDecoder;
 

@@ -4,7 +4,7 @@
 #include "fuzztarget.h"
 #include "streamcheck.h"
 
-#include "model/chatstreamdecoder.h"
+#include "chat/chatstreamdecoder.h"
 
 using zentrik::ChatCompletionChunk;
 using zentrik::ChatStreamDecoder;

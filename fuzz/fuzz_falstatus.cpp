@@ -3,8 +3,8 @@
 
 #include "fuzztarget.h"
 
-#include "model/falpayload.h"
-#include "model/falqueuestatus.h"
+#include "fal/falpayload.h"
+#include "fal/falqueuestatus.h"
 
 #include <QJsonDocument>
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "chat/openaichatclient.h"
+#include "fal/falqueuestatus.h"
 #include "model/aimodel.h"
 #include "model/apierror.h"
-#include "model/falqueuestatus.h"
 #include "model/imageerror.h"
-#include "model/openaichatclient.h"
 #include "model/providerrouting.h"
 #include "net/httpclient.h"
 #include "settings/preferences.h"

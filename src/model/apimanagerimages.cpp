@@ -2,8 +2,8 @@
 // OpenAI and Together requests, and the fal path through the queue client.
 #include "model/apimanager.h"
 
+#include "fal/falapi.h"
 #include "model/backgroundtask.h"
-#include "model/falapi.h"
 #include "model/imagerequests.h"
 #include "model/modellogging.h"
 

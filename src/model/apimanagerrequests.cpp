@@ -2,7 +2,7 @@
 // keys and selections live in apimanager.cpp.
 #include "model/apimanager.h"
 
-#include "model/anthropicstreamdecoder.h"
+#include "chat/anthropicstreamdecoder.h"
 #include "model/modellogging.h"
 #include "model/textrequest.h"
 
@@ -179,7 +179,8 @@ APIManager::StreamId APIManager::streamText(
 
     const OpenAIChatClient client = *provider == TextProvider::openRouter
         ? *m_llmChat
-        : OpenAIChatClient(m_http, key, TextRequest::endpoint(TextProvider::openAI));
+        : OpenAIChatClient(m_http, key, TextRequest::endpoint(TextProvider::openAI),
+            providerUrl(Provider::openAI, QStringLiteral("/v1/models")));
     OpenAIChatClient::StreamHandlers handlers;
     handlers.onChunk = [stream](const ChatCompletionChunk &chunk) {
         const std::optional<QString> text = chunk.text();

@@ -1,35 +1,72 @@
 #include "model/imagecodec.h"
 
-#include <stb_image.h>
-#include <stb_image_write.h>
+#include <QBuffer>
+#include <QImage>
+#include <QImageReader>
+#include <QImageWriter>
 
-#include <limits>
+#include <cstring>
 
 namespace zentrik {
 
+namespace {
+
+// The most a decoded picture may take, in MiB: maxPixels at four bytes a pixel. Readers
+// that know the size up front are checked against maxPixels before they allocate; the
+// limit stops those that do not.
+constexpr int allocationLimitMiB = int(ImageCodec::maxPixels * 4 / (1024 * 1024));
+
+bool tooLarge(const QSize &size)
+{
+    return qint64(size.width()) * size.height() > ImageCodec::maxPixels;
+}
+
+// The rows of an image without the padding QImage keeps at the end of each line.
+QByteArray packedRows(const QImage &image, int channels)
+{
+    const qsizetype rowBytes = qsizetype(image.width()) * channels;
+    QByteArray pixels(rowBytes * image.height(), Qt::Uninitialized);
+    for (int y = 0; y < image.height(); ++y) {
+        std::memcpy(pixels.data() + y * rowBytes, image.constScanLine(y), size_t(rowBytes));
+    }
+    return pixels;
+}
+
+} // namespace
+
 std::optional<Bitmap> ImageCodec::decode(const QByteArray &bytes)
 {
-    if (bytes.isEmpty() || bytes.size() > std::numeric_limits<int>::max()) {
+    if (bytes.isEmpty()) {
         return std::nullopt;
     }
-    const auto *data = reinterpret_cast<const stbi_uc *>(bytes.constData());
-    const int length = int(bytes.size());
-    int width = 0;
-    int height = 0;
-    int channels = 0;
+    QBuffer buffer;
+    buffer.setData(bytes);
+    if (!buffer.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    QImageReader reader(&buffer);
+    reader.setAllocationLimit(allocationLimitMiB);
     // Ask for the size first, so that a small file claiming a huge picture allocates nothing.
-    if (stbi_info_from_memory(data, length, &width, &height, &channels) == 0 || width <= 0 || height <= 0
-        || qint64(width) * height > maxPixels) {
+    const QSize claimed = reader.size();
+    if (claimed.isValid() && (claimed.isEmpty() || tooLarge(claimed))) {
         return std::nullopt;
     }
-    stbi_uc *pixels = stbi_load_from_memory(data, length, &width, &height, &channels, 0);
-    if (pixels == nullptr) {
+    QImage image;
+    if (!reader.read(&image) || image.isNull() || tooLarge(image.size())) {
         return std::nullopt;
     }
-    Bitmap bitmap { width, height, channels,
-        QByteArray(reinterpret_cast<const char *>(pixels), qsizetype(width) * height * channels) };
-    stbi_image_free(pixels);
-    return bitmap;
+    const bool grey = image.format() == QImage::Format_Grayscale8 || image.format() == QImage::Format_Grayscale16
+        || (image.colorCount() > 0 && !image.hasAlphaChannel() && image.isGrayscale());
+    if (grey) {
+        image.convertTo(QImage::Format_Grayscale8);
+        return Bitmap { image.width(), image.height(), 1, packedRows(image, 1) };
+    }
+    if (image.hasAlphaChannel()) {
+        image.convertTo(QImage::Format_RGBA8888);
+        return Bitmap { image.width(), image.height(), 4, packedRows(image, 4) };
+    }
+    image.convertTo(QImage::Format_RGB888);
+    return Bitmap { image.width(), image.height(), 3, packedRows(image, 3) };
 }
 
 QByteArray ImageCodec::encodePng(const Bitmap &bitmap)
@@ -38,13 +75,42 @@ QByteArray ImageCodec::encodePng(const Bitmap &bitmap)
         || bitmap.pixels.size() != qsizetype(bitmap.width) * bitmap.height * bitmap.channels) {
         return {};
     }
+    const auto *pixels = reinterpret_cast<const uchar *>(bitmap.pixels.constData());
+    const qsizetype rowBytes = qsizetype(bitmap.width) * bitmap.channels;
+    QImage image;
+    switch (bitmap.channels) {
+    case 1:
+        image = QImage(pixels, bitmap.width, bitmap.height, rowBytes, QImage::Format_Grayscale8);
+        break;
+    case 2:
+        // Qt has no grey-and-alpha format: spread the grey over red, green and blue.
+        image = QImage(bitmap.width, bitmap.height, QImage::Format_RGBA8888);
+        if (image.isNull()) {
+            return {};
+        }
+        for (int y = 0; y < bitmap.height; ++y) {
+            const uchar *from = pixels + y * rowBytes;
+            uchar *to = image.scanLine(y);
+            for (int x = 0; x < bitmap.width; ++x) {
+                to[4 * x] = to[4 * x + 1] = to[4 * x + 2] = from[2 * x];
+                to[4 * x + 3] = from[2 * x + 1];
+            }
+        }
+        break;
+    case 3:
+        image = QImage(pixels, bitmap.width, bitmap.height, rowBytes, QImage::Format_RGB888);
+        break;
+    default:
+        image = QImage(pixels, bitmap.width, bitmap.height, rowBytes, QImage::Format_RGBA8888);
+        break;
+    }
     QByteArray png;
-    const auto append = [](void *context, void *data, int size) {
-        static_cast<QByteArray *>(context)->append(static_cast<const char *>(data), size);
-    };
-    if (stbi_write_png_to_func(append, &png, bitmap.width, bitmap.height, bitmap.channels, bitmap.pixels.constData(),
-            bitmap.width * bitmap.channels)
-        == 0) {
+    QBuffer buffer(&png);
+    if (image.isNull() || !buffer.open(QIODevice::WriteOnly)) {
+        return {};
+    }
+    QImageWriter writer(&buffer, "png");
+    if (!writer.write(image)) {
         return {};
     }
     return png;

@@ -17,19 +17,21 @@ struct Bitmap
     QByteArray pixels;
 };
 
-// Image decoding and PNG encoding without a GUI toolkit (stb_image), so that the command
-// line and the model library can check and convert pictures as the window does. Safe to use
-// from any thread.
+// Image decoding and PNG encoding through Qt's image readers and writers, which need no
+// GUI application or display, so that the command line and the model library can check and
+// convert pictures as the window does. Safe to use from any thread.
 class ImageCodec
 {
 public:
     // Pictures larger than this are refused rather than decoded into gigabytes.
     static constexpr qint64 maxPixels = qint64(8192) * 8192;
 
-    // PNG, JPEG, GIF (first frame), BMP, PSD, TGA, HDR, PIC or PNM bytes; std::nullopt
-    // when the bytes are none of these, are damaged or are too large.
+    // PNG, JPEG, GIF (first frame), BMP, PBM/PGM/PPM and whatever other format Qt reads;
+    // std::nullopt when the bytes are none of these, are damaged or are too large. Grey
+    // pictures come back with one channel, pictures with transparency with four, others
+    // with three.
     [[nodiscard]] static std::optional<Bitmap> decode(const QByteArray &bytes);
-    // The PNG file of the bitmap, without extra chunks; empty when it cannot be made.
+    // The PNG file of the bitmap; empty when it cannot be made.
     [[nodiscard]] static QByteArray encodePng(const Bitmap &bitmap);
     // The picture in bytes re-encoded as PNG; empty when the bytes are not a picture.
     [[nodiscard]] static QByteArray toPng(const QByteArray &bytes);

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "fal/falerror.h"
 #include "model/apierror.h"
-#include "model/falerror.h"
 
 #include <QString>
 

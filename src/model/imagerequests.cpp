@@ -1,6 +1,7 @@
 #include "model/imagerequests.h"
 
 #include "model/imagecodec.h"
+#include "model/jsonbody.h"
 #include "model/modellogging.h"
 
 #include <QCoreApplication>
@@ -39,15 +40,11 @@ std::variant<QJsonObject, APIError> firstDataElement(const HttpResult &result, c
         qCInfo(lcModel).noquote()
             << QStringLiteral("%1 images answered HTTP %2").arg(QLatin1String(provider)).arg(response.status);
     }
-    if (response.body.isEmpty()) {
-        return APIError::noData;
+    auto body = jsonBody(response.body);
+    if (auto *error = std::get_if<APIError>(&body)) {
+        return std::move(*error);
     }
-    QJsonParseError parseError {};
-    const QJsonDocument document = QJsonDocument::fromJson(response.body, &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
-        return APIError { APIError::jsonParsingFailed, parseError.errorString() };
-    }
-    const QJsonValue data = document.object().value(QLatin1String("data"));
+    const QJsonValue data = std::get<QJsonObject>(body).value(QLatin1String("data"));
     if (!data.isArray() || data.toArray().isEmpty()) {
         return APIError::invalidResponse;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "fal/falpayload.h"
 #include "model/apierror.h"
-#include "model/falpayload.h"
 #include "model/imageerror.h"
 #include "model/providerrouting.h"
 #include "net/httprequest.h"

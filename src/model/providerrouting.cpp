@@ -47,10 +47,6 @@ ProviderAddress addressOf(Provider provider)
         return {"ZENTRIK_OPENROUTER_BASE_URL", "https://openrouter.ai"};
     case Provider::together:
         return {"ZENTRIK_TOGETHER_BASE_URL", "https://api.together.xyz"};
-    case Provider::falQueue:
-        return {"ZENTRIK_FAL_QUEUE_URL", "https://queue.fal.run"};
-    case Provider::falRest:
-        return {"ZENTRIK_FAL_REST_URL", "https://rest.alpha.fal.ai"};
     }
     return {"", ""};
 }

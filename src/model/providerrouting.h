@@ -32,7 +32,8 @@ enum class ImageProvider { openAI, together, fal };
                                                       const QString &openAIKey,
                                                       const QString &claudeKey);
 
-enum class Provider { openAI, anthropic, openRouter, together, falQueue, falRest };
+// The fal client keeps its own two addresses.
+enum class Provider { openAI, anthropic, openRouter, together };
 
 // Scheme, host and port of a provider, from its ZENTRIK_*_URL variable when set (tests,
 // proxies), otherwise the provider's public HTTPS host.

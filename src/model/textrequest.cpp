@@ -1,6 +1,7 @@
 #include "model/textrequest.h"
 
-#include "model/chaterror.h"
+#include "chat/chaterror.h"
+#include "model/jsonbody.h"
 #include "model/modellogging.h"
 
 #include <QJsonArray>
@@ -127,15 +128,11 @@ std::variant<QString, APIError> TextRequest::read(TextProvider provider, const H
                                          .arg(response.status)
                                          .arg(said.isEmpty() ? QString() : QStringLiteral(": ") + said);
     }
-    if (response.body.isEmpty()) {
-        return APIError::noData;
+    auto body = jsonBody(response.body);
+    if (auto *error = std::get_if<APIError>(&body)) {
+        return std::move(*error);
     }
-    QJsonParseError parseError {};
-    const QJsonDocument document = QJsonDocument::fromJson(response.body, &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
-        return APIError { APIError::jsonParsingFailed, parseError.errorString() };
-    }
-    const QJsonObject object = document.object();
+    const auto &object = std::get<QJsonObject>(body);
     const std::optional<QString> reply
         = provider == TextProvider::anthropic ? anthropicReply(object) : chatReply(object);
     if (!reply) {

@@ -1,6 +1,7 @@
 #include "model/transcriptionrequest.h"
 
-#include "model/chaterror.h"
+#include "chat/chaterror.h"
+#include "model/jsonbody.h"
 #include "model/modellogging.h"
 #include "model/providerrouting.h"
 
@@ -71,18 +72,17 @@ std::variant<QString, APIError> TranscriptionRequest::read(const HttpResult &res
                                          .arg(response.status)
                                          .arg(said.isEmpty() ? QString() : QStringLiteral(": ") + said);
     }
-    if (response.body.isEmpty()) {
-        qInfo().noquote() << "No data received from API";
-        return APIError::noData;
+    auto body = jsonBody(response.body);
+    if (auto *error = std::get_if<APIError>(&body)) {
+        if (error->kind() == APIError::noData) {
+            qInfo().noquote() << "No data received from API";
+        } else {
+            qInfo().noquote() << "Failed to parse API response: " + error->description();
+        }
+        return std::move(*error);
     }
-    QJsonParseError parseError {};
-    const QJsonDocument document = QJsonDocument::fromJson(response.body, &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
-        qInfo().noquote() << "Failed to parse API response: " + parseError.errorString();
-        return APIError { APIError::jsonParsingFailed, parseError.errorString() };
-    }
-    const QJsonValue text = document.object().value(QLatin1String("text"));
-    if (!document.isObject() || !text.isString()) {
+    const QJsonValue text = std::get<QJsonObject>(body).value(QLatin1String("text"));
+    if (!text.isString()) {
         qInfo().noquote() << "Invalid response format from API";
         return APIError::invalidResponse;
     }

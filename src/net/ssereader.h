@@ -25,6 +25,7 @@ public:
     Status finish(const Sink &sink);
 
     [[nodiscard]] Status status() const { return m_lines.status(); }
+    [[nodiscard]] qsizetype maxLineLength() const { return m_lines.maxLineLength(); }
 
 private:
     LineSplitter m_lines;

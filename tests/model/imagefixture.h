@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QBuffer>
+#include <QImage>
 #include <QTemporaryDir>
-
-#include <stb_image_write.h>
 
 #include <memory>
 
@@ -72,12 +72,12 @@ public:
         if (qstrcmp(format, "PNG") == 0) {
             return zentrik::ImageCodec::encodePng(bitmap);
         }
+        const QImage image(reinterpret_cast<const uchar *>(bitmap.pixels.constData()), width, height,
+            qsizetype(width) * 3, QImage::Format_RGB888);
         QByteArray jpeg;
-        stbi_write_jpg_to_func(
-            [](void *context, void *data, int size) {
-                static_cast<QByteArray *>(context)->append(static_cast<const char *>(data), size);
-            },
-            &jpeg, width, height, 3, bitmap.pixels.constData(), 95);
+        QBuffer buffer(&jpeg);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "JPG", 95);
         return jpeg;
     }
 

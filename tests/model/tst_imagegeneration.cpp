@@ -417,6 +417,29 @@ private Q_SLOTS:
         QByteArray huge = ImageFixture::picture("PNG", 4, 4);
         huge.replace(16, 8, QByteArray::fromHex("0000ea600000ea60"));
         QTest::newRow("claims a huge size") << huge;
+        // A BMP header (no checksum to get wrong) that claims 60000 × 60000 pixels and
+        // carries none of them: refused before anything is allocated.
+        QByteArray bmp("BM", 2);
+        const auto le32 = [&bmp](quint32 value) {
+            for (int shift = 0; shift < 32; shift += 8) {
+                bmp.append(char((value >> shift) & 0xff));
+            }
+        };
+        le32(54 + 16);
+        le32(0);
+        le32(54);
+        le32(40);
+        le32(60000);
+        le32(60000);
+        bmp.append("\x01\x00\x18\x00", 4); // one plane, 24 bits
+        le32(0);
+        le32(0);
+        le32(2835);
+        le32(2835);
+        le32(0);
+        le32(0);
+        bmp.append(QByteArray(16, '\x7f'));
+        QTest::newRow("BMP claims a huge size") << bmp;
     }
 
     void codecRefusesWhatIsNoPicture()
@@ -424,6 +447,52 @@ private Q_SLOTS:
         QFETCH(QByteArray, bytes);
         QVERIFY(!ImageCodec::decode(bytes));
         QVERIFY(ImageCodec::toPng(bytes).isEmpty());
+    }
+
+    // Pixels survive a PNG round trip for every channel count; an odd width catches rows
+    // read or written with the line padding of the decoder's own buffers.
+    void codecRoundTripsPixels_data()
+    {
+        QTest::addColumn<int>("channels");
+        QTest::addColumn<int>("decodedChannels");
+        QTest::newRow("grey") << 1 << 1;
+        QTest::newRow("grey and alpha") << 2 << 4;
+        QTest::newRow("RGB") << 3 << 3;
+        QTest::newRow("RGBA") << 4 << 4;
+    }
+
+    void codecRoundTripsPixels()
+    {
+        QFETCH(int, channels);
+        QFETCH(int, decodedChannels);
+        const int width = 7;
+        const int height = 5;
+        Bitmap bitmap { width, height, channels, QByteArray(qsizetype(width) * height * channels, '\0') };
+        for (qsizetype i = 0; i < bitmap.pixels.size(); ++i) {
+            bitmap.pixels[i] = char((i * 37 + 11) % 256);
+        }
+        const QByteArray png = ImageCodec::encodePng(bitmap);
+        QVERIFY(ImageCodec::isPng(png));
+        const std::optional<Bitmap> decoded = ImageCodec::decode(png);
+        QVERIFY(decoded);
+        QCOMPARE(QSize(decoded->width, decoded->height), QSize(width, height));
+        QCOMPARE(decoded->channels, decodedChannels);
+        QCOMPARE(decoded->pixels.size(), qsizetype(width) * height * decodedChannels);
+        for (qsizetype pixel = 0; pixel < qsizetype(width) * height; ++pixel) {
+            for (int c = 0; c < decodedChannels; ++c) {
+                // Grey and alpha comes back as RGBA with the grey in red, green and blue.
+                const int source = channels == 2 ? (c < 3 ? 0 : 1) : c;
+                QCOMPARE(quint8(decoded->pixels.at(pixel * decodedChannels + c)),
+                    quint8(bitmap.pixels.at(pixel * channels + source)));
+            }
+        }
+    }
+
+    void codecRefusesAMalformedBitmap()
+    {
+        QVERIFY(ImageCodec::encodePng(Bitmap { 4, 4, 3, QByteArray(4 * 4 * 3 - 1, '\0') }).isEmpty());
+        QVERIFY(ImageCodec::encodePng(Bitmap { 4, 4, 5, QByteArray(4 * 4 * 5, '\0') }).isEmpty());
+        QVERIFY(ImageCodec::encodePng(Bitmap { 0, 4, 3, {} }).isEmpty());
     }
 };
 
