@@ -64,6 +64,9 @@ set(zentrik_runtime_depends
   qml6-module-qtquick-controls qml6-module-qtquick-templates qml6-module-qtquick-layouts
   qml6-module-qtquick-window qml6-module-qtquick-dialogs qml6-module-qt-labs-platform
   qml6-module-qtquick-shapes qml6-module-qtquick-pdf
+  # the file dialogs Qt Quick draws itself list folders through this one; without it
+  # opening a file dialog brings the whole program down
+  qml6-module-qt-labs-folderlistmodel
   # the xcb platform plugin, without which no window opens
   qt6-qpa-plugins
   # recording: Qt Multimedia's GStreamer backend needs the PulseAudio source, the MPEG-4

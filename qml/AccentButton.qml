@@ -1,25 +1,56 @@
 import QtQuick
 import QtQuick.Controls
-import QtQuick.Controls.Material
+import QtQuick.Layouts
+import Zentrik
 
-// The main action of a screen, filled with the accent colour. Material draws a raised
-// button's shadow with a shader effect, which the software renderer (no GPU: virtual
-// machines, remote sessions, Xvfb) cannot run; the whole background then disappears and
-// leaves white text on the page. A plain rectangle looks the same with either renderer.
+// The main action of a screen, filled with the accent colour (or red when it destroys
+// something). Material draws a raised button through a shader effect that the software
+// renderer cannot run, which leaves only the label on the page; a plain rectangle looks the
+// same with either renderer. Return presses the button like Space does.
 Button {
     id: control
 
-    highlighted: true
+    property bool destructive: false
+    // A symbol name drawn before the label, empty for none.
+    property string symbol
+
+    readonly property color fill: destructive ? Theme.dangerColor : Theme.accentColor
+    readonly property color ink: destructive ? Theme.onDangerColor : Theme.onAccentColor
+
+    Accessible.name: text
+    Keys.onReturnPressed: if (enabled) clicked()
+    Keys.onEnterPressed: if (enabled) clicked()
+
+    contentItem: RowLayout {
+        spacing: 6
+        SymbolIcon {
+            visible: control.symbol.length > 0
+            symbol: control.symbol
+            size: 18
+            color: label.color
+        }
+        Label {
+            id: label
+            Layout.fillWidth: true
+            text: control.text
+            font: control.font
+            color: control.enabled ? control.ink : Theme.secondaryTextColor
+            horizontalAlignment: Text.AlignHCenter
+            elide: Text.ElideRight
+        }
+    }
 
     background: Rectangle {
         implicitWidth: 64
-        implicitHeight: control.Material.buttonHeight
-        radius: 4
-        color: !control.enabled ? control.Material.buttonDisabledColor
-             : control.down ? Qt.darker(control.Material.accentColor, 1.15)
-             : control.hovered ? Qt.lighter(control.Material.accentColor, 1.1)
-             : control.Material.accentColor
-        border.width: control.visualFocus ? 2 : 0
-        border.color: control.Material.foreground
+        implicitHeight: 36
+        radius: 6
+        color: !control.enabled ? Theme.controlColor
+             : control.down ? Qt.darker(control.fill, 1.15)
+             : control.hovered ? Qt.lighter(control.fill, 1.08)
+             : control.fill
+
+        FocusRing {
+            owner: control
+        }
     }
 }

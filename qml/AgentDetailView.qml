@@ -27,7 +27,7 @@ ScrollingPage {
         font.pixelSize: 16
     }
 
-    Button {
+    PlainButton {
         objectName: "backToAgents"
         Layout.topMargin: 16
         text: qsTr("Back to all agents")

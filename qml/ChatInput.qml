@@ -40,8 +40,7 @@ RowLayout {
         objectName: "sendButton"
         text: input.buttonText
         enabled: !input.busy && field.text.trim().length > 0
-        icon.name: ""
-        Accessible.name: input.buttonText
+        symbol: input.buttonSymbol
         onClicked: input.submitted()
     }
 }

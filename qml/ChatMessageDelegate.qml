@@ -74,9 +74,9 @@ Rectangle {
             spacing: 6
             Repeater {
                 model: bubble.citedPages
-                Button {
+                PlainButton {
                     required property int modelData
-                    flat: true
+                    radius: height / 2
                     text: qsTr("Page %1").arg(modelData)
                     Accessible.name: qsTr("Go to page %1").arg(modelData)
                     onClicked: bubble.pageLinkActivated(modelData)

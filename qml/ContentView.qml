@@ -13,7 +13,8 @@ ApplicationWindow {
     minimumWidth: 960
     minimumHeight: 640
     visible: true
-    title: licenseGate.isLicenseVerified ? qsTr("Zentrik — %1").arg(contentModel.screenTitle) : qsTr("Zentrik")
+    // The desktop adds " — Zentrik" (the application's display name) after the title itself.
+    title: licenseGate.isLicenseVerified ? contentModel.screenTitle : qsTr("Zentrik")
     color: Theme.windowColor
     // Buttons read as written ("Save", "Send Redacted"), not in capitals.
     font.capitalization: Font.MixedCase
@@ -31,6 +32,23 @@ ApplicationWindow {
     ContentViewModel {
         id: contentModel
         objectName: "navigation"
+    }
+
+    // Popups that Qt Quick builds itself (the file dialogs, tool tips) paint their body
+    // through a shader-made shadow, which the software renderer leaves out together with the
+    // body. Each popup's parts are drawn plainly instead, with either renderer.
+    Connections {
+        target: stage.Overlay.overlay
+        function onChildrenChanged() {
+            const popupItems = stage.Overlay.overlay.children
+            for (let i = 0; i < popupItems.length; ++i) {
+                const parts = popupItems[i].children
+                for (let j = 0; j < parts.length; ++j) {
+                    if (parts[j].layer && parts[j].layer.enabled)
+                        parts[j].layer.enabled = false
+                }
+            }
+        }
     }
 
     Shortcut {

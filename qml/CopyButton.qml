@@ -15,6 +15,9 @@ Button {
     property bool compact: false
 
     flat: true
+    background: QuietBackground {
+        owner: button
+    }
     Accessible.name: copier.label
     ToolTip.visible: compact && hovered
     ToolTip.text: copier.label

@@ -73,13 +73,16 @@ ScrollingPage {
             Layout.fillWidth: true
             placeholderText: page.isDebugger ? qsTr("Paste your code here...") : qsTr("Describe your data here...")
             buttonText: devTool.buttonText
+            buttonSymbol: page.isDebugger ? "paperplane.fill" : "gear"
             busy: devTool.isProcessing
             text: devTool.input
             onTextChanged: devTool.input = text
             onSubmitted: devTool.send()
         }
-        Button {
+        PlainButton {
+            objectName: "stopButton"
             visible: devTool.isStreaming
+            symbol: "stop.fill"
             text: qsTr("Stop")
             onClicked: devTool.stop()
         }

@@ -43,7 +43,7 @@ ColumnLayout {
         }
     }
 
-    ComboBox {
+    SelectBox {
         objectName: field.fieldData.type === "select" ? "field:" + field.fieldData.label : ""
         visible: field.fieldData.type === "select"
         Layout.fillWidth: true

@@ -34,11 +34,12 @@ ScrollingPage {
     ScreenHeading {
         Layout.fillWidth: true
         title: generator.familyName
-        symbol: "pencil"
+        symbol: generator.assistantIcon.length > 0 ? generator.assistantIcon : "pencil"
+        tint: generator.assistantColor.length > 0 ? Theme.color(generator.assistantColor) : Theme.accentColor
         subtitle: generator.assistantDescription
     }
 
-    ComboBox {
+    SelectBox {
         objectName: "assistantPicker"
         Layout.fillWidth: true
         Layout.maximumWidth: 520
@@ -74,8 +75,9 @@ ScrollingPage {
             visible: running
             Layout.preferredHeight: 32
         }
-        Button {
+        PlainButton {
             objectName: "stopButton"
+            symbol: "stop.fill"
             visible: generator.isGenerating
             text: qsTr("Stop")
             Accessible.name: qsTr("Stop generating")

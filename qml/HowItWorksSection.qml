@@ -12,6 +12,8 @@ ColumnLayout {
     spacing: 10
 
     ItemDelegate {
+        id: howItWorksToggleButton
+        background: QuietBackground { owner: howItWorksToggleButton }
         objectName: "howItWorksToggle"
         Layout.fillWidth: true
         Accessible.name: qsTr("How It Works")

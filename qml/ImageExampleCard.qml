@@ -32,6 +32,8 @@ Rectangle {
                 font.bold: true
             }
             Button {
+                id: copyExampleButton
+                background: QuietBackground { owner: copyExampleButton }
                 objectName: "copyExample_" + card.title
                 flat: true
                 Accessible.name: card.copied ? qsTr("Copied") : qsTr("Use this prompt")

@@ -18,6 +18,8 @@ ColumnLayout {
     spacing: 10
 
     Button {
+        id: examplesToggleButton
+        background: QuietBackground { owner: examplesToggleButton }
         objectName: "examplesToggle"
         flat: true
         Accessible.name: qsTr("Examples You Can Use")

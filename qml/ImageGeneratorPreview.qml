@@ -58,6 +58,8 @@ ColumnLayout {
         }
 
         Button {
+            id: saveImageButton
+            background: QuietBackground { owner: saveImageButton }
             objectName: "saveButton"
             flat: true
             enabled: !preview.busy

@@ -109,14 +109,15 @@ ScrollingPage {
         onCopyRequested: index => studio.copyExample(index)
     }
 
-    FileDialog {
+    FilePicker {
         id: saveDialog
         objectName: "saveDialog"
         title: qsTr("Save Image")
         fileMode: FileDialog.SaveFile
+        acceptLabel: qsTr("Save")
         defaultSuffix: "png"
         nameFilters: [qsTr("PNG images (*.png)")]
         selectedFile: studio.suggestedFileUrl
-        onAccepted: studio.save(selectedFile)
+        onAccepted: file => studio.save(file)
     }
 }

@@ -35,6 +35,8 @@ RowLayout {
     }
 
     ToolButton {
+        id: revealButton
+        background: QuietBackground { owner: revealButton }
         text: Theme.glyph(field.revealed ? "eye.slash" : "eye")
         font.family: Theme.iconFontFamily
         font.pixelSize: 18

@@ -5,7 +5,7 @@ import Zentrik
 
 // Picks one model of a catalogue; each entry shows its name with its badge (text models)
 // or its feature tags (image models).
-ComboBox {
+SelectBox {
     id: picker
 
     property var models: []
@@ -34,6 +34,8 @@ ComboBox {
     }
 
     delegate: ItemDelegate {
+        id: modelRow
+        background: QuietBackground { owner: modelRow; highlighted: modelRow.highlighted }
         required property var modelData
         required property int index
         width: ListView.view ? ListView.view.width : implicitWidth

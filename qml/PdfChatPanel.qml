@@ -26,12 +26,12 @@ ScrollingPage {
 
     RowLayout {
         spacing: 10
-        Button {
+        PlainButton {
             objectName: "openPdfButton"
             text: qsTr("Open PDF…")
             onClicked: panel.openRequested()
         }
-        Button {
+        PlainButton {
             objectName: "summarizeButton"
             text: panel.chat.isSummarizing ? qsTr("Summarizing...") : qsTr("Summarize")
             enabled: panel.chat.hasDocument && !panel.chat.isSummarizing

@@ -23,11 +23,12 @@ Item {
         source: pdfChat.source
     }
 
-    FileDialog {
+    FilePicker {
         id: openDialog
+        objectName: "openPdfDialog"
         title: qsTr("Open a PDF")
         nameFilters: [qsTr("PDF documents (*.pdf)")]
-        onAccepted: pdfChat.open(selectedFile)
+        onAccepted: file => pdfChat.open(file)
     }
 
     DropArea {

@@ -4,8 +4,9 @@ import QtQuick.Layouts
 import Zentrik
 
 // Asks whether to send a message as typed or with its personal information replaced.
-// Escape closes it without sending anything; the tool keeps its input.
-Dialog {
+// Escape closes it without sending anything; the tool keeps its input. "Send Redacted" is the
+// default: it has the focus when the dialog opens, so Return sends the redacted copy.
+AppDialog {
     id: dialog
 
     required property PiiAlertViewModel alert
@@ -14,12 +15,9 @@ Dialog {
     signal sendRedacted
 
     objectName: "piiAlertView"
-    parent: Overlay.overlay
-    anchors.centerIn: parent
     width: Math.min(parent ? parent.width - 80 : 640, 640)
-    modal: true
     visible: alert.showAlert
-    closePolicy: Popup.CloseOnEscape
+    onOpened: sendRedactedButton.forceActiveFocus(Qt.TabFocusReason)
     onClosed: alert.showAlert = false
 
     header: ColumnLayout {
@@ -66,21 +64,19 @@ Dialog {
         }
     }
 
-    footer: DialogButtonBox {
-        Button {
+    footer: DialogFooter {
+        PlainButton {
             objectName: "sendOriginalButton"
             text: qsTr("Send Original")
-            flat: true
-            Accessible.name: text
             onClicked: {
                 dialog.alert.showAlert = false
                 dialog.sendOriginal()
             }
         }
         AccentButton {
+            id: sendRedactedButton
             objectName: "sendRedactedButton"
             text: qsTr("Send Redacted")
-            Accessible.name: text
             onClicked: {
                 dialog.alert.showAlert = false
                 dialog.sendRedacted()

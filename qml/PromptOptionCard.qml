@@ -14,12 +14,17 @@ AbstractButton {
     hoverEnabled: true
     Accessible.name: text
     Accessible.role: Accessible.Button
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: 12
         color: card.hovered ? Qt.tint(Theme.cardColor, Theme.hoverColor) : Theme.cardColor
-        border.color: card.visualFocus ? Theme.accentColor : Theme.cardBorderColor
-        border.width: card.visualFocus ? 2 : 1
+        border.color: Theme.cardBorderColor
+
+        FocusRing {
+            owner: card
+        }
     }
 
     contentItem: Item {

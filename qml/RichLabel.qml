@@ -13,6 +13,7 @@ TextEdit {
     color: Theme.textColor
     selectionColor: Theme.selectionColor
     selectedTextColor: Theme.textColor
+    palette.link: Theme.linkColor
     font.pixelSize: 15
     Accessible.role: Accessible.StaticText
     Accessible.name: getText(0, length)

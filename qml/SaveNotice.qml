@@ -3,19 +3,17 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// The notice after a save; Escape, OK or a click outside dismiss it.
-Dialog {
+// The notice after a save; Escape, Return (OK has the focus), OK or a click outside dismiss it.
+AppDialog {
     id: notice
 
     required property SettingsViewModel settings
 
     objectName: "saveNotice"
-    parent: Overlay.overlay
-    anchors.centerIn: parent
-    modal: true
+    closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
     title: qsTr("Settings Saved")
     visible: settings.showingSaveConfirmation
-    standardButtons: Dialog.Ok
+    onOpened: okButton.forceActiveFocus(Qt.TabFocusReason)
     onClosed: settings.dismissSaveConfirmation()
 
     RowLayout {
@@ -26,6 +24,15 @@ Dialog {
         }
         Label {
             text: qsTr("Your changes have been saved successfully.")
+        }
+    }
+
+    footer: DialogFooter {
+        AccentButton {
+            id: okButton
+            objectName: "saveNoticeOk"
+            text: qsTr("OK")
+            DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
         }
     }
 }

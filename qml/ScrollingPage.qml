@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-// A screen's scrolling body: a centred column no wider than maxContentWidth.
+// A screen's scrolling body: a column no wider than maxContentWidth, at the same distance from
+// the sidebar on every screen. The control that takes the keyboard focus is scrolled into view.
 ScrollView {
     id: page
 
@@ -10,13 +11,40 @@ ScrollView {
     property int maxContentWidth: 1120
     property int margin: 32
 
+    // Brings a control inside the page fully into view, with a little room around it.
+    function reveal(item) {
+        let ancestor = item
+        while (ancestor && ancestor !== column)
+            ancestor = ancestor.parent
+        const flickable = page.contentItem
+        if (!ancestor || !flickable || flickable.contentY === undefined)
+            return
+        const top = item.mapToItem(column, 0, 0).y + column.y
+        const bottom = top + item.height
+        const room = 16
+        if (top - room < flickable.contentY)
+            flickable.contentY = Math.max(0, top - room)
+        else if (bottom + room > flickable.contentY + flickable.height)
+            flickable.contentY = Math.max(0, Math.min(flickable.contentHeight - flickable.height,
+                                                      bottom + room - flickable.height))
+    }
+
     contentWidth: availableWidth
     contentHeight: column.implicitHeight + 2 * margin
     clip: true
 
+    Connections {
+        target: page.Window.window
+        function onActiveFocusItemChanged() {
+            const item = page.Window.window.activeFocusItem
+            if (item)
+                page.reveal(item)
+        }
+    }
+
     ColumnLayout {
         id: column
-        x: Math.max(page.margin, (page.availableWidth - width) / 2)
+        x: page.margin
         y: page.margin
         width: Math.min(page.availableWidth - 2 * page.margin, page.maxContentWidth)
         spacing: 16

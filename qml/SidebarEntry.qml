@@ -3,7 +3,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// One sidebar row: its symbol and label, marked while selected.
+// One sidebar row: its symbol and label, marked while selected and ringed while the keyboard
+// cursor of the list is on it. The list takes the focus, not the row.
 ItemDelegate {
     id: entry
 
@@ -11,11 +12,13 @@ ItemDelegate {
     required property string label
     required property string symbol
     required property bool selected
+    property bool keyboardCurrent: false
 
     signal activated
 
     objectName: "sidebar:" + label
     height: 40
+    focusPolicy: Qt.NoFocus
     highlighted: selected
     Accessible.name: label
     Accessible.role: Accessible.ListItem
@@ -28,6 +31,8 @@ ItemDelegate {
         anchors.rightMargin: 8
         radius: 8
         color: entry.selected ? Theme.selectionColor : entry.hovered ? Theme.hoverColor : "transparent"
+        border.width: entry.keyboardCurrent ? 2 : 0
+        border.color: Theme.focusColor
     }
 
     contentItem: RowLayout {
@@ -38,11 +43,11 @@ ItemDelegate {
             size: 20
             color: entry.selected ? Theme.accentColor : Theme.secondaryTextColor
         }
+        // The same weight whether selected or not, so that a long name that fits stays whole.
         Label {
             Layout.fillWidth: true
             text: entry.label
             elide: Text.ElideRight
-            font.bold: entry.selected
         }
     }
 }

@@ -4,7 +4,8 @@ import QtQuick.Layouts
 import Zentrik
 
 // Home, the standalone tools, the categories and Settings, with the appearance switch at
-// the bottom.
+// the bottom. The list is one Tab stop: the arrow keys move within it, Return or Space opens
+// the entry under the focus ring.
 Rectangle {
     id: sidebar
 
@@ -23,6 +24,7 @@ Rectangle {
             text: qsTr("Zentrik")
             font.pixelSize: 22
             font.bold: true
+            Accessible.role: Accessible.Heading
         }
 
         ListView {
@@ -32,6 +34,9 @@ Rectangle {
             Layout.fillHeight: true
             clip: true
             boundsBehavior: Flickable.StopAtBounds
+            activeFocusOnTab: true
+            keyNavigationEnabled: true
+            highlightFollowsCurrentItem: false
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Navigation")
             model: SidebarModel {
@@ -44,8 +49,16 @@ Rectangle {
             }
             delegate: SidebarEntry {
                 width: entries.width
+                keyboardCurrent: entries.activeFocus && ListView.isCurrentItem
                 onActivated: sidebarModel.activate(index)
+                // The keyboard cursor starts on the open screen.
+                onSelectedChanged: if (selected) entries.currentIndex = index
+                Component.onCompleted: if (selected) entries.currentIndex = index
             }
+            onCurrentIndexChanged: positionViewAtIndex(currentIndex, ListView.Contain)
+            Keys.onReturnPressed: sidebarModel.activate(currentIndex)
+            Keys.onEnterPressed: sidebarModel.activate(currentIndex)
+            Keys.onSpacePressed: sidebarModel.activate(currentIndex)
             ScrollBar.vertical: ScrollBar {}
         }
 
@@ -58,6 +71,37 @@ Rectangle {
             checked: Theme.isDarkMode
             Accessible.name: text
             onToggled: Theme.isDarkMode = checked
+            Keys.onReturnPressed: {
+                toggle()
+                toggled()
+            }
+
+            // A track and a knob of plain shapes: Material's knob is drawn through a shader
+            // effect that the software renderer leaves out.
+            indicator: Rectangle {
+                objectName: "darkModeTrack"
+                x: darkModeSwitch.leftPadding
+                y: darkModeSwitch.topPadding + (darkModeSwitch.availableHeight - height) / 2
+                implicitWidth: 40
+                implicitHeight: 22
+                radius: height / 2
+                color: darkModeSwitch.checked ? Theme.accentColor : Theme.controlColor
+                border.color: darkModeSwitch.checked ? Theme.accentColor : Theme.secondaryTextColor
+
+                Rectangle {
+                    objectName: "darkModeKnob"
+                    width: 16
+                    height: 16
+                    radius: 8
+                    y: 3
+                    x: darkModeSwitch.checked ? parent.width - width - 3 : 3
+                    color: darkModeSwitch.checked ? Theme.onAccentColor : Theme.secondaryTextColor
+                }
+
+                FocusRing {
+                    owner: darkModeSwitch
+                }
+            }
         }
     }
 }

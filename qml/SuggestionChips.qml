@@ -16,12 +16,17 @@ Flow {
 
     Repeater {
         model: chips.suggestions
-        Button {
+        PlainButton {
             required property string modelData
-            checkable: true
+            objectName: "suggestion:" + modelData
+            radius: height / 2
+            // The model decides what is chosen; the chip only shows it.
+            checkable: false
             checked: chips.selected === modelData
             text: modelData
-            Accessible.name: modelData
+            Accessible.role: Accessible.CheckBox
+            Accessible.checkable: true
+            Accessible.checked: checked
             onClicked: chips.toggled(modelData)
         }
     }

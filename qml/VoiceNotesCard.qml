@@ -40,6 +40,8 @@ Rectangle {
                 textFormat: Text.PlainText
             }
             ToolButton {
+                id: copyButton
+                background: QuietBackground { owner: copyButton }
                 objectName: "copyNoteButton"
                 Accessible.name: card.copied ? qsTr("Copied!") : qsTr("Copy transcription")
                 ToolTip.visible: hovered || card.copied
@@ -51,6 +53,8 @@ Rectangle {
                 }
             }
             ToolButton {
+                id: editButton
+                background: QuietBackground { owner: editButton }
                 objectName: "editNoteButton"
                 Accessible.name: qsTr("Edit")
                 ToolTip.visible: hovered
@@ -62,6 +66,8 @@ Rectangle {
                 }
             }
             ToolButton {
+                id: deleteButton
+                background: QuietBackground { owner: deleteButton }
                 objectName: "deleteNoteButton"
                 Accessible.name: qsTr("Delete")
                 ToolTip.visible: hovered

@@ -3,19 +3,17 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// Asks before a note is deleted; Escape keeps it.
-Dialog {
+// Asks before a note is deleted; Escape keeps it. Cancel has the focus, so a stray Return
+// deletes nothing.
+AppDialog {
     id: dialog
 
     required property VoiceNotesViewModel voiceNotes
 
     objectName: "deleteNoteDialog"
-    parent: Overlay.overlay
-    anchors.centerIn: parent
     width: Math.min(parent ? parent.width - 80 : 480, 480)
-    modal: true
     visible: voiceNotes.showDeleteConfirmation
-    closePolicy: Popup.CloseOnEscape
+    onOpened: cancelButton.forceActiveFocus(Qt.TabFocusReason)
     title: qsTr("Delete Voice Note?")
     onClosed: voiceNotes.cancelDelete()
 
@@ -25,16 +23,17 @@ Dialog {
         wrapMode: Text.Wrap
     }
 
-    footer: DialogButtonBox {
-        Button {
+    footer: DialogFooter {
+        PlainButton {
+            id: cancelButton
             objectName: "cancelDeleteButton"
             text: qsTr("Cancel")
-            flat: true
             onClicked: dialog.voiceNotes.cancelDelete()
         }
         AccentButton {
             objectName: "confirmDeleteButton"
             text: qsTr("Delete")
+            destructive: true
             onClicked: dialog.voiceNotes.confirmDelete()
         }
     }

@@ -5,18 +5,15 @@ import Zentrik
 
 // Edits a note's title and transcription. Save keeps the note's id and date; Cancel and
 // Escape leave the note as it was.
-Dialog {
+AppDialog {
     id: dialog
 
     required property VoiceNoteEditor editor
 
     objectName: "voiceNoteEditor"
-    parent: Overlay.overlay
-    anchors.centerIn: parent
     width: Math.min(parent ? parent.width - 80 : 640, 640)
-    modal: true
     visible: editor.isOpen
-    closePolicy: Popup.CloseOnEscape
+    onOpened: titleField.forceActiveFocus(Qt.TabFocusReason)
     title: qsTr("Edit Voice Note")
     onClosed: if (editor.isOpen) editor.cancel()
 
@@ -29,6 +26,7 @@ Dialog {
             font.bold: true
         }
         TextField {
+            id: titleField
             objectName: "noteTitleField"
             Layout.fillWidth: true
             placeholderText: qsTr("Title")
@@ -53,11 +51,10 @@ Dialog {
         }
     }
 
-    footer: DialogButtonBox {
-        Button {
+    footer: DialogFooter {
+        PlainButton {
             objectName: "cancelEditButton"
             text: qsTr("Cancel")
-            flat: true
             onClicked: dialog.editor.cancel()
         }
         AccentButton {

@@ -90,13 +90,15 @@ Rectangle {
                 color: Theme.warningColor
                 wrapMode: Text.Wrap
             }
-            Button {
+            PlainButton {
                 objectName: "retryButton"
                 visible: panel.voiceNotes.canRetry
                 text: qsTr("Retry")
                 onClicked: panel.voiceNotes.retryTranscription()
             }
             Button {
+                id: dismissButton
+                background: QuietBackground { owner: dismissButton }
                 flat: true
                 text: qsTr("Dismiss")
                 onClicked: panel.voiceNotes.dismissError()

@@ -5,6 +5,8 @@
 #include "app/symbolglyphs.h"
 
 #include <QFontDatabase>
+#include <QGuiApplication>
+#include <QPalette>
 
 namespace zentrik {
 
@@ -16,7 +18,22 @@ Theme::Theme(QObject *parent)
     : QObject(parent)
     , m_isDarkMode(m_preferences.boolean(darkModeKey, false))
     , m_iconFontFamily(loadIconFont())
-{ }
+{
+    applyLinkColor();
+}
+
+// Rich text takes the colour of its links from the application's palette when it is laid
+// out; the default pure blue is unreadable on the dark surfaces.
+void Theme::applyLinkColor() const
+{
+    if (qobject_cast<QGuiApplication *>(QCoreApplication::instance()) == nullptr) {
+        return;
+    }
+    QPalette palette = QGuiApplication::palette();
+    palette.setColor(QPalette::Link, linkColor());
+    palette.setColor(QPalette::LinkVisited, linkColor());
+    QGuiApplication::setPalette(palette);
+}
 
 void Theme::setDarkMode(bool dark)
 {
@@ -25,6 +42,7 @@ void Theme::setDarkMode(bool dark)
     }
     m_isDarkMode = dark;
     m_preferences.setBoolean(darkModeKey, dark);
+    applyLinkColor();
     Q_EMIT isDarkModeChanged();
 }
 
@@ -68,9 +86,11 @@ QColor Theme::secondaryTextColor() const
     return pick(0xff5f5f66, 0xffaeaeb2);
 }
 
+// The accent and warning colours are darker (light) or lighter (dark) than the catalogue's
+// blue and orange, so that text in them keeps a contrast of at least 4.5:1 on every surface.
 QColor Theme::accentColor() const
 {
-    return displayColor(QStringLiteral("blue"), m_isDarkMode);
+    return pick(0xff0062cc, 0xff4da3ff);
 }
 
 QColor Theme::selectionColor() const
@@ -90,7 +110,42 @@ QColor Theme::codeBackgroundColor() const
 
 QColor Theme::warningColor() const
 {
-    return displayColor(QStringLiteral("orange"), m_isDarkMode);
+    return pick(0xffa84b00, 0xffff9f0a);
+}
+
+QColor Theme::onAccentColor() const
+{
+    return pick(0xffffffff, 0xff1c1c1e);
+}
+
+QColor Theme::dangerColor() const
+{
+    return pick(0xffc4001a, 0xffff6b6b);
+}
+
+QColor Theme::onDangerColor() const
+{
+    return pick(0xffffffff, 0xff1c1c1e);
+}
+
+QColor Theme::linkColor() const
+{
+    return accentColor();
+}
+
+QColor Theme::popupColor() const
+{
+    return pick(0xffffffff, 0xff2c2c2e);
+}
+
+QColor Theme::controlColor() const
+{
+    return pick(0xffe9e9ee, 0xff3a3a3c);
+}
+
+QColor Theme::focusColor() const
+{
+    return accentColor();
 }
 
 QString Theme::emojiFontFamily() const

@@ -29,6 +29,13 @@ class Theme : public QObject
     Q_PROPERTY(QColor hoverColor READ hoverColor NOTIFY isDarkModeChanged FINAL)
     Q_PROPERTY(QColor codeBackgroundColor READ codeBackgroundColor NOTIFY isDarkModeChanged FINAL)
     Q_PROPERTY(QColor warningColor READ warningColor NOTIFY isDarkModeChanged FINAL)
+    Q_PROPERTY(QColor onAccentColor READ onAccentColor NOTIFY isDarkModeChanged FINAL)
+    Q_PROPERTY(QColor dangerColor READ dangerColor NOTIFY isDarkModeChanged FINAL)
+    Q_PROPERTY(QColor onDangerColor READ onDangerColor NOTIFY isDarkModeChanged FINAL)
+    Q_PROPERTY(QColor linkColor READ linkColor NOTIFY isDarkModeChanged FINAL)
+    Q_PROPERTY(QColor popupColor READ popupColor NOTIFY isDarkModeChanged FINAL)
+    Q_PROPERTY(QColor controlColor READ controlColor NOTIFY isDarkModeChanged FINAL)
+    Q_PROPERTY(QColor focusColor READ focusColor NOTIFY isDarkModeChanged FINAL)
     Q_PROPERTY(QString iconFontFamily READ iconFontFamily CONSTANT FINAL)
     Q_PROPERTY(QString emojiFontFamily READ emojiFontFamily CONSTANT FINAL)
     Q_PROPERTY(QString monospaceFontFamily READ monospaceFontFamily CONSTANT FINAL)
@@ -52,6 +59,17 @@ public:
     [[nodiscard]] QColor hoverColor() const;
     [[nodiscard]] QColor codeBackgroundColor() const;
     [[nodiscard]] QColor warningColor() const;
+    // Text and symbols drawn on an accent or danger fill.
+    [[nodiscard]] QColor onAccentColor() const;
+    [[nodiscard]] QColor dangerColor() const;
+    [[nodiscard]] QColor onDangerColor() const;
+    [[nodiscard]] QColor linkColor() const;
+    // The body of every popup and dialog: always opaque, so nothing behind shows through.
+    [[nodiscard]] QColor popupColor() const;
+    // The fill of a button that is not the screen's main action.
+    [[nodiscard]] QColor controlColor() const;
+    // The ring around the control that has keyboard focus.
+    [[nodiscard]] QColor focusColor() const;
 
     [[nodiscard]] QString iconFontFamily() const { return m_iconFontFamily; }
     [[nodiscard]] QString emojiFontFamily() const;
@@ -70,6 +88,7 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] QColor pick(QRgb light, QRgb dark) const;
+    void applyLinkColor() const;
 
     Preferences m_preferences;
     bool m_isDarkMode = false;

@@ -172,6 +172,67 @@ private Q_SLOTS:
         QCOMPARE(displayColor(QStringLiteral("chartreuse"), true), displayColor(QStringLiteral("gray"), true));
         QVERIFY(!isDisplayColorName(QStringLiteral("chartreuse")));
     }
+
+    // Every colour the views put text in, on every surface it is put on, in both themes.
+    void textContrastIsAtLeastFourAndAHalf_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::addColumn<QString>("foreground");
+        QTest::addColumn<QString>("background");
+        const QStringList surfaces { QStringLiteral("windowColor"), QStringLiteral("cardColor"),
+            QStringLiteral("sidebarColor"), QStringLiteral("popupColor") };
+        const QList<std::pair<QString, QStringList>> pairs {
+            { QStringLiteral("textColor"),
+                surfaces
+                    + QStringList { QStringLiteral("controlColor"), QStringLiteral("codeBackgroundColor"),
+                        QStringLiteral("selectionColor") } },
+            { QStringLiteral("secondaryTextColor"), surfaces + QStringList { QStringLiteral("controlColor") } },
+            { QStringLiteral("accentColor"), surfaces },
+            { QStringLiteral("linkColor"), surfaces + QStringList { QStringLiteral("codeBackgroundColor") } },
+            { QStringLiteral("warningColor"), surfaces },
+            { QStringLiteral("dangerColor"), surfaces },
+            { QStringLiteral("onAccentColor"), { QStringLiteral("accentColor") } },
+            { QStringLiteral("onDangerColor"), { QStringLiteral("dangerColor") } },
+        };
+        for (const bool dark : { false, true }) {
+            for (const auto &[foreground, backgrounds] : pairs) {
+                for (const QString &background : backgrounds) {
+                    QTest::addRow(
+                        "%s %s on %s", dark ? "dark" : "light", qPrintable(foreground), qPrintable(background))
+                        << dark << foreground << background;
+                }
+            }
+        }
+    }
+
+    void textContrastIsAtLeastFourAndAHalf()
+    {
+        QFETCH(bool, dark);
+        QFETCH(QString, foreground);
+        QFETCH(QString, background);
+        const test::ScopedConfigDir config;
+        Theme theme;
+        theme.setDarkMode(dark);
+        const QColor text = theme.property(qPrintable(foreground)).value<QColor>();
+        QColor surface = theme.property(qPrintable(background)).value<QColor>();
+        QVERIFY(text.isValid() && surface.isValid());
+        // A translucent fill (the selection) is seen over the sidebar it marks.
+        if (surface.alphaF() < 1.0) {
+            const QColor under = theme.sidebarColor();
+            const qreal a = surface.alphaF();
+            surface = QColor::fromRgbF(surface.redF() * a + under.redF() * (1 - a),
+                surface.greenF() * a + under.greenF() * (1 - a), surface.blueF() * a + under.blueF() * (1 - a));
+        }
+        const auto luminance = [](const QColor &color) {
+            const auto channel = [](qreal c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+            return 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF()) + 0.0722 * channel(color.blueF());
+        };
+        const qreal lighter = std::max(luminance(text), luminance(surface));
+        const qreal darker = std::min(luminance(text), luminance(surface));
+        const qreal ratio = (lighter + 0.05) / (darker + 0.05);
+        QVERIFY2(ratio >= 4.5,
+            qPrintable(QStringLiteral("%1 on %2: %3:1").arg(text.name(), surface.name()).arg(ratio, 0, 'f', 2)));
+    }
 };
 ZENTRIK_TEST(AppearanceTest)
 

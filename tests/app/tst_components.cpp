@@ -48,6 +48,23 @@ ApplicationWindow {
 }
 )";
 
+// A file dialog whose folder module is missing, as on a system without it.
+const QByteArray filePickerHost = R"(
+import QtQuick
+import QtQuick.Controls
+import Zentrik
+ApplicationWindow {
+    width: 800; height: 600; visible: true
+    property int accepted: 0
+    FilePicker {
+        objectName: "picker"
+        title: "Open a PDF"
+        requiredModule: "Zentrik.Absent.Module"
+        onAccepted: accepted++
+    }
+}
+)";
+
 const QString sampleReply = QStringLiteral(
     "## Plan\n\nA **bold** start.\n\n- one\n- two\n  1. nested\n\n> quoted\n\n```python\nprint(\"hi\")\n```\n\n"
     "| Name | Qty |\n|:-----|----:|\n| pens | 3 |\n\n---\n\nThe end.");
@@ -131,6 +148,28 @@ private Q_SLOTS:
         // The next positive check opens the dialog again.
         QVERIFY(alert->checkForPII(QStringLiteral("Which user can pass the login?")));
         QTRY_VERIFY(visibleTexts(m_window.get()).contains(QStringLiteral("Which user can pass the login?")));
+    }
+
+    void fileDialogWithoutItsModuleExplainsInsteadOfOpening()
+    {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("File dialogs are unavailable")));
+        QVERIFY(load(filePickerHost));
+        QObject *picker = findObject(m_window.get(), QStringLiteral("picker"));
+        QVERIFY(picker);
+        QVERIFY(QMetaObject::invokeMethod(picker, "open"));
+        QObject *problem = findObject(m_window.get(), QStringLiteral("picker.problem"));
+        QVERIFY(problem);
+        QTRY_VERIFY(problem->property("opened").toBool());
+        const QString text = visibleTexts(m_window.get()).join(QLatin1Char('\n'));
+        QVERIFY2(text.contains(QLatin1String("Zentrik.Absent.Module")), qPrintable(text));
+        QVERIFY2(text.contains(QLatin1String("qml6-module-zentrik-absent-module")), qPrintable(text));
+        QVERIFY(!findObject(m_window.get(), QStringLiteral("picker.dialog")));
+        // OK has the focus: Return dismisses the message, and a second try says it again.
+        QTest::keyClick(m_window.get(), Qt::Key_Return);
+        QTRY_VERIFY(!problem->property("visible").toBool());
+        QVERIFY(QMetaObject::invokeMethod(picker, "open"));
+        QTRY_VERIFY(problem->property("opened").toBool());
+        QCOMPARE(m_window->property("accepted").toInt(), 0);
     }
 
     void replyShowsEveryKindOfBlock()

@@ -100,7 +100,7 @@ private Q_SLOTS:
         const auto app = openStudio(studio);
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        QCOMPARE(window->title(), QStringLiteral("Zentrik — Image Creation Studio"));
+        QCOMPARE(window->title(), QStringLiteral("Image Creation Studio"));
         for (const QString &text : { QStringLiteral("Enter your prompt:"), QStringLiteral("Select Image Size"),
                  QStringLiteral("Examples You Can Use"), QStringLiteral("256x256") }) {
             QVERIFY2(visibleTexts(window).contains(text), qPrintable(text));

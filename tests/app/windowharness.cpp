@@ -127,7 +127,7 @@ void saveScreenshots(QQuickWindow *window, const QString &name)
     }
     const QSize original = window->size();
     for (const auto &[size, suffix] : { std::pair { QSize(1280, 800), QString() },
-             std::pair { QSize(1024, 700), QStringLiteral("-1024x700") } }) {
+             std::pair { QSize(800, 600), QStringLiteral("-800x600") } }) {
         window->resize(size);
         QTest::qWait(300); // layouts and images settle over a few frames
         waitForFrame(window);
@@ -156,20 +156,39 @@ ScopedConfigDir::~ScopedConfigDir()
     qunsetenv("ZENTRIK_CONFIG_DIR");
 }
 
+// The renderer the program picks on a machine without a GPU, which is where controls have
+// gone missing before: Qt Quick's software renderer runs no shader effects.
+// Chosen once, before the first window: the scene graph keeps its first choice.
+void useSoftwareRenderer()
+{
+    static const bool chosen = [] {
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        return true;
+    }();
+    Q_UNUSED(chosen)
+}
+
 void prepareEngine(QQmlEngine &engine)
 {
+    useSoftwareRenderer();
     ZentrikApp::configureApplication();
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
 }
 
 std::unique_ptr<ZentrikApp> startApp()
 {
+    useSoftwareRenderer();
     ZentrikApp::configureApplication();
     auto app = std::make_unique<ZentrikApp>();
     if (!app->load()) {
         return nullptr;
     }
     if (!QTest::qWaitForWindowExposed(app->window())) {
+        return nullptr;
+    }
+    // Keys go to the active window only; without a window manager nothing activates it.
+    app->window()->requestActivate();
+    if (!QTest::qWaitForWindowActive(app->window())) {
         return nullptr;
     }
     return app;

@@ -33,8 +33,8 @@ bool waitForFrame(QQuickWindow *window);
 [[nodiscard]] bool click(QQuickItem *item);
 
 // With ZENTRIK_SCREENSHOT_DIR set, saves the window as <name>.png at 1280×800 and as
-// <name>-1024x700.png at 1024×700, for the README and for checking the layout at both
-// sizes by eye. Does nothing otherwise.
+// <name>-800x600.png at 800×600, for the README and for checking the layout at both sizes
+// by eye. Does nothing otherwise.
 void saveScreenshots(QQuickWindow *window, const QString &name);
 
 // Types the text into the focused item, one key press per character.
