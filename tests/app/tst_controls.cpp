@@ -36,24 +36,6 @@ bool isOpen(QObject *popup)
     return popup && popup->property("opened").toBool();
 }
 
-// The body of the file dialog Qt Quick draws in the window, while it is up: the popup that
-// holds the folder bar.
-QQuickItem *openFileDialog(QQuickWindow *window)
-{
-    for (QObject *object : allObjects(window)) {
-        auto *item = qobject_cast<QQuickItem *>(object);
-        if (!item || !item->isVisible() || !QByteArray(item->metaObject()->className()).contains("BreadcrumbBar")) {
-            continue;
-        }
-        for (QQuickItem *ancestor = item; ancestor; ancestor = ancestor->parentItem()) {
-            if (ancestor->inherits("QQuickPopupItem")) {
-                return ancestor;
-            }
-        }
-    }
-    return nullptr;
-}
-
 // Samples a row just inside the top edge of a popup's body, its padding, where no popup puts
 // content, and describes the first pixel that is not the body's own colour: a body drawn only
 // by a shader effect shows the screen behind it there instead.

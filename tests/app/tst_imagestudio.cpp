@@ -137,6 +137,39 @@ private Q_SLOTS:
         QCOMPARE(request.json().object().value(QLatin1String("width")).toInt(), 1024);
     }
 
+    // The save dialog offers "Save", not "Open", and Escape leaves without writing anything.
+    void saveDialogSaysSaveAndCancels()
+    {
+        m_fake->on("POST", "/v1/images/generations",
+            ScriptedReply::json("{\"data\":[{\"index\":0,\"b64_json\":\"" + picture().toBase64() + "\"}]}"));
+        ImageGeneratorViewModel *studio = nullptr;
+        const auto app = openStudio(studio);
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        QVERIFY(click(findItem(window, QStringLiteral("promptField"))));
+        typeText(window, QStringLiteral("A red fox"));
+        QVERIFY(click(findItem(window, QStringLiteral("generateButton"))));
+        QQuickItem *save = findItem(window, QStringLiteral("saveButton"));
+        QTRY_VERIFY_WITH_TIMEOUT(save->isVisible(), 10000);
+        const QStringList before = QDir(m_tmp->path()).entryList(QDir::Files);
+
+        QVERIFY(click(save));
+        QQuickItem *dialog = nullptr;
+        QTRY_VERIFY((dialog = openFileDialog(window)) != nullptr);
+        QStringList buttons;
+        for (QObject *object : allObjects(dialog)) {
+            auto *item = qobject_cast<QQuickItem *>(object);
+            if (item && item->isVisible() && item->inherits("QQuickAbstractButton")) {
+                buttons.append(item->property("text").toString());
+            }
+        }
+        QVERIFY2(buttons.contains(QStringLiteral("Save")), qPrintable(buttons.join(QLatin1Char(','))));
+        QVERIFY2(!buttons.contains(QStringLiteral("Open")), qPrintable(buttons.join(QLatin1Char(','))));
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(openFileDialog(window) == nullptr);
+        QCOMPARE(QDir(m_tmp->path()).entryList(QDir::Files), before);
+    }
+
     void showsTheErrorAndKeepsThePrompt()
     {
         m_fake->on("POST", "/v1/images/generations", ScriptedReply::json(R"({"data":[]})"));

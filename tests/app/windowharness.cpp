@@ -139,6 +139,22 @@ void saveScreenshots(QQuickWindow *window, const QString &name)
     window->resize(original);
 }
 
+QQuickItem *openFileDialog(QQuickWindow *window)
+{
+    for (QObject *object : allObjects(window)) {
+        auto *item = qobject_cast<QQuickItem *>(object);
+        if (!item || !item->isVisible() || !QByteArray(item->metaObject()->className()).contains("BreadcrumbBar")) {
+            continue;
+        }
+        for (QQuickItem *ancestor = item; ancestor; ancestor = ancestor->parentItem()) {
+            if (ancestor->inherits("QQuickPopupItem")) {
+                return ancestor;
+            }
+        }
+    }
+    return nullptr;
+}
+
 void typeText(QQuickWindow *window, const QString &text)
 {
     for (const QChar character : text) {

@@ -37,6 +37,10 @@ bool waitForFrame(QQuickWindow *window);
 // by eye. Does nothing otherwise.
 void saveScreenshots(QQuickWindow *window, const QString &name);
 
+// The body of the file dialog Qt Quick draws inside the window while it is up (the popup that
+// holds the folder bar), or null.
+[[nodiscard]] QQuickItem *openFileDialog(QQuickWindow *window);
+
 // Types the text into the focused item, one key press per character.
 void typeText(QQuickWindow *window, const QString &text);
 
