@@ -1,9 +1,14 @@
 #include "net/httpclient.h"
 
+#include "net/oneshotbody.h"
+#include "net/secretscrubber.h"
+
+#include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkProxyFactory>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QTimer>
 #if QT_CONFIG(ssl)
 #include <QSslConfiguration>
 #endif
@@ -20,10 +25,14 @@ struct HttpClient::Call
     QMetaObject::Connection contextWatch;
     StreamHandlers handlers;
     QNetworkReply *reply = nullptr;
+    SecretScrubber scrubber;
+    std::unique_ptr<QTimer> deadline;
     LineSplitter lines;
     QByteArray errorBody;
+    QByteArray body;
+    // Body bytes the current reply has brought, as they came over the wire.
+    qint64 received = 0;
     int redirects = 0;
-    bool resent = false;
 };
 
 namespace {
@@ -63,6 +72,11 @@ TransportError transportErrorOf(const QNetworkReply *reply)
         return { Kind::TimedOut, reply->errorString() };
     case QNetworkReply::RemoteHostClosedError:
         return { Kind::ConnectionLost, reply->errorString() };
+    // Qt wanted to send the request again after the connection closed, and the body
+    // refused to be read twice.
+    case QNetworkReply::ContentReSendError:
+        return { Kind::ConnectionLost,
+            HttpClient::tr("The connection closed before the answer came; the request was not sent again.") };
     case QNetworkReply::TemporaryNetworkFailureError:
     case QNetworkReply::NetworkSessionFailedError:
         return { Kind::NotConnected, reply->errorString() };
@@ -74,6 +88,77 @@ TransportError transportErrorOf(const QNetworkReply *reply)
 int effectivePort(const QUrl &url)
 {
     return url.port(url.scheme() == QLatin1String("https") ? 443 : 80);
+}
+
+bool sameServer(const QUrl &a, const QUrl &b)
+{
+    return a.host().compare(b.host(), Qt::CaseInsensitive) == 0 && effectivePort(a) == effectivePort(b);
+}
+
+bool isSuccess(int status)
+{
+    return status >= 200 && status < 300;
+}
+
+// The announced body length, or -1 when the answer announced none.
+qint64 announcedLength(const QNetworkReply *reply)
+{
+    const QByteArray value = reply->rawHeader("Content-Length").trimmed();
+    bool ok = false;
+    const qint64 length = value.toLongLong(&ok);
+    return ok && length >= 0 ? length : -1;
+}
+
+// Whether the body stopped before the length its headers announced. Qt sometimes finishes
+// such a reply without an error when the connection closes right after the last byte.
+bool bodyCutShort(const QNetworkReply *reply, const QByteArray &method, int status, qint64 received)
+{
+    if (method == "HEAD" || status == 204 || status == 304 || (status >= 100 && status < 200)) {
+        return false;
+    }
+    const qint64 length = announcedLength(reply);
+    return length >= 0 && received < length;
+}
+
+// For a body without an announced length, whether it ends where its format ends. Qt
+// finishes a chunked answer without an error when the connection closes before the last
+// chunk, so a cut JSON document or picture would otherwise pass for a whole one. Formats
+// this does not know are taken as they are.
+bool bodyLooksWhole(const QNetworkReply *reply, const QByteArray &body)
+{
+    const QByteArray type = reply->header(QNetworkRequest::ContentTypeHeader).toByteArray().toLower();
+    if (body.isEmpty()) {
+        return true;
+    }
+    if (type.contains("json")) {
+        QJsonParseError error {};
+        QJsonDocument::fromJson(body, &error);
+        // A document cut short fails at its end (or inside the literal or number it ended in);
+        // one broken further in is whole, just wrong, and its reader says so.
+        constexpr int tail = 8;
+        return error.error == QJsonParseError::NoError || error.offset < body.trimmed().size() - tail;
+    }
+    if (type.startsWith("image/png")) {
+        static constexpr QByteArrayView end { "\0\0\0\0IEND\xae\x42\x60\x82", 12 };
+        return body.endsWith(end);
+    }
+    if (type.startsWith("image/jpeg")) {
+        return body.endsWith("\xff\xd9");
+    }
+    return true;
+}
+
+TransportError connectionLostMidBody()
+{
+    return { TransportError::Kind::ConnectionLost,
+        HttpClient::tr("The connection closed before the answer was complete.") };
+}
+
+TransportError tooLarge()
+{
+    return { TransportError::Kind::Other,
+        HttpClient::tr("The answer is larger than %1 MB and was not read.")
+            .arg(HttpClient::maxReplySize / (1024 * 1024)) };
 }
 
 QList<std::pair<QByteArray, QByteArray>> headersOf(const QNetworkReply *reply)
@@ -116,6 +201,11 @@ void HttpClient::setTimeout(std::chrono::milliseconds timeout)
     m_timeout = timeout;
 }
 
+void HttpClient::setDeadline(std::chrono::milliseconds deadline)
+{
+    m_deadline = deadline;
+}
+
 HttpClient::CallId HttpClient::send(HttpRequest request, QObject *context, ResultHandler onFinished)
 {
     return begin(std::move(request), context, StreamHandlers { {}, std::move(onFinished) }, false);
@@ -131,6 +221,7 @@ HttpClient::CallId HttpClient::begin(HttpRequest request, QObject *context, Stre
     auto call = std::make_shared<Call>();
     call->id = m_nextId++;
     call->request = std::move(request);
+    call->scrubber = SecretScrubber(call->request);
     call->streaming = streaming;
     call->handlers = std::move(handlers);
     if (context != nullptr) {
@@ -139,8 +230,42 @@ HttpClient::CallId HttpClient::begin(HttpRequest request, QObject *context, Stre
         call->contextWatch = connect(context, &QObject::destroyed, this, [this, id = call->id] { cancel(id); });
     }
     m_calls.emplace(call->id, call);
+    if (!call->request.headersAreSafe()) {
+        failLater(call,
+            { TransportError::Kind::Other,
+                tr("The request was not sent: a header such as the API key holds a line break or another control "
+                   "character.") });
+        return call->id;
+    }
+    if (!streaming) {
+        const auto limit = call->request.deadline.count() > 0 ? call->request.deadline : m_deadline;
+        call->deadline = std::make_unique<QTimer>();
+        call->deadline->setSingleShot(true);
+        connect(call->deadline.get(), &QTimer::timeout, this, [this, id = call->id, limit] {
+            if (const CallPtr late = find(id)) {
+                complete(late,
+                    TransportError { TransportError::Kind::TimedOut,
+                        tr("The answer took longer than %1 seconds.")
+                            .arg(std::chrono::duration_cast<std::chrono::seconds>(limit).count()) });
+            }
+        });
+        call->deadline->start(limit);
+    }
     start(call);
     return call->id;
+}
+
+void HttpClient::failLater(const CallPtr &call, const TransportError &error)
+{
+    // Handlers never run inside send() or stream(): callers set up their state after the call.
+    QMetaObject::invokeMethod(
+        this,
+        [this, id = call->id, error] {
+            if (const CallPtr failed = find(id)) {
+                complete(failed, error);
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 void HttpClient::start(const CallPtr &call)
@@ -150,6 +275,13 @@ void HttpClient::start(const CallPtr &call)
     for (const auto &[name, value] : request.headers) {
         networkRequest.setRawHeader(name, value);
     }
+    // Bodies as sent, so that a body cut short shows against its announced length (and a
+    // compressed one cannot swell past the size limit unseen).
+    if (request.header("Accept-Encoding").isEmpty()) {
+        networkRequest.setRawHeader("Accept-Encoding", "identity");
+    }
+    // Qt must read the body from our device, not from a copy it could rewind.
+    networkRequest.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
     // Redirects are followed by hand (followRedirect) so that credentials can be dropped.
     networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     const auto timeout = request.timeout.count() > 0 ? request.timeout : m_timeout;
@@ -162,12 +294,13 @@ void HttpClient::start(const CallPtr &call)
     }
 #endif
 
-    QNetworkReply *reply = m_manager->sendCustomRequest(networkRequest, request.method, request.body);
+    auto *body = new OneShotBody(request.body);
+    QNetworkReply *reply = m_manager->sendCustomRequest(networkRequest, request.method, body);
+    body->setParent(reply);
     call->reply = reply;
+    call->received = 0;
     const CallId id = call->id;
-    if (call->streaming) {
-        connect(reply, &QNetworkReply::readyRead, this, [this, id] { onReadyRead(id); });
-    }
+    connect(reply, &QNetworkReply::readyRead, this, [this, id] { onReadyRead(id); });
     connect(reply, &QNetworkReply::finished, this, [this, id] { onFinished(id); });
 }
 
@@ -179,6 +312,7 @@ void HttpClient::restart(const CallPtr &call)
     }
     call->lines = LineSplitter(call->lines.maxLineLength());
     call->errorBody.clear();
+    call->body.clear();
     start(call);
 }
 
@@ -204,6 +338,7 @@ void HttpClient::drop(const CallPtr &call)
 {
     m_calls.erase(call->id);
     QObject::disconnect(call->contextWatch);
+    call->deadline.reset();
     if (call->reply != nullptr) {
         QNetworkReply *reply = std::exchange(call->reply, nullptr);
         reply->disconnect(this);
@@ -216,6 +351,7 @@ void HttpClient::complete(const CallPtr &call, const HttpResult &result)
 {
     m_calls.erase(call->id);
     QObject::disconnect(call->contextWatch);
+    call->deadline.reset();
     if (call->reply != nullptr) {
         QNetworkReply *reply = std::exchange(call->reply, nullptr);
         reply->disconnect(this);
@@ -227,9 +363,23 @@ void HttpClient::complete(const CallPtr &call, const HttpResult &result)
     if (call->hasContext && call->context.isNull()) {
         return;
     }
-    if (call->handlers.onFinished) {
-        call->handlers.onFinished(result);
+    if (!call->handlers.onFinished) {
+        return;
     }
+    if (call->scrubber.isEmpty()) {
+        call->handlers.onFinished(result);
+        return;
+    }
+    HttpResult scrubbed = result;
+    if (auto *response = std::get_if<HttpResponse>(&scrubbed)) {
+        call->scrubber.scrub(response->body);
+        for (auto &header : response->headers) {
+            call->scrubber.scrub(header.second);
+        }
+    } else {
+        call->scrubber.scrub(std::get<TransportError>(scrubbed).description);
+    }
+    call->handlers.onFinished(scrubbed);
 }
 
 bool HttpClient::deliverLines(const CallPtr &call, QByteArrayView bytes)
@@ -238,7 +388,14 @@ bool HttpClient::deliverLines(const CallPtr &call, QByteArrayView bytes)
         if (call->hasContext && call->context.isNull()) {
             return false;
         }
-        const bool goOn = call->handlers.onLine(line);
+        bool goOn = false;
+        if (call->scrubber.appearsIn(line)) {
+            QByteArray scrubbed = line.toByteArray();
+            call->scrubber.scrub(scrubbed);
+            goOn = call->handlers.onLine(scrubbed);
+        } else {
+            goOn = call->handlers.onLine(line);
+        }
         return goOn && isActive(call->id);
     };
     switch (call->lines.feed(bytes, sink)) {
@@ -259,21 +416,41 @@ bool HttpClient::deliverLines(const CallPtr &call, QByteArrayView bytes)
 
 void HttpClient::onReadyRead(CallId id)
 {
-    const CallPtr call = find(id);
-    if (!call) {
-        return;
+    if (const CallPtr call = find(id); call && call->reply->isOpen()) {
+        take(call, call->reply->readAll());
     }
-    QNetworkReply *reply = call->reply;
+}
+
+bool HttpClient::take(const CallPtr &call, const QByteArray &bytes)
+{
+    const QNetworkReply *reply = call->reply;
     const int status = statusOf(reply);
-    const QByteArray bytes = reply->readAll();
-    if (isRedirectStatus(status) || !call->handlers.onLine) {
-        return;
+    call->received += bytes.size();
+    if (isRedirectStatus(status)) {
+        return true;
     }
-    if (status >= 200 && status < 300) {
-        deliverLines(call, bytes);
-    } else if (call->errorBody.size() < maxErrorBodySize) {
-        call->errorBody.append(bytes.left(maxErrorBodySize - call->errorBody.size()));
+    if (call->received > maxReplySize || announcedLength(reply) > maxReplySize) {
+        complete(call, tooLarge());
+        return false;
     }
+    if (bytes.isEmpty()) {
+        return true;
+    }
+    if (call->streaming && call->handlers.onLine && isSuccess(status)) {
+        return deliverLines(call, bytes);
+    }
+    if (call->streaming) {
+        if (call->errorBody.size() < maxErrorBodySize) {
+            call->errorBody.append(bytes.left(maxErrorBodySize - call->errorBody.size()));
+        }
+        return true;
+    }
+    if (call->body.isEmpty()) {
+        // One allocation for an announced length instead of doubling towards it.
+        call->body.reserve(qsizetype(std::max<qint64>(announcedLength(reply), 0)));
+    }
+    call->body.append(bytes);
+    return true;
 }
 
 void HttpClient::onFinished(CallId id)
@@ -292,33 +469,32 @@ void HttpClient::onFinished(CallId id)
         }
     }
 
-    const bool streamedLines = call->streaming && call->handlers.onLine && status >= 200 && status < 300;
-    if (streamedLines) {
-        // Complete lines that arrived together with the end still count, even when the
-        // connection broke right after them.
-        if (!deliverLines(call, reply->readAll())) {
-            return;
-        }
-    }
-    if (!answered && reply->error() == QNetworkReply::RemoteHostClosedError && status == 0 && !call->resent) {
-        // The connection closed before any answer came: a kept-alive connection the server
-        // had just given up on, or one that failed while this request waited its turn.
-        // Nothing reached the caller yet, so sending once more cannot show anything twice.
-        call->resent = true;
-        restart(call);
+    // Complete lines that arrived together with the end still count, even when the
+    // connection broke right after them.
+    if (reply->isOpen() && !take(call, reply->readAll())) {
         return;
     }
     if (!answered) {
         complete(call, transportErrorOf(reply));
         return;
     }
+    if (bodyCutShort(reply, call->request.method, status, call->received)
+        || (!call->streaming && announcedLength(reply) < 0 && !bodyLooksWhole(reply, call->body))) {
+        complete(call, connectionLostMidBody());
+        return;
+    }
 
     HttpResponse response;
     response.status = status;
     response.headers = headersOf(reply);
-    if (streamedLines) {
+    if (call->streaming && call->handlers.onLine && isSuccess(status)) {
         const auto sink = [this, &call](QByteArrayView line) {
-            return !(call->hasContext && call->context.isNull()) && call->handlers.onLine(line) && isActive(call->id);
+            if (call->hasContext && call->context.isNull()) {
+                return false;
+            }
+            QByteArray scrubbed = line.toByteArray();
+            call->scrubber.scrub(scrubbed);
+            return call->handlers.onLine(scrubbed) && isActive(call->id);
         };
         if (call->lines.finish(sink) != LineSplitter::Status::Ok) {
             if (isActive(id)) {
@@ -327,9 +503,9 @@ void HttpClient::onFinished(CallId id)
             return;
         }
     } else if (call->streaming) {
-        response.body = call->errorBody + reply->readAll().left(maxErrorBodySize - call->errorBody.size());
+        response.body = std::exchange(call->errorBody, {});
     } else {
-        response.body = reply->readAll();
+        response.body = std::exchange(call->body, {});
     }
     complete(call, response);
 }
@@ -353,7 +529,20 @@ bool HttpClient::followRedirect(const CallPtr &call, int status)
     }
 
     HttpRequest &request = call->request;
-    if (from.host().compare(target.host(), Qt::CaseInsensitive) != 0 || effectivePort(from) != effectivePort(target)) {
+    const bool keepsBody = status == 307 || status == 308;
+    if (keepsBody && !sameServer(from, target) && (request.method != "GET" && request.method != "HEAD")) {
+        // The body is the user's prompt, picture or recording: only the server it was meant
+        // for may have it.
+        complete(call,
+            TransportError { Kind::Other,
+                tr("The server sent the request on to another address (%1); it was not sent there.")
+                    .arg(target
+                             .adjusted(
+                                 QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo)
+                             .toString()) });
+        return true;
+    }
+    if (!sameServer(from, target)) {
         // Keys are meant for the host they were given to, never for whoever it points at.
         for (const char *name : { "Authorization", "x-api-key", "Cookie", "Proxy-Authorization" }) {
             request.removeHeader(name);

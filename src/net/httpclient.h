@@ -25,6 +25,12 @@ namespace zentrik {
 // TLS peers are always verified, redirects are followed by hand so that credentials never
 // travel to another host, and the system proxy settings (including http_proxy and friends)
 // apply to every request.
+//
+// A request the server may have received is never sent again, by this class or by Qt
+// underneath: a connection that closes before the answer is a lost connection. So is an
+// answer whose body stops short of its announced length. The request's own credentials are
+// replaced by "[KEY]" in everything handed back, and a request whose headers could smuggle
+// in others is refused before anything is sent.
 class HttpClient : public QObject
 {
     Q_OBJECT
@@ -48,8 +54,13 @@ public:
     // the request sets its own timeout. Matches the usual default of URL loading services.
     static constexpr std::chrono::milliseconds defaultTimeout { 60000 };
     static constexpr int maxRedirects = 10;
+    // How long a whole-reply request may take in total, unless the request sets its own.
+    static constexpr std::chrono::milliseconds defaultDeadline { 300000 };
     // The body of a failed streamed answer is kept only up to this size.
     static constexpr qsizetype maxErrorBodySize = qsizetype(1024) * 1024;
+    // The most a reply may bring, whole or streamed; more is refused with an error rather
+    // than held in memory.
+    static constexpr qsizetype maxReplySize = qsizetype(64) * 1024 * 1024;
 
     explicit HttpClient(QObject *parent = nullptr);
     ~HttpClient() override;
@@ -67,6 +78,8 @@ public:
 
     [[nodiscard]] std::chrono::milliseconds timeout() const { return m_timeout; }
     void setTimeout(std::chrono::milliseconds timeout);
+    [[nodiscard]] std::chrono::milliseconds deadline() const { return m_deadline; }
+    void setDeadline(std::chrono::milliseconds deadline);
 
 private:
     struct Call;
@@ -74,11 +87,15 @@ private:
 
     CallId begin(HttpRequest request, QObject *context, StreamHandlers handlers, bool streaming);
     void start(const CallPtr &call);
-    // Sends the call's request again on a fresh reply, forgetting what the old one read.
+    // Sends the call's request to the address a redirect named, forgetting what the old
+    // reply read.
     void restart(const CallPtr &call);
     void onReadyRead(CallId id);
     void onFinished(CallId id);
+    // Takes what the reply has brought; false when that ended the call.
+    bool take(const CallPtr &call, const QByteArray &bytes);
     bool followRedirect(const CallPtr &call, int status);
+    void failLater(const CallPtr &call, const TransportError &error);
     // Hands over the complete lines in bytes; false when the call ended meanwhile.
     bool deliverLines(const CallPtr &call, QByteArrayView bytes);
     void complete(const CallPtr &call, const HttpResult &result);
@@ -90,6 +107,7 @@ private:
     std::unordered_map<CallId, CallPtr> m_calls;
     CallId m_nextId = 1;
     std::chrono::milliseconds m_timeout = defaultTimeout;
+    std::chrono::milliseconds m_deadline = defaultDeadline;
 };
 
 } // namespace zentrik

@@ -10,6 +10,14 @@ bool sameName(QByteArrayView a, QByteArrayView b)
 {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
+
+bool isSafeHeaderText(QByteArrayView text, bool allowTab)
+{
+    return std::none_of(text.begin(), text.end(), [allowTab](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return (byte < 0x20 && !(allowTab && byte == '\t')) || byte == 0x7f;
+    });
+}
 } // namespace
 
 void HttpRequest::setHeader(const QByteArray &name, const QByteArray &value)
@@ -36,6 +44,13 @@ QByteArray HttpRequest::header(QByteArrayView name) const
 void HttpRequest::removeHeader(QByteArrayView name)
 {
     headers.removeIf([name](const auto &entry) { return sameName(entry.first, name); });
+}
+
+bool HttpRequest::headersAreSafe() const
+{
+    return std::all_of(headers.begin(), headers.end(), [](const auto &entry) {
+        return !entry.first.isEmpty() && isSafeHeaderText(entry.first, false) && isSafeHeaderText(entry.second, true);
+    });
 }
 
 QByteArray HttpResponse::header(QByteArrayView name) const
