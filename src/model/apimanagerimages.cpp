@@ -46,6 +46,10 @@ void APIManager::generateOpenAIImage(const QString &prompt, QObject *context, Im
                 completion(ImageError(*error));
                 return;
             }
+            if (!ImageRequests::isRemotePictureAddress(std::get<QString>(address))) {
+                completion(ImageRequests::refusedPictureAddress());
+                return;
+            }
             completion(std::get<QString>(address));
         });
 }

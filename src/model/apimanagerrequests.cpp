@@ -31,9 +31,12 @@ APIError toAPIError(const ChatError &error)
         return APIError::fromTransport(error.transport.value_or(TransportError {}));
     case ChatError::Kind::invalidReply:
         return { APIError::jsonParsingFailed, error.description() };
+    // A stream that stopped before its end marker was cut off, however cleanly the
+    // connection closed: the network layer cannot always tell a missing last chunk.
+    case ChatError::Kind::incomplete:
+        return APIError::connectionLost;
     case ChatError::Kind::httpStatus:
     case ChatError::Kind::serviceError:
-    case ChatError::Kind::incomplete:
         break;
     }
     return { APIError::generalNetworkError, error.description() };

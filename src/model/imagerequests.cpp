@@ -57,6 +57,21 @@ std::variant<QJsonObject, APIError> firstDataElement(const HttpResult &result, c
 
 } // namespace
 
+bool ImageRequests::isRemotePictureAddress(const QString &address)
+{
+    const QUrl url(address, QUrl::StrictMode);
+    const QString scheme = url.scheme().toLower();
+    return url.isValid() && (scheme == QLatin1String("https") || scheme == QLatin1String("http"))
+        && !url.host().isEmpty();
+}
+
+ImageError ImageRequests::refusedPictureAddress()
+{
+    // The words the image screen uses for any address it cannot load.
+    return DomainError { QStringLiteral("ImageURL"), 0,
+        QCoreApplication::translate("ImageGeneratorViewModel", "Invalid image URL") };
+}
+
 QUrl ImageRequests::endpoint(ImageProvider provider)
 {
     switch (provider) {
@@ -142,7 +157,9 @@ std::variant<QString, ImageError> ImageRequests::writeTogetherImage(
     const QString path
         = QDir(directory).absoluteFilePath(QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".png"));
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(png) != png.size() || !file.flush()) {
+    // Readable by its owner alone: the picture is the user's, in a folder every user shares.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner)
+        || file.write(png) != png.size() || !file.flush()) {
         const QString reason = file.errorString();
         const int code = int(file.error());
         file.close();
@@ -169,6 +186,9 @@ std::variant<QString, ImageError> ImageRequests::readFalResult(const fal::Payloa
     const std::optional<QString> url = images->front().value(QStringLiteral("url")).toString();
     if (!url) {
         return ImageError::noImageUrl();
+    }
+    if (!isRemotePictureAddress(*url)) {
+        return refusedPictureAddress();
     }
     return *url;
 }

@@ -40,6 +40,10 @@ public:
     // The picture's address: transport failure, no body, not JSON, no "data"[0]."url" string,
     // in that order.
     [[nodiscard]] static std::variant<QString, APIError> readOpenAI(const HttpResult &result);
+    // Whether a picture address from a provider may be fetched: http or https with a host.
+    // Anything else (file:, data:, …) would have the program read what the provider chose.
+    [[nodiscard]] static bool isRemotePictureAddress(const QString &address);
+    [[nodiscard]] static ImageError refusedPictureAddress();
     // The picture's bytes from "data"[0]."b64_json", strictly Base64-decoded; the same order.
     [[nodiscard]] static std::variant<QByteArray, APIError> readTogether(const HttpResult &result);
     // Decodes the picture, writes it as PNG to directory under a fresh UUID name and returns

@@ -45,7 +45,8 @@ ImageLoader::Result decode(const QByteArray &bytes, const QUrl &localFile, const
         = QDir(cacheDirectory)
               .absoluteFilePath(QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".png"));
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(picture.png) != picture.png.size()) {
+    if (!file.open(QIODevice::WriteOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner)
+        || file.write(picture.png) != picture.png.size()) {
         return failedToLoad();
     }
     picture.displayUrl = QUrl::fromLocalFile(path);
@@ -87,7 +88,13 @@ void ImageLoader::download(HttpClient &http, const QString &address, QObject *co
                 if (!file.open(QIODevice::ReadOnly)) {
                     return Failure { failedToLoad(), file.errorString() };
                 }
-                return Download { file.readAll(), 0 };
+                // Bounded like a download: a device such as /dev/zero never ends.
+                const QByteArray bytes = file.read(HttpClient::maxReplySize + 1);
+                if (bytes.size() > HttpClient::maxReplySize) {
+                    return Failure { failedToLoad(),
+                        QStringLiteral("larger than %1 MB").arg(HttpClient::maxReplySize / (1024 * 1024)) };
+                }
+                return Download { bytes, 0 };
             },
             done);
         return;

@@ -98,8 +98,8 @@ private Q_SLOTS:
             << QByteArray("zentrik-cli: A network error occurred: HTTP 401: Incorrect API key provided");
         QTest::newRow("stream cut short")
             << QStringList { "ask", "--stream", "--model", "gpt-4-turbo", "x" } << QByteArray("partial\n")
-            << QByteArray(
-                   "zentrik-cli: A network error occurred: The connection closed before the reply was complete.");
+            << QByteArray("zentrik-cli: The network connection was lost. Please check your internet connection and "
+                          "try again.");
         QTest::newRow("unknown model")
             << QStringList { "ask", "--model", "gpt-5", "x" } << QByteArray()
             << QByteArray("zentrik-cli: Invalid model selected. Please choose a valid model in Settings.");
@@ -121,6 +121,42 @@ private Q_SLOTS:
         QCOMPARE(result.out, out);
         QCOMPARE(lastLine(result.err), err);
         QVERIFY(!result.err.contains("sk-from-env"));
+    }
+
+    // A provider quoting the key back in its error: the terminal shows [KEY] in its place,
+    // whether the reply was streamed or awaited whole.
+    void quotedKeysNeverReachTheTerminal_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<bool>("showsProviderWords");
+        QTest::newRow("streamed") << QStringList { "ask", "--stream", "--model", "gpt-4o-mini", "x" } << true;
+        QTest::newRow("whole") << QStringList { "ask", "--model", "gpt-4o-mini", "x" } << false;
+    }
+
+    void quotedKeysNeverReachTheTerminal()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(bool, showsProviderWords);
+        m_cli->fake.on("POST", "/v1/chat/completions",
+            ScriptedReply::json(
+                QByteArray("{\"error\":{\"message\":\"Incorrect API key provided: sk-from-env\"}}"), 401));
+        const CliResult result = runCli(arguments);
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(m_cli->fake.lastRequest().header("Authorization"), "Bearer sk-from-env");
+        QVERIFY2(!result.err.contains("sk-from-env") && !result.out.contains("sk-from-env"), result.err.constData());
+        QCOMPARE(result.err.contains("Incorrect API key provided: [KEY]"), showsProviderWords);
+    }
+
+    // A key holding a line break never becomes a second header: nothing is sent.
+    void keysWithLineBreaksAreNeverSent()
+    {
+        m_cli->fake.on("POST", "/v1/chat/completions", ScriptedReply::json(QByteArray("{}")));
+        QProcessEnvironment env;
+        env.insert("OPENAI_API_KEY", "sk-from-env\r\nX-Injected: 1");
+        const CliResult result = runCli({ "ask", "--model", "gpt-4o-mini", "x" }, {}, env);
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY(!result.err.trimmed().isEmpty());
+        QCOMPARE(m_cli->fake.requestCount(), 0);
     }
 
     void usageErrors_data()

@@ -1,5 +1,8 @@
 #include <QtTest>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 #include <QDir>
 #include <QImageReader>
 #include <QJsonDocument>
@@ -289,6 +292,10 @@ private Q_SLOTS:
             QVERIFY2(uuidName.match(QFileInfo(file).fileName()).hasMatch(), qPrintable(file));
             QImageReader reader(file);
             QCOMPARE(reader.format(), "png");
+            // In a folder every user shares, the picture is for its owner's eyes only.
+            const auto others
+                = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther | QFileDevice::WriteOther;
+            QCOMPARE(QFileInfo(file).permissions() & others, QFileDevice::Permissions());
             const QImage image = reader.read();
             QCOMPARE(image.size(), QSize(80, 60));
             // The pattern survives (JPEG only approximately).
@@ -331,6 +338,36 @@ private Q_SLOTS:
             "a.jpg\",\"width\":1024,\"height\":768,\"content_type\":\"image/jpeg\"}],\"seed\":42}");
         const Outcome outcome = generate(fixture);
         QCOMPARE(outcome.address(), "https://fal.media/files/a.jpg");
+    }
+
+    // A picture address must be one to download: a provider naming a local file, a device or
+    // inline data gets one clear error and nothing is read.
+    void refusesPictureAddressesThatAreNotRemote_data()
+    {
+        QTest::addColumn<QString>("provider");
+        QTest::addColumn<QString>("address");
+        for (const QString &provider : { QStringLiteral("OpenAI"), QStringLiteral("fal") }) {
+            for (const QString &address : { QStringLiteral("file:///etc/passwd"), QStringLiteral("file:///dev/zero"),
+                     QStringLiteral("data:image/png;base64,iVBORw0KGgo="), QStringLiteral("ftp://fal.media/a.png"),
+                     QStringLiteral("/etc/passwd"), QStringLiteral("https:///no-host.png") }) {
+                QTest::addRow("%s, %s", qPrintable(provider), qPrintable(address)) << provider << address;
+            }
+        }
+    }
+
+    void refusesPictureAddressesThatAreNotRemote()
+    {
+        QFETCH(QString, provider);
+        QFETCH(QString, address);
+        ImageFixture fixture(modelFor(provider));
+        const QByteArray quoted = QJsonDocument(QJsonArray { address }).toJson(QJsonDocument::Compact).mid(1);
+        const QByteArray value = quoted.left(quoted.size() - 1);
+        script(fixture, provider,
+            provider == QLatin1String("fal") ? "{\"images\":[{\"url\":" + value + "}]}"
+                                             : "{\"data\":[{\"url\":" + value + "}]}");
+        const Outcome outcome = generate(fixture);
+        QVERIFY2(outcome.error(), qPrintable(outcome.describe()));
+        QCOMPARE(outcome.error()->message(), "Invalid image URL");
     }
 
     void reportsQueuePositionsAndTimesOut()

@@ -162,7 +162,7 @@ private Q_SLOTS:
                                       << "A network error occurred: HTTP 401: Incorrect API key provided";
         QTest::newRow("closed without end marker")
             << "gpt-4o-mini" << chat << 2 << QStringList { "one", "two" }
-            << "A network error occurred: The connection closed before the reply was complete.";
+            << "The network connection was lost. Please check your internet connection and try again.";
         QTest::newRow("cut off")
             << "gpt-4o-mini" << chat << 3 << QStringList { "one", "two" }
             << "The network connection was lost. Please check your internet connection and try again.";
