@@ -5,7 +5,10 @@
 
 #include "model/apimanager.h"
 #include "model/imagecodec.h"
+#include "model/imagerequests.h"
+#include "model/providerrouting.h"
 #include "tools/imageloader.h"
+#include <QFile>
 
 #include <QEventLoop>
 #include <QFileInfo>
@@ -37,9 +40,14 @@ QString loadFailure(const QString &detail)
 }
 
 // The bytes at the address the image operation handed back, fetched as the window fetches
-// them. On failure the message to print.
-std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &address)
+// them; the free model's picture is a file this program wrote, any other picture comes from
+// an http or https address, never from wherever a provider points. On failure the message
+// to print.
+std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &address, bool ownFile)
 {
+    if (!ownFile && !ImageRequests::isRemotePictureAddress(address)) {
+        return ImageRequests::refusedPictureAddress().message();
+    }
     QEventLoop loop;
     std::variant<QByteArray, QString> outcome = QString();
     ImageLoader::download(manager.httpClient(), address, &loop, [&](const ImageLoader::DownloadResult &result) {
@@ -60,11 +68,11 @@ std::variant<QByteArray, QString> fetch(APIManager &manager, const QString &addr
 int runImage(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Generates a picture from the prompt with the selected image model and saves it as a PNG "
-                       "file. \"DALL-E\" uses OpenAI (OPENAI_API_KEY or the stored key), the free FLUX model "
-                       "Together (TOGETHER_API_KEY when set, otherwise the built-in key), every other model fal (FAL_KEY or the "
-                       "stored key). Prints the path of the file written."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Generates a picture from the prompt with the selected image model and saves it as a PNG "
+        "file. \"DALL-E\" uses OpenAI (OPENAI_API_KEY or the stored key), the free FLUX model "
+        "Together (TOGETHER_API_KEY when set, otherwise the built-in key), every other model fal (FAL_KEY or the "
+        "stored key). Prints the path of the file written."));
     const QCommandLineOption modelOption(
         QStringLiteral("model"), QStringLiteral("Use this image model for this run."), QStringLiteral("ID"));
     const QCommandLineOption outputOption({ QStringLiteral("o"), QStringLiteral("output") },
@@ -118,7 +126,8 @@ int runImage(const QStringList &arguments)
         return fail(error->message());
     }
 
-    const auto fetched = fetch(manager, std::get<QString>(*result));
+    const bool ownFile = routeImageModel(manager.selectedImageModel()) == ImageProvider::together;
+    const auto fetched = fetch(manager, std::get<QString>(*result), ownFile);
     if (const auto *message = std::get_if<QString>(&fetched)) {
         return fail(*message);
     }
@@ -135,6 +144,10 @@ int runImage(const QStringList &arguments)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(png) != png.size() || !file.commit()) {
         return fail(QStringLiteral("Failed to save image: %1").arg(file.errorString()));
+    }
+    // The temporary picture has done its job once the user's file holds it.
+    if (const QUrl written(std::get<QString>(*result)); ownFile && written.isLocalFile()) {
+        QFile::remove(written.toLocalFile());
     }
     printOut(QFileInfo(path).absoluteFilePath() + QLatin1Char('\n'));
     return exitSuccess;

@@ -297,6 +297,9 @@ void HttpClient::start(const CallPtr &call)
     auto *body = new OneShotBody(request.body);
     QNetworkReply *reply = m_manager->sendCustomRequest(networkRequest, request.method, body);
     body->setParent(reply);
+    // Qt reads ahead only this far before waiting for us, so what it holds stays small
+    // whatever the reply's size.
+    reply->setReadBufferSize(readAhead);
     call->reply = reply;
     call->received = 0;
     const CallId id = call->id;
@@ -445,9 +448,12 @@ bool HttpClient::take(const CallPtr &call, const QByteArray &bytes)
         }
         return true;
     }
-    if (call->body.isEmpty()) {
-        // One allocation for an announced length instead of doubling towards it.
-        call->body.reserve(qsizetype(std::max<qint64>(announcedLength(reply), 0)));
+    if (const qsizetype needed = call->body.size() + bytes.size(); needed > call->body.capacity()) {
+        // An announced length is reserved at once; otherwise the buffer doubles, but never
+        // past the limit, so a reply near it does not hold twice its size.
+        const qint64 announced = announcedLength(reply);
+        call->body.reserve(announced >= needed ? qsizetype(announced)
+                                               : std::min(maxReplySize, std::max<qsizetype>(2 * needed, 64 * 1024)));
     }
     call->body.append(bytes);
     return true;

@@ -61,6 +61,7 @@ public:
     // The most a reply may bring, whole or streamed; more is refused with an error rather
     // than held in memory.
     static constexpr qsizetype maxReplySize = qsizetype(64) * 1024 * 1024;
+    static constexpr qint64 readAhead = qint64(1024) * 1024;
 
     explicit HttpClient(QObject *parent = nullptr);
     ~HttpClient() override;

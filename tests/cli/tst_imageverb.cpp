@@ -64,6 +64,29 @@ private Q_SLOTS:
 
     void cleanup() { m_cli.reset(); }
 
+    // A provider naming a local file or a device as its picture gets one line; nothing is
+    // read (file:///dev/zero would never end) and no file is written.
+    void refusesPictureAddressesThatAreNotRemote_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::newRow("a device") << "file:///dev/zero";
+        QTest::newRow("a local file") << "file:///etc/passwd";
+        QTest::newRow("inline data") << "data:image/png;base64,iVBORw0KGgo=";
+    }
+
+    void refusesPictureAddressesThatAreNotRemote()
+    {
+        QFETCH(QString, address);
+        m_cli->fake.on("POST", "/v1/images/generations",
+            ScriptedReply::json(
+                QJsonDocument(QJsonObject { { "data", QJsonArray { QJsonObject { { "url", address } } } } })));
+        const CliResult result = runCli({ "image", "--model", "DALL-E", "-o", output("out.png"), "A quiet harbour" });
+        QVERIFY(!result.crashed);
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err, "zentrik-cli: Invalid image URL\n");
+        QVERIFY(!QFile::exists(output("out.png")));
+    }
+
     void writesThePictureAsPng_data()
     {
         QTest::addColumn<QString>("model");
@@ -102,6 +125,9 @@ private Q_SLOTS:
             QVERIFY(file.open(QIODevice::ReadOnly));
             QCOMPARE(file.readAll(), picture);
         }
+        // Nothing left behind in the temporary folder: the free model's picture is gone once
+        // the output file holds it.
+        QCOMPARE(QDir(m_cli->dir.path()).entryList({ "*.png" }, QDir::Files), QStringList { "out.png" });
         const auto first = m_cli->fake.requests().first();
         QCOMPARE(first.json().object().value("prompt").toString(), "A quiet harbour");
         if (model.startsWith("black-forest-labs")) {
