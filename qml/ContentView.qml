@@ -26,6 +26,7 @@ ApplicationWindow {
     LicenseGate {
         id: licenseGate
         objectName: "licenseGate"
+        apiManager: APIManager
     }
 
     ContentViewModel {

@@ -3,7 +3,7 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// The notice after a save; Escape, OK or a click outside dismiss it.
+// The notice after a save, or why the save failed; Escape, OK or a click outside dismiss it.
 Dialog {
     id: notice
 
@@ -13,7 +13,9 @@ Dialog {
     parent: Overlay.overlay
     anchors.centerIn: parent
     modal: true
-    title: qsTr("Settings Saved")
+    readonly property bool failed: settings.saveError.length > 0
+
+    title: failed ? qsTr("Settings Not Saved") : qsTr("Settings Saved")
     visible: settings.showingSaveConfirmation
     standardButtons: Dialog.Ok
     onClosed: settings.dismissSaveConfirmation()
@@ -21,11 +23,14 @@ Dialog {
     RowLayout {
         spacing: 10
         SymbolIcon {
-            symbol: "checkmark.circle.fill"
-            color: Theme.color("green")
+            symbol: notice.failed ? "exclamationmark.triangle.fill" : "checkmark.circle.fill"
+            color: notice.failed ? Theme.color("red") : Theme.color("green")
         }
         Label {
-            text: qsTr("Your changes have been saved successfully.")
+            objectName: "saveNoticeText"
+            Layout.maximumWidth: 420
+            wrapMode: Text.Wrap
+            text: notice.failed ? settings.saveError : qsTr("Your changes have been saved successfully.")
         }
     }
 }
