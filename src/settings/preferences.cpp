@@ -144,8 +144,14 @@ bool Preferences::update(const std::function<bool(QVariantMap &values)> &edit)
         m_errorString = QCoreApplication::translate("zentrik", "cannot create the folder %1").arg(info.absolutePath());
         return false;
     }
-    // Transcripts and choices are nobody else's business.
-    QFile::setPermissions(info.absolutePath(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    // Transcripts and choices are nobody else's business. Only the others' rights go: a
+    // folder its owner made read-only stays so, and the write below fails as it should.
+    const QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
+        | QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
+    const QFileDevice::Permissions folderPermissions = QFileInfo(info.absolutePath()).permissions();
+    if ((folderPermissions & ~ownerOnly) != 0) {
+        QFile::setPermissions(info.absolutePath(), folderPermissions & ownerOnly);
+    }
 
     QLockFile lock(lockPath(path));
     if (!lock.tryLock(lockWaitMs)) {
