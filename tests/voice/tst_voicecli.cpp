@@ -286,7 +286,7 @@ private Q_SLOTS:
         // Root writes through file modes; the modes are tried as another user.
         const bool asOtherUser = fault != QStringLiteral("full disk") && ::geteuid() == 0;
         if (asOtherUser) {
-            for (const QString &path : { configPath(), conf, audio }) {
+            for (const QString &path : { m_cli->dir.path(), configPath(), conf, audio }) {
                 QVERIFY(::chown(QFile::encodeName(path).constData(), 65534, 65534) == 0);
             }
         }
