@@ -27,6 +27,7 @@ ApplicationWindow {
     LicenseGate {
         id: licenseGate
         objectName: "licenseGate"
+        apiManager: APIManager
     }
 
     ContentViewModel {

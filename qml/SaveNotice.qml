@@ -3,7 +3,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// The notice after a save; Escape, Return (OK has the focus), OK or a click outside dismiss it.
+// The notice after a save, or why the save failed; Escape, Return (OK has the focus), OK or a
+// click outside dismiss it.
 AppDialog {
     id: notice
 
@@ -11,7 +12,9 @@ AppDialog {
 
     objectName: "saveNotice"
     closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
-    title: qsTr("Settings Saved")
+    readonly property bool failed: settings.saveError.length > 0
+
+    title: failed ? qsTr("Settings Not Saved") : qsTr("Settings Saved")
     visible: settings.showingSaveConfirmation
     onOpened: okButton.forceActiveFocus(Qt.TabFocusReason)
     onClosed: settings.dismissSaveConfirmation()
@@ -19,11 +22,14 @@ AppDialog {
     RowLayout {
         spacing: 10
         SymbolIcon {
-            symbol: "checkmark.circle.fill"
-            color: Theme.color("green")
+            symbol: notice.failed ? "exclamationmark.triangle.fill" : "checkmark.circle.fill"
+            color: notice.failed ? Theme.color("red") : Theme.color("green")
         }
         Label {
-            text: qsTr("Your changes have been saved successfully.")
+            objectName: "saveNoticeText"
+            Layout.maximumWidth: 420
+            wrapMode: Text.Wrap
+            text: notice.failed ? settings.saveError : qsTr("Your changes have been saved successfully.")
         }
     }
 

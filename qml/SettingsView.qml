@@ -29,6 +29,14 @@ ScrollingPage {
         text: qsTr("No secret service is available, so API keys can be neither saved nor read. Start GNOME Keyring or KWallet and open Settings again.")
     }
 
+    NoticeBanner {
+        objectName: "keyStoreProblem"
+        Layout.fillWidth: true
+        visible: settingsModel.secretStoreAvailable && settingsModel.keyStoreProblem.length > 0
+        symbol: "exclamationmark.triangle.fill"
+        text: settingsModel.keyStoreProblem
+    }
+
     SettingsSection {
         title: qsTr("Text Model")
         ModelPicker {
@@ -91,6 +99,7 @@ ScrollingPage {
         Layout.alignment: Qt.AlignRight
         text: qsTr("Save")
         Accessible.name: text
+        enabled: !settingsModel.isSaving
         onClicked: settingsModel.save()
     }
 

@@ -2,6 +2,7 @@
 
 #include "app/applogging.h"
 #include "buildconfig.h"
+#include "model/apimanager.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -27,6 +28,26 @@ QUrl LicenseGate::configuredUrl()
     return QUrl(QString::fromUtf8(build::licenseUrl));
 }
 
+void LicenseGate::setApiManager(APIManager *manager)
+{
+    if (m_apiManager == manager) {
+        return;
+    }
+    m_apiManager = manager;
+    Q_EMIT apiManagerChanged();
+}
+
+KeyService &LicenseGate::keyService()
+{
+    if (m_apiManager) {
+        return m_apiManager->keyService();
+    }
+    if (!m_ownKeyService) {
+        m_ownKeyService = std::make_unique<KeyService>();
+    }
+    return *m_ownKeyService;
+}
+
 void LicenseGate::start()
 {
     if (m_state == State::Checking || m_state == State::Verified) {
@@ -36,17 +57,34 @@ void LicenseGate::start()
         setState(State::Verified);
         return;
     }
-    const std::optional<QString> stored = m_keychain.get(licenseAccountName);
-    if (!stored || stored->trimmed().isEmpty()) {
-        if (m_keychain.lastResultCode() == secretNoService) {
-            refuse(
-                tr("No secret service is running, so no license key is stored. Enter your license key to continue."));
-        } else {
-            refuse(tr("Enter your license key to continue."));
-        }
+    setMessage(tr("Checking license..."));
+    setState(State::Checking);
+    keyService().read({ licenseAccountName }, this,
+                      [this](const KeyService::Outcome &outcome) { onStoredKey(outcome); });
+}
+
+void LicenseGate::onStoredKey(const KeyService::Outcome &outcome)
+{
+    const QString stored = outcome.values.value(licenseAccountName).trimmed();
+    if (!stored.isEmpty()) {
+        verify(stored);
         return;
     }
-    verify(stored->trimmed());
+    switch (outcome.code) {
+    case secretSuccess:
+        refuse(tr("Enter your license key to continue."));
+        break;
+    case secretNoService:
+        refuse(tr("No secret service is running, so no license key is stored. Enter your license key to continue."));
+        break;
+    case secretTimedOut:
+        refuse(tr("The Secret Service did not answer in time, so the stored license key could not be read. Enter your "
+                  "license key to continue."));
+        break;
+    default:
+        refuse(tr("The Secret Service did not give the stored license key. Enter your license key to continue."));
+        break;
+    }
 }
 
 void LicenseGate::submitKey(const QString &key)
@@ -61,9 +99,11 @@ void LicenseGate::submitKey(const QString &key)
     }
     // A key that cannot be stored is still checked: the window opens, and the key is asked
     // for again at the next start.
-    if (!m_keychain.set(trimmed, licenseAccountName)) {
-        qCWarning(lcApp) << "The license key could not be stored, result code" << m_keychain.lastResultCode();
-    }
+    keyService().write({ { licenseAccountName, trimmed } }, this, [](const KeyService::Outcome &outcome) {
+        if (!outcome.succeeded()) {
+            qCWarning(lcApp).noquote() << "The license key could not be stored:" << KeyService::describe(outcome.code);
+        }
+    });
     verify(trimmed);
 }
 

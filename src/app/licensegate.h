@@ -1,9 +1,11 @@
 #pragma once
 
+#include "model/apimanager.h"
 #include "net/httpclient.h"
-#include "settings/secretstore.h"
+#include "settings/keyservice.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QQmlParserStatus>
 #include <QString>
 #include <QUrl>
@@ -17,7 +19,9 @@ namespace zentrik {
 // the window opens at once. Otherwise the stored licence key (secret store account
 // "licenseKey") is posted to the service as {"licenseKey": KEY}; the answer
 // {"valid": true} opens the window, anything else shows the licence entry screen with a
-// one-line reason. The check runs when the QML object is complete, or on start().
+// one-line reason. The check runs when the QML object is complete, or on start(). The key
+// is read and stored through the shared APIManager's key service (its own one when it has
+// no manager), so a Secret Service that does not answer holds up nothing but the check.
 class LicenseGate : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
@@ -28,6 +32,7 @@ class LicenseGate : public QObject, public QQmlParserStatus
     Q_PROPERTY(bool showLicenseSetup READ showLicenseSetup NOTIFY stateChanged FINAL)
     Q_PROPERTY(bool isChecking READ isChecking NOTIFY stateChanged FINAL)
     Q_PROPERTY(QString message READ message NOTIFY messageChanged FINAL)
+    Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
 
 public:
     enum class State { Idle, Checking, Verified, NeedsKey };
@@ -47,6 +52,9 @@ public:
     [[nodiscard]] QUrl serviceUrl() const { return m_serviceUrl; }
     void setServiceUrl(const QUrl &url) { m_serviceUrl = url; }
 
+    [[nodiscard]] APIManager *apiManager() const { return m_apiManager; }
+    void setApiManager(APIManager *manager);
+
     [[nodiscard]] State state() const { return m_state; }
     [[nodiscard]] bool isLicenseVerified() const { return m_state == State::Verified; }
     [[nodiscard]] bool showLicenseSetup() const { return m_state == State::NeedsKey; }
@@ -64,8 +72,11 @@ public:
 Q_SIGNALS:
     void stateChanged();
     void messageChanged();
+    void apiManagerChanged();
 
 private:
+    [[nodiscard]] KeyService &keyService();
+    void onStoredKey(const KeyService::Outcome &outcome);
     void verify(const QString &key);
     void onAnswer(const HttpResult &result);
     void setState(State state);
@@ -75,7 +86,8 @@ private:
     QUrl m_serviceUrl;
     State m_state = State::Idle;
     QString m_message;
-    SecretStore m_keychain;
+    QPointer<APIManager> m_apiManager;
+    std::unique_ptr<KeyService> m_ownKeyService;
     std::unique_ptr<HttpClient> m_http;
 };
 

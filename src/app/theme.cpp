@@ -41,7 +41,10 @@ void Theme::setDarkMode(bool dark)
         return;
     }
     m_isDarkMode = dark;
-    m_preferences.setBoolean(darkModeKey, dark);
+    // The window still switches; only the next start would not remember it.
+    if (!m_preferences.setBoolean(darkModeKey, dark)) {
+        qCWarning(lcApp).noquote() << "The appearance could not be saved:" << m_preferences.errorString();
+    }
     applyLinkColor();
     Q_EMIT isDarkModeChanged();
 }

@@ -3,15 +3,82 @@
 #include "console.h"
 #include "verb.h"
 
+#include "settings/apikeycheck.h"
+
+#include <QEventLoop>
+
+#include <array>
+
 namespace zentrik::cli {
+
+namespace {
+const std::array<const char *, 3> keyVariables { "OPENAI_API_KEY", "ANTHROPIC_API_KEY", "FAL_KEY" };
+} // namespace
+
+bool environmentKeysUsable()
+{
+    for (const char *variable : keyVariables) {
+        if (const std::optional<QString> problem = apiKeyProblem(qEnvironmentVariable(variable))) {
+            fail(QStringLiteral("%1 contains %2; an API key is printable ASCII without spaces")
+                     .arg(QString::fromLatin1(variable), *problem));
+            return false;
+        }
+    }
+    return true;
+}
+
+QString secretStoreMessage(int code)
+{
+    switch (code) {
+    case secretNoService:
+        return QStringLiteral("no Secret Service is running (start GNOME Keyring or KWallet); keys are never "
+                              "written to a plain file");
+    case secretTimedOut:
+        return QStringLiteral("the Secret Service did not answer within 2 seconds (a keyring prompt may be "
+                              "waiting); unlock the keyring and try again");
+    case secretLocked:
+        return QStringLiteral("the keyring is locked; unlock it and try again");
+    case secretNoKeyring:
+        return QStringLiteral("the Secret Service has no default keyring to keep keys in; create one (for example "
+                              "in Passwords and Keys) and try again");
+    default:
+        return QStringLiteral("the Secret Service refused the request; check that the keyring works (for example "
+                              "in Passwords and Keys) and try again");
+    }
+}
+
+bool loadKeys(APIManager &manager, const QStringList &accounts)
+{
+    manager.overrideUserKeys(qEnvironmentVariable(keyVariables[0]), qEnvironmentVariable(keyVariables[1]),
+                             qEnvironmentVariable(keyVariables[2]));
+    manager.readStoredKeys(accounts);
+    if (manager.readingKeys()) {
+        QEventLoop loop;
+        QObject::connect(&manager, &APIManager::settingsReloaded, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    // Without any Secret Service there is simply no stored key, and the request says which
+    // one is missing; a service that is there but fails must not look like that.
+    if (manager.keyStoreResult() != secretSuccess && manager.keyStoreResult() != secretNoService) {
+        fail(QStringLiteral("cannot read the stored API key: %1; or give it in the environment (OPENAI_API_KEY, "
+                            "ANTHROPIC_API_KEY, FAL_KEY)")
+                 .arg(secretStoreMessage(manager.keyStoreResult())));
+        return false;
+    }
+    return true;
+}
 
 std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser, const ModelOptions &options)
 {
-    auto manager = std::make_unique<APIManager>();
-    manager->overrideUserKeys(qEnvironmentVariable("OPENAI_API_KEY"), qEnvironmentVariable("ANTHROPIC_API_KEY"),
-                              qEnvironmentVariable("FAL_KEY"));
+    if (!environmentKeysUsable()) {
+        return nullptr;
+    }
+    auto manager = std::make_unique<APIManager>(APIManager::KeyReading::onRequest);
     if (parser.isSet(options.model)) {
         manager->setSelectedTextModel(parser.value(options.model));
+    }
+    if (!loadKeys(*manager, { APIManager::accountForTextModel(manager->selectedTextModel()) })) {
+        return nullptr;
     }
     return manager;
 }

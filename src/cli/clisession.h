@@ -6,6 +6,7 @@
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QEventLoop>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -20,10 +21,22 @@ struct ModelOptions {
     void addTo(QCommandLineParser &parser) const { parser.addOption(model); }
 };
 
-// An APIManager for one run: the stored keys, overridden by OPENAI_API_KEY,
-// ANTHROPIC_API_KEY and FAL_KEY when set, and the --model choice when given.
+// An APIManager for one run: the stored key of the chosen text model's provider, unless
+// OPENAI_API_KEY, ANTHROPIC_API_KEY or FAL_KEY gives it (then the Secret Service is not
+// asked at all), and the --model choice when given. Null, with the reason printed, when a
+// key in the environment cannot be a key or the Secret Service failed to give a needed one.
 [[nodiscard]] std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser,
                                                          const ModelOptions &options);
+
+// False, with the reason printed, when OPENAI_API_KEY, ANTHROPIC_API_KEY or FAL_KEY holds
+// something that cannot be a key.
+[[nodiscard]] bool environmentKeysUsable();
+// Gives the manager the keys the environment sets, then reads those of these accounts that
+// it does not from the Secret Service, waiting at most the key service's time limit. False,
+// with the reason printed, when the Secret Service could not give them.
+[[nodiscard]] bool loadKeys(APIManager &manager, const QStringList &accounts);
+// One line about a failed Secret Service call, for the command line.
+[[nodiscard]] QString secretStoreMessage(int code);
 
 // What to send when the privacy guard changed the text.
 enum class SendChoice { original, redacted };

@@ -4,7 +4,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace zentrik::cli {
 
@@ -17,6 +19,26 @@ public:
     void writeErr(const QByteArray &bytes) override { write(stderr, bytes); }
 
     QByteArray readAll() override { return input() ? m_in.readAll() : QByteArray(); }
+    std::optional<QByteArray> readAllChecked(QString &error) override
+    {
+        // read(2) rather than QFile, which reports a directory or a closed descriptor on
+        // stdin as an empty text.
+        QByteArray bytes;
+        char buffer[65536];
+        for (;;) {
+            const ssize_t got = ::read(STDIN_FILENO, buffer, sizeof buffer);
+            if (got > 0) {
+                bytes.append(buffer, got);
+            } else if (got == 0) {
+                return bytes;
+            } else if (errno != EINTR) {
+                error = errno == EISDIR
+                    ? QStringLiteral("cannot read stdin: it is a directory")
+                    : QStringLiteral("cannot read stdin: %1").arg(QString::fromLocal8Bit(std::strerror(errno)));
+                return std::nullopt;
+            }
+        }
+    }
     QByteArray readLine() override { return input() ? m_in.readLine() : QByteArray(); }
     bool atEnd() override { return !input() || m_in.atEnd(); }
     bool inputIsTerminal() const override { return ::isatty(STDIN_FILENO) != 0; }

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
+
+#include <optional>
 
 namespace zentrik::cli {
 
@@ -18,6 +21,13 @@ public:
     virtual void writeErr(const QByteArray &bytes) = 0;
     // Everything left on stdin; empty when it cannot be read.
     [[nodiscard]] virtual QByteArray readAll() = 0;
+    // Everything left on stdin, or std::nullopt with error set to one line when it cannot be
+    // read (a directory, a closed descriptor), which is not the same as empty input.
+    [[nodiscard]] virtual std::optional<QByteArray> readAllChecked(QString &error)
+    {
+        Q_UNUSED(error);
+        return readAll();
+    }
     // The next line of stdin with its line break; empty at its end.
     [[nodiscard]] virtual QByteArray readLine() = 0;
     [[nodiscard]] virtual bool atEnd() = 0;

@@ -1,6 +1,7 @@
 #include "transcribefile.h"
 
 #include "model/apimanager.h"
+#include "clisession.h"
 #include "verb.h"
 
 #include <QEventLoop>
@@ -19,8 +20,13 @@ std::variant<QString, int> transcribeFile(const QString &path)
     }
     file.close();
 
-    APIManager manager;
-    manager.overrideUserKeys(qEnvironmentVariable("OPENAI_API_KEY"), {}, {});
+    if (!environmentKeysUsable()) {
+        return exitFailure;
+    }
+    APIManager manager(APIManager::KeyReading::onRequest);
+    if (!loadKeys(manager, { QString::fromLatin1(APIManager::openAIAccount) })) {
+        return exitFailure;
+    }
     QEventLoop loop;
     std::optional<TextResult> result;
     manager.transcribe(path, &loop, [&](const TextResult &outcome) {

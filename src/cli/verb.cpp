@@ -54,12 +54,23 @@ std::optional<int> parseArguments(QCommandLineParser &parser, const QString &ver
     return std::nullopt;
 }
 
-QString textArgument(const QStringList &positional, int index)
+std::optional<QByteArray> readStandardInput(QString &error)
+{
+    return Console::current().readAllChecked(error);
+}
+
+std::optional<QString> textArgument(const QStringList &positional, int index)
 {
     if (index < positional.size() && positional.at(index) != QStringLiteral("-")) {
         return positional.at(index);
     }
-    return QString::fromUtf8(Console::current().readAll());
+    QString error;
+    const std::optional<QByteArray> bytes = readStandardInput(error);
+    if (!bytes) {
+        fail(error);
+        return std::nullopt;
+    }
+    return QString::fromUtf8(*bytes);
 }
 
 bool isInteractive()

@@ -43,8 +43,13 @@ int usageError(const QString &verb, const QString &message);
 std::optional<int> parseArguments(QCommandLineParser &parser, const QString &verb,
                                   const QStringList &arguments);
 
-// The text argument of a verb: the given text, or stdin when it is "-" or absent.
-[[nodiscard]] QString textArgument(const QStringList &positional, int index = 0);
+// The text argument of a verb: the given text, or stdin when it is "-" or absent. A stdin
+// that cannot be read (a directory, a closed descriptor) is not taken as empty input: the
+// reason is printed as one line and the answer is std::nullopt (exit with exitFailure).
+[[nodiscard]] std::optional<QString> textArgument(const QStringList &positional, int index = 0);
+
+// Everything on stdin; std::nullopt (with error set to one line) when it cannot be read.
+[[nodiscard]] std::optional<QByteArray> readStandardInput(QString &error);
 
 // True when stdin and stderr are a terminal (the CLI may ask the user).
 [[nodiscard]] bool isInteractive();

@@ -95,12 +95,18 @@ int runAsk(const QStringList &arguments)
     if (const int *exit = std::get_if<int>(&send)) {
         return *exit;
     }
-    const QString text = textArgument(positional).trimmed();
+    const std::optional<QString> input = textArgument(positional);
+    if (!input) {
+        return exitFailure;
+    }
+    const QString text = input->trimmed();
     if (text.isEmpty()) {
         return usageError(verbName, QStringLiteral("nothing to ask: give TEXT or pipe it in"));
     }
-
     const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    if (!manager) {
+        return exitFailure;
+    }
     IncrementalPrinter printer;
     const std::unique_ptr<AskMeAnythingViewModel> chat = parser.isSet(streamOption)
         ? std::make_unique<StreamedAsk>(printer)

@@ -89,18 +89,24 @@ int runConfig(const QStringList &arguments)
         if (!isKnownTextModel(value)) {
             return usageError(verbName, QStringLiteral("unknown text model '%1' (zentrik-cli models lists them)").arg(value));
         }
-        preferences.setString(QString::fromLatin1(APIManager::textModelPreference), value);
+        if (!preferences.setString(QString::fromLatin1(APIManager::textModelPreference), value)) {
+            return fail(preferences.errorString());
+        }
     } else if (name == QStringLiteral("image-model")) {
         if (!isKnownImageModel(value)) {
             return usageError(verbName, QStringLiteral("unknown image model '%1' (zentrik-cli models lists them)").arg(value));
         }
-        preferences.setString(QString::fromLatin1(APIManager::imageModelPreference), value);
+        if (!preferences.setString(QString::fromLatin1(APIManager::imageModelPreference), value)) {
+            return fail(preferences.errorString());
+        }
     } else {
         const std::optional<bool> dark = parseBoolean(value);
         if (!dark) {
             return usageError(verbName, QStringLiteral("dark-mode takes true or false, not '%1'").arg(value));
         }
-        preferences.setBoolean(QString::fromLatin1(darkModePreference), *dark);
+        if (!preferences.setBoolean(QString::fromLatin1(darkModePreference), *dark)) {
+            return fail(preferences.errorString());
+        }
     }
     return exitSuccess;
 }

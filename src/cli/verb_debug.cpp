@@ -42,11 +42,18 @@ int runDebug(const QStringList &arguments)
         return usageError(verbName, QStringLiteral("unknown suggestion '%1'; choose one of %2")
                                         .arg(suggestion, keys.join(QStringLiteral(", "))));
     }
-    const QString text = textArgument(positional);
+    const std::optional<QString> input = textArgument(positional);
+    if (!input) {
+        return exitFailure;
+    }
+    const QString &text = *input;
     if (text.trimmed().isEmpty()) {
         return usageError(verbName, QStringLiteral("nothing to debug: give TEXT or pipe it in"));
     }
     const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    if (!manager) {
+        return exitFailure;
+    }
     return runDevTool(*manager, QStringLiteral("debugger"), suggestion, text);
 }
 

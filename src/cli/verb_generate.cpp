@@ -45,8 +45,10 @@ int runGenerate(const QStringList &arguments)
     if (const int *exit = std::get_if<int>(&send)) {
         return *exit;
     }
-
     const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    if (!manager) {
+        return exitFailure;
+    }
     GeneratorViewModel generator;
     generator.setApiManager(manager.get());
     generator.setFamily(form.family->identifier());

@@ -1,5 +1,6 @@
 // zentrik-cli image: one picture from a prompt with the selected (or given) image model,
 // saved as a PNG file.
+#include "clisession.h"
 #include "verb.h"
 #include "verbs.h"
 
@@ -94,16 +95,36 @@ int runImage(const QStringList &arguments)
     if (parser.isSet(outputOption) && parser.value(outputOption).isEmpty()) {
         return usageError(verbName, QStringLiteral("-o needs a file name"));
     }
-    const QString prompt = textArgument(positional).trimmed();
+    const std::optional<QString> input = textArgument(positional);
+    if (!input) {
+        return exitFailure;
+    }
+    const QString prompt = input->trimmed();
     if (prompt.isEmpty()) {
         return usageError(verbName, QStringLiteral("nothing to draw: give PROMPT or pipe it in"));
     }
 
-    APIManager manager;
-    manager.overrideUserKeys(qEnvironmentVariable("OPENAI_API_KEY"), {}, qEnvironmentVariable("FAL_KEY"));
+    if (!environmentKeysUsable()) {
+        return exitFailure;
+    }
+    APIManager manager(APIManager::KeyReading::onRequest);
     manager.overrideTogetherKey(qEnvironmentVariable("TOGETHER_API_KEY"));
     if (parser.isSet(modelOption)) {
         manager.setSelectedImageModel(parser.value(modelOption));
+    }
+    QStringList accounts;
+    switch (routeImageModel(manager.selectedImageModel())) {
+    case ImageProvider::openAI:
+        accounts.append(QString::fromLatin1(APIManager::openAIAccount));
+        break;
+    case ImageProvider::fal:
+        accounts.append(QString::fromLatin1(APIManager::falAccount));
+        break;
+    case ImageProvider::together:
+        break;
+    }
+    if (!loadKeys(manager, accounts)) {
+        return exitFailure;
     }
 
     QEventLoop loop;

@@ -1,5 +1,7 @@
+#include "clisession.h"
 #include "console.h"
 #include "model/apimanager.h"
+#include "settings/apikeycheck.h"
 #include "settings/secretstore.h"
 #include "verb.h"
 #include "verbs.h"
@@ -40,26 +42,14 @@ const ProviderKey *findProvider(const QString &name)
     return nullptr;
 }
 
-QString noServiceMessage()
-{
-    return QStringLiteral("no Secret Service is available (start GNOME Keyring or KWallet); keys are never written to a plain file");
-}
-
 QString failureMessage(const SecretStore &store, const QString &what)
 {
-    switch (store.lastResultCode()) {
-    case secretNoService:
-        return noServiceMessage();
-    case secretLocked:
-        return QStringLiteral("%1: the keyring is locked; unlock it and try again").arg(what);
-    default:
-        return QStringLiteral("%1: the secret store refused (code %2)").arg(what).arg(store.lastResultCode());
-    }
+    return QStringLiteral("%1: %2").arg(what, secretStoreMessage(store.lastResultCode()));
 }
 
 // Reads the key without echoing it when stdin is a terminal; a trailing line break is not
-// part of the key.
-QString readKey(const QString &provider)
+// part of the key. std::nullopt, with the reason printed, when stdin cannot be read.
+std::optional<QString> readKey(const QString &provider)
 {
     Console &console = Console::current();
     const bool terminal = console.inputIsTerminal();
@@ -71,12 +61,25 @@ QString readKey(const QString &provider)
         silent.c_lflag &= ~tcflag_t(ECHO);
         tcsetattr(STDIN_FILENO, TCSANOW, &silent);
     }
-    const QByteArray bytes = terminal ? console.readLine() : console.readAll();
+    std::optional<QByteArray> bytes;
+    QString error;
     if (terminal) {
+        bytes = console.readLine();
         tcsetattr(STDIN_FILENO, TCSANOW, &saved);
         printErr(QStringLiteral("\n"));
+    } else {
+        bytes = console.readAllChecked(error);
     }
-    return QString::fromUtf8(bytes).trimmed();
+    if (!bytes) {
+        fail(error.isEmpty() ? QStringLiteral("cannot read the key from stdin") : error);
+        return std::nullopt;
+    }
+    // Only the line break that ends the input goes; anything else is judged as part of the key.
+    QByteArray key = *bytes;
+    while (key.endsWith('\n') || key.endsWith('\r')) {
+        key.chop(1);
+    }
+    return QString::fromUtf8(key);
 }
 
 int runKeys(const QStringList &arguments)
@@ -98,6 +101,8 @@ int runKeys(const QStringList &arguments)
     const QStringList args = parser.positionalArguments();
     const QString action = args.value(0);
     SecretStore store;
+    // Each action is one operation with one time limit, however many items it touches.
+    store.setDeadline(SecretStore::Clock::now() + std::chrono::milliseconds(SecretStore::timeoutMs));
 
     if (action == QStringLiteral("status")) {
         if (args.size() != 1) {
@@ -106,11 +111,12 @@ int runKeys(const QStringList &arguments)
         QJsonArray entries;
         QString text;
         for (const ProviderKey &key : providerKeys) {
-            const bool stored = store.get(QString::fromLatin1(key.account)).has_value();
-            if (store.lastResultCode() == secretNoService) {
-                return fail(noServiceMessage());
-            }
             const bool fromEnvironment = !qEnvironmentVariableIsEmpty(key.environment);
+            // A key the environment gives wins; the store need not be asked about it.
+            const bool stored = !fromEnvironment && store.get(QString::fromLatin1(key.account)).has_value();
+            if (!fromEnvironment && !stored && store.lastResultCode() != secretNotFound) {
+                return fail(failureMessage(store, QStringLiteral("cannot read the %1 key").arg(key.provider)));
+            }
             QString source = fromEnvironment ? QString::fromLatin1(key.environment)
                                              : (stored ? QStringLiteral("secret store") : QString());
             entries.append(QJsonObject{{QStringLiteral("provider"), key.provider},
@@ -149,9 +155,18 @@ int runKeys(const QStringList &arguments)
         return fail(failureMessage(store, QStringLiteral("could not delete the %1 key").arg(key->provider)));
     }
 
-    const QString value = readKey(key->provider);
+    const std::optional<QString> input = readKey(key->provider);
+    if (!input) {
+        return exitFailure;
+    }
+    const QString &value = *input;
     if (value.isEmpty()) {
         return fail(QStringLiteral("no key on stdin; to remove a key use: zentrik-cli keys delete %1").arg(key->provider));
+    }
+    if (const std::optional<QString> problem = apiKeyProblem(value)) {
+        return fail(QStringLiteral("the %1 key contains %2; an API key is printable ASCII without spaces (nothing was "
+                                   "stored)")
+                        .arg(key->provider, *problem));
     }
     if (!store.set(value, account)) {
         return fail(failureMessage(store, QStringLiteral("could not store the %1 key").arg(key->provider)));

@@ -31,7 +31,9 @@ struct Input {
 Input readInput(const QStringList &positional)
 {
     if (positional.size() < 2 || positional.at(1) == QStringLiteral("-")) {
-        return {textArgument({}), {}};
+        QString error;
+        const std::optional<QByteArray> bytes = readStandardInput(error);
+        return {bytes ? QString::fromUtf8(*bytes) : QString(), error};
     }
     const QString path = positional.at(1);
     if (QFileInfo(path).isDir()) {

@@ -140,8 +140,11 @@ int runNotes(const QStringList &arguments)
         return exitSuccess;
     }
     if (action == QStringLiteral("search")) {
-        printList(
-            manager.search(argument == QStringLiteral("-") ? textArgument({}) : argument), parser.isSet(jsonOption));
+        const std::optional<QString> text = argument == QStringLiteral("-") ? textArgument({}) : argument;
+        if (!text) {
+            return exitFailure;
+        }
+        printList(manager.search(*text), parser.isSet(jsonOption));
         return exitSuccess;
     }
     if (action == QStringLiteral("add")) {
@@ -150,7 +153,9 @@ int runNotes(const QStringList &arguments)
             return *exit;
         }
         const VoiceNote note = VoiceNote::create(QStringLiteral("New Voice Note"), std::get<QString>(text));
-        manager.add(note);
+        if (!manager.add(note)) {
+            return fail(QStringLiteral("the note was not saved: %1").arg(manager.writeError()));
+        }
         printNote(note);
         return exitSuccess;
     }
@@ -166,7 +171,9 @@ int runNotes(const QStringList &arguments)
     }
     if (action == QStringLiteral("delete")) {
         if (!manager.remove(note.id)) {
-            return fail(QStringLiteral("no voice note has the id '%1'").arg(note.id));
+            return fail(manager.writeError().isEmpty()
+                    ? QStringLiteral("no voice note has the id '%1'").arg(note.id)
+                    : QStringLiteral("the note was not deleted: %1").arg(manager.writeError()));
         }
         return exitSuccess;
     }
@@ -175,10 +182,16 @@ int runNotes(const QStringList &arguments)
     }
     if (parser.isSet(transcriptionOption)) {
         const QString value = parser.value(transcriptionOption);
-        note.transcription = value == QStringLiteral("-") ? textArgument({}) : value;
+        const std::optional<QString> text = value == QStringLiteral("-") ? textArgument({}) : value;
+        if (!text) {
+            return exitFailure;
+        }
+        note.transcription = *text;
     }
     if (!manager.replace(note)) {
-        return fail(QStringLiteral("no voice note has the id '%1'").arg(note.id));
+        return fail(manager.writeError().isEmpty()
+                ? QStringLiteral("no voice note has the id '%1'").arg(note.id)
+                : QStringLiteral("the note was not changed: %1").arg(manager.writeError()));
     }
     printNote(note);
     return exitSuccess;

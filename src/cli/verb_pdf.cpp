@@ -49,13 +49,19 @@ int runPdf(const QStringList &arguments)
     }
     QString question;
     if (action == QStringLiteral("ask")) {
-        question = textArgument(args, 2).trimmed();
+        const std::optional<QString> input = textArgument(args, 2);
+        if (!input) {
+            return exitFailure;
+        }
+        question = input->trimmed();
         if (question.isEmpty()) {
             return usageError(verbName, QStringLiteral("the question is empty"));
         }
     }
-
     const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    if (!manager) {
+        return exitFailure;
+    }
     PdfChatViewModel chat;
     chat.setApiManager(manager.get());
     if (!chat.openFile(args.at(1))) {

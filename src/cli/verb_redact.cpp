@@ -28,7 +28,11 @@ int runRedact(const QStringList &arguments)
             QStringLiteral("redact"), QCoreApplication::translate("zentrik-cli", "redact takes one text"));
     }
     const bool fromArgument = !positional.isEmpty() && positional.constFirst() != QStringLiteral("-");
-    const QString redacted = zentrik::PIIManager::redact(textArgument(positional));
+    const std::optional<QString> input = textArgument(positional);
+    if (!input) {
+        return exitFailure;
+    }
+    const QString redacted = zentrik::PIIManager::redact(*input);
     // Text from stdin comes back byte for byte apart from the tags; an argument gets a newline.
     printOut(fromArgument ? redacted + QLatin1Char('\n') : redacted);
     return exitSuccess;

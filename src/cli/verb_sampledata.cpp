@@ -50,11 +50,18 @@ int runSampleData(const QStringList &arguments)
         return usageError(verbName, QStringLiteral("unknown format '%1'; choose one of %2")
                                         .arg(parser.value(formatOption), formats.join(QStringLiteral(", "))));
     }
-    const QString text = textArgument(positional);
+    const std::optional<QString> input = textArgument(positional);
+    if (!input) {
+        return exitFailure;
+    }
+    const QString &text = *input;
     if (text.trimmed().isEmpty()) {
         return usageError(verbName, QStringLiteral("nothing to generate from: give TEXT or pipe it in"));
     }
     const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    if (!manager) {
+        return exitFailure;
+    }
     return runDevTool(*manager, QStringLiteral("sampleData"), format->label, text);
 }
 

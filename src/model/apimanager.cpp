@@ -8,16 +8,31 @@
 
 namespace zentrik {
 
+namespace {
+const QStringList userKeyAccounts { QString::fromLatin1(APIManager::openAIAccount),
+                                    QString::fromLatin1(APIManager::claudeAccount),
+                                    QString::fromLatin1(APIManager::falAccount) };
+} // namespace
+
 APIManager::APIManager(QObject *parent)
+    : APIManager(KeyReading::atStart, parent)
+{
+}
+
+APIManager::APIManager(KeyReading reading, QObject *parent)
     : QObject(parent)
     , m_http(new HttpClient(this))
+    , m_keyService(new KeyService(this))
+    , m_keyReading(reading)
 {
     readSelections();
     m_openRouterKey = QString::fromUtf8(build::openRouterKey);
     m_togetherApiKey = QString::fromUtf8(build::togetherKey);
     m_textModels = ModelCatalog::textModels();
     m_imageModels = ModelCatalog::imageModels();
-    reloadSettings();
+    if (reading == KeyReading::atStart) {
+        readStoredKeys(userKeyAccounts);
+    }
     setUpChatClient();
 }
 
@@ -25,15 +40,61 @@ APIManager::~APIManager() = default;
 
 void APIManager::overrideUserKeys(const QString &openAIKey, const QString &claudeKey, const QString &falAIKey)
 {
-    if (!openAIKey.isEmpty()) {
-        m_openAIKey = openAIKey;
+    const auto override = [this](QString &field, const QString &value, const char *account) {
+        if (!value.isEmpty()) {
+            field = value;
+            m_overriddenAccounts.append(QString::fromLatin1(account));
+        }
+    };
+    override(m_openAIKey, openAIKey, openAIAccount);
+    override(m_claudeKey, claudeKey, claudeAccount);
+    override(m_falAIKey, falAIKey, falAccount);
+}
+
+QString APIManager::accountForTextModel(const QString &modelId)
+{
+    switch (routeTextModel(modelId).value_or(TextProvider::openRouter)) {
+    case TextProvider::openAI:
+        return QString::fromLatin1(openAIAccount);
+    case TextProvider::anthropic:
+        return QString::fromLatin1(claudeAccount);
+    case TextProvider::openRouter:
+        break;
     }
-    if (!claudeKey.isEmpty()) {
-        m_claudeKey = claudeKey;
+    return {};
+}
+
+void APIManager::readStoredKeys(const QStringList &accounts)
+{
+    QStringList wanted;
+    for (const QString &account : accounts) {
+        if (!account.isEmpty() && !m_overriddenAccounts.contains(account) && !wanted.contains(account)) {
+            wanted.append(account);
+        }
     }
-    if (!falAIKey.isEmpty()) {
-        m_falAIKey = falAIKey;
+    if (wanted.isEmpty()) {
+        return;
     }
+    ++m_pendingKeyReads;
+    m_keyService->read(wanted, this, [this, wanted](const KeyService::Outcome &outcome) {
+        --m_pendingKeyReads;
+        m_keyStoreResult = outcome.code;
+        // The command line says it once, in its own words, when the key is needed.
+        if (!outcome.succeeded() && m_keyReading == KeyReading::atStart) {
+            qWarning().noquote() << "The stored API keys could not be read:" << KeyService::describe(outcome.code);
+        }
+        const auto take = [&](QString &field, const char *account) {
+            const QString name = QString::fromLatin1(account);
+            // A failed read keeps what was known; a key given for this run always stays.
+            if (wanted.contains(name) && !m_overriddenAccounts.contains(name) && outcome.succeeded()) {
+                field = outcome.values.value(name);
+            }
+        };
+        take(m_openAIKey, openAIAccount);
+        take(m_claudeKey, claudeAccount);
+        take(m_falAIKey, falAccount);
+        Q_EMIT settingsReloaded();
+    });
 }
 
 void APIManager::setSelectedTextModel(const QString &modelId)
@@ -70,11 +131,8 @@ void APIManager::readSelections()
 
 void APIManager::reloadSettings()
 {
-    m_openAIKey = m_keychain.get(QString::fromLatin1(openAIAccount)).value_or(QString());
-    m_claudeKey = m_keychain.get(QString::fromLatin1(claudeAccount)).value_or(QString());
-    m_falAIKey = m_keychain.get(QString::fromLatin1(falAccount)).value_or(QString());
     readSelections();
-    Q_EMIT settingsReloaded();
+    readStoredKeys(userKeyAccounts);
 }
 
 void APIManager::setUpChatClient()

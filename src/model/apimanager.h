@@ -8,7 +8,7 @@
 #include "model/providerrouting.h"
 #include "net/httpclient.h"
 #include "settings/preferences.h"
-#include "settings/secretstore.h"
+#include "settings/keyservice.h"
 
 #include <QList>
 #include <QObject>
@@ -41,7 +41,13 @@ class APIManager : public QObject
                    selectedImageModelChanged FINAL)
 
 public:
+    // When the stored keys are read: at once (in the background: nothing waits for the
+    // Secret Service), or only when readStoredKeys() asks for them (the command line, which
+    // needs one key at most and none that the environment gives).
+    enum class KeyReading { atStart, onRequest };
+
     explicit APIManager(QObject *parent = nullptr);
+    explicit APIManager(KeyReading reading, QObject *parent = nullptr);
     ~APIManager() override;
 
     [[nodiscard]] QString selectedTextModel() const { return m_selectedTextModel; }
@@ -58,7 +64,18 @@ public:
     [[nodiscard]] const QList<AIModel> &textModels() const { return m_textModels; }
     [[nodiscard]] const QList<ImageModel> &imageModels() const { return m_imageModels; }
 
-    [[nodiscard]] SecretStore &keychain() { return m_keychain; }
+    // The one way to the Secret Service, shared by the settings screen and the licence gate.
+    [[nodiscard]] KeyService &keyService() { return *m_keyService; }
+    // Reads these accounts' keys in the background, except those given for this run;
+    // settingsReloaded() follows when they are in.
+    void readStoredKeys(const QStringList &accounts);
+    // Whether a read of the stored keys is still under way.
+    [[nodiscard]] bool readingKeys() const { return m_pendingKeyReads > 0; }
+    // The result code of the last read of the stored keys (secretSuccess before any).
+    [[nodiscard]] int keyStoreResult() const { return m_keyStoreResult; }
+    // The secret-store account of the key a text model needs; empty when it needs none of
+    // the user's keys.
+    [[nodiscard]] static QString accountForTextModel(const QString &modelId);
 
     // The check the tools run before sending with the current selection and keys:
     // std::nullopt when it passes, otherwise the message to show.
@@ -125,8 +142,9 @@ public:
     [[nodiscard]] QUrl openRouterChatUrl() const { return m_openRouterChatUrl; }
     [[nodiscard]] QUrl openRouterModelsUrl() const { return m_openRouterModelsUrl; }
 
-    // Reads the user's keys from the secret store and the selections from the preferences
-    // again; the settings screen calls it after a save.
+    // Reads the selections from the preferences again, and the user's keys from the secret
+    // store in the background (settingsReloaded() follows); the settings screen calls it
+    // after a save.
     Q_INVOKABLE void reloadSettings();
 
     // Secret-store accounts of the user's keys, and the preference keys of the selections.
@@ -139,7 +157,7 @@ public:
 Q_SIGNALS:
     void selectedTextModelChanged();
     void selectedImageModelChanged();
-    // The keys were read again.
+    // The keys were read again (or the Secret Service failed: see keyStoreResult()).
     void settingsReloaded();
 
 private:
@@ -155,10 +173,15 @@ private:
     void finishStream(StreamId id, const std::optional<APIError> &error);
 
     HttpClient *m_http;
+    KeyService *m_keyService;
+    KeyReading m_keyReading;
+    int m_pendingKeyReads = 0;
+    int m_keyStoreResult = secretSuccess;
+    // Accounts whose key was given for this run; the store never replaces them.
+    QStringList m_overriddenAccounts;
 
     QString m_selectedTextModel;
     QString m_selectedImageModel;
-    SecretStore m_keychain;
     Preferences m_preferences;
     QString m_openAIKey;
     QString m_claudeKey;

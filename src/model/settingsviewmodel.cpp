@@ -2,6 +2,7 @@
 
 #include "model/apimanager.h"
 #include "model/modelcatalog.h"
+#include "settings/apikeycheck.h"
 
 #include <QVariantMap>
 
@@ -32,7 +33,14 @@ SettingsViewModel::SettingsViewModel(APIManager *apiManager, QObject *parent)
     : QObject(parent)
     , m_apiManager(apiManager)
 {
-    load();
+    if (apiManager) {
+        load();
+    } else {
+        m_isLoadingKeys = true;
+        // Created by a screen, which hands over the shared APIManager just after: read the
+        // keys through its service rather than start one of our own.
+        QMetaObject::invokeMethod(this, &SettingsViewModel::load, Qt::QueuedConnection);
+    }
 }
 
 void SettingsViewModel::setApiManager(APIManager *apiManager)
@@ -121,43 +129,118 @@ QVariantList SettingsViewModel::imageModels()
     return list;
 }
 
+KeyService &SettingsViewModel::keyService()
+{
+    if (m_apiManager) {
+        return m_apiManager->keyService();
+    }
+    if (!m_ownKeyService) {
+        m_ownKeyService = std::make_unique<KeyService>();
+    }
+    return *m_ownKeyService;
+}
+
 void SettingsViewModel::load()
 {
     setSelectedTextModel(m_preferences.string(QString::fromLatin1(APIManager::textModelPreference),
                                               ModelCatalog::defaultTextModel));
     setSelectedImageModel(m_preferences.string(QString::fromLatin1(APIManager::imageModelPreference),
                                                ModelCatalog::defaultImageModel));
-    setOpenAIKey(m_keychain.get(openAIAccount).value_or(QString()));
-    setClaudeKey(m_keychain.get(claudeAccount).value_or(QString()));
-    setFalAIKey(m_keychain.get(falAccount).value_or(QString()));
-    setSecretStoreAvailable(m_keychain.lastResultCode() != secretNoService);
+    setLoadingKeys(true);
+    // A field the user types into before the stored keys arrive keeps what was typed.
+    const QStringList typed { m_openAIKey, m_claudeKey, m_falAIKey };
+    keyService().read({ openAIAccount, claudeAccount, falAccount }, this,
+                      [this, typed](const KeyService::Outcome &outcome) {
+                          setLoadingKeys(false);
+                          showKeyStoreResult(outcome.code);
+                          if (!outcome.succeeded()) {
+                              return;
+                          }
+                          if (m_openAIKey == typed.at(0)) {
+                              setOpenAIKey(outcome.values.value(openAIAccount));
+                          }
+                          if (m_claudeKey == typed.at(1)) {
+                              setClaudeKey(outcome.values.value(claudeAccount));
+                          }
+                          if (m_falAIKey == typed.at(2)) {
+                              setFalAIKey(outcome.values.value(falAccount));
+                          }
+                      });
 }
 
-bool SettingsViewModel::storeKey(const QString &account, const QString &value)
+void SettingsViewModel::showKeyStoreResult(int code)
 {
-    if (value.isEmpty()) {
-        // Nothing stored is as good as deleted: "not found" is success here.
-        return m_keychain.remove(account) || m_keychain.lastResultCode() == secretNotFound;
+    setSecretStoreAvailable(code != secretNoService);
+    const QString problem = code == secretSuccess || code == secretNoService ? QString() : KeyService::describe(code);
+    if (assign(m_keyStoreProblem, problem)) {
+        Q_EMIT keyStoreProblemChanged();
     }
-    return m_keychain.set(value, account);
 }
 
-bool SettingsViewModel::save()
+void SettingsViewModel::save()
 {
-    bool keysStored = storeKey(openAIAccount, m_openAIKey);
-    keysStored = storeKey(falAccount, m_falAIKey) && keysStored;
-    keysStored = storeKey(claudeAccount, m_claudeKey) && keysStored;
-    setSecretStoreAvailable(m_keychain.lastResultCode() != secretNoService);
+    if (m_isSaving) {
+        return;
+    }
+    const QList<std::pair<QString, QString>> fields { { tr("OpenAI"), m_openAIKey.trimmed() },
+                                                      { tr("Fal AI"), m_falAIKey.trimmed() },
+                                                      { tr("Claude"), m_claudeKey.trimmed() } };
+    for (const auto &[provider, key] : fields) {
+        if (const std::optional<QString> problem = apiKeyProblem(key)) {
+            finishSave(tr("The %1 API key contains %2; API keys are printable ASCII characters without spaces. "
+                          "Nothing was saved.")
+                           .arg(provider, *problem));
+            return;
+        }
+    }
 
-    m_preferences.setString(QString::fromLatin1(APIManager::textModelPreference), m_selectedTextModel);
-    m_preferences.setString(QString::fromLatin1(APIManager::imageModelPreference), m_selectedImageModel);
-    if (m_apiManager) {
-        m_apiManager->reloadSettings();
+    const bool choicesSaved = m_preferences.update([this](QVariantMap &values) {
+        values.insert(QString::fromLatin1(APIManager::textModelPreference), m_selectedTextModel);
+        values.insert(QString::fromLatin1(APIManager::imageModelPreference), m_selectedImageModel);
+        return true;
+    });
+    if (!choicesSaved) {
+        finishSave(tr("The model choices could not be saved: %1").arg(m_preferences.errorString()));
+        return;
+    }
+
+    setSaving(true);
+    keyService().write({ { openAIAccount, fields.at(0).second },
+                         { falAccount, fields.at(1).second },
+                         { claudeAccount, fields.at(2).second } },
+                       this, [this](const KeyService::Outcome &outcome) {
+                           setSaving(false);
+                           showKeyStoreResult(outcome.code);
+                           if (m_apiManager) {
+                               m_apiManager->reloadSettings();
+                           }
+                           finishSave(outcome.succeeded() ? QString() : KeyService::describe(outcome.code));
+                       });
+}
+
+void SettingsViewModel::finishSave(const QString &error)
+{
+    if (assign(m_saveError, error)) {
+        Q_EMIT saveErrorChanged();
     }
     if (assign(m_showingSaveConfirmation, true)) {
         Q_EMIT showingSaveConfirmationChanged();
     }
-    return keysStored;
+    Q_EMIT saveFinished(error.isEmpty());
+}
+
+void SettingsViewModel::setLoadingKeys(bool value)
+{
+    if (assign(m_isLoadingKeys, value)) {
+        Q_EMIT isLoadingKeysChanged();
+    }
+}
+
+void SettingsViewModel::setSaving(bool value)
+{
+    if (assign(m_isSaving, value)) {
+        Q_EMIT isSavingChanged();
+    }
 }
 
 void SettingsViewModel::toggleHowItWorks()

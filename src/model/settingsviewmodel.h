@@ -1,20 +1,24 @@
 #pragma once
 
+#include "settings/keyservice.h"
 #include "settings/preferences.h"
-#include "settings/secretstore.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QVariantList>
+
+#include <memory>
 
 namespace zentrik {
 
 class APIManager;
 
 // State of the settings screen: the keys as typed and the two model choices. Loads on
-// creation; nothing is written until save(), which stores the keys in the secret store
+// creation (the keys arrive in the background through the APIManager's key service);
+// nothing is written until save(), which checks the keys, stores them in the secret store
 // (an empty field deletes the stored key), the choices in the preferences, and makes the
-// shared APIManager read them again so the next request uses them.
+// shared APIManager read them again so the next request uses them. The notice after a save
+// says whether it worked: saveError holds the reason when it did not.
 class SettingsViewModel : public QObject
 {
     Q_OBJECT
@@ -30,6 +34,10 @@ class SettingsViewModel : public QObject
     Q_PROPERTY(QString howItWorksSymbol READ howItWorksSymbol NOTIFY showHowItWorksChanged FINAL)
     Q_PROPERTY(bool showingSaveConfirmation READ showingSaveConfirmation NOTIFY showingSaveConfirmationChanged FINAL)
     Q_PROPERTY(bool secretStoreAvailable READ secretStoreAvailable NOTIFY secretStoreAvailableChanged FINAL)
+    Q_PROPERTY(QString keyStoreProblem READ keyStoreProblem NOTIFY keyStoreProblemChanged FINAL)
+    Q_PROPERTY(bool isLoadingKeys READ isLoadingKeys NOTIFY isLoadingKeysChanged FINAL)
+    Q_PROPERTY(bool isSaving READ isSaving NOTIFY isSavingChanged FINAL)
+    Q_PROPERTY(QString saveError READ saveError NOTIFY saveErrorChanged FINAL)
     Q_PROPERTY(QVariantList textModels READ textModels CONSTANT FINAL)
     Q_PROPERTY(QVariantList imageModels READ imageModels CONSTANT FINAL)
 
@@ -54,7 +62,15 @@ public:
     void setShowHowItWorks(bool value);
     [[nodiscard]] QString howItWorksSymbol() const;
     [[nodiscard]] bool showingSaveConfirmation() const { return m_showingSaveConfirmation; }
+    // False only when no Secret Service runs at all.
     [[nodiscard]] bool secretStoreAvailable() const { return m_secretStoreAvailable; }
+    // What went wrong with a Secret Service that does run (no answer in time, locked,
+    // refused); empty when nothing did.
+    [[nodiscard]] QString keyStoreProblem() const { return m_keyStoreProblem; }
+    [[nodiscard]] bool isLoadingKeys() const { return m_isLoadingKeys; }
+    [[nodiscard]] bool isSaving() const { return m_isSaving; }
+    // Why the last save failed; empty after a save that worked.
+    [[nodiscard]] QString saveError() const { return m_saveError; }
 
     // Each entry: id, name, icon, usage (text) or id, name, features (image).
     [[nodiscard]] static QVariantList textModels();
@@ -62,12 +78,10 @@ public:
 
     // Reads the choices (catalogue defaults when absent) and the keys (empty when absent).
     Q_INVOKABLE void load();
-    // Returns false when a key could not be written to the secret store.
-    Q_INVOKABLE bool save();
+    // Checks and writes everything; saveFinished() follows, and the notice shows.
+    Q_INVOKABLE void save();
     Q_INVOKABLE void toggleHowItWorks();
     Q_INVOKABLE void dismissSaveConfirmation();
-
-    [[nodiscard]] SecretStore &keychain() { return m_keychain; }
 
 Q_SIGNALS:
     void apiManagerChanged();
@@ -79,10 +93,19 @@ Q_SIGNALS:
     void showHowItWorksChanged();
     void showingSaveConfirmationChanged();
     void secretStoreAvailableChanged();
+    void keyStoreProblemChanged();
+    void isLoadingKeysChanged();
+    void isSavingChanged();
+    void saveErrorChanged();
+    void saveFinished(bool succeeded);
 
 private:
-    bool storeKey(const QString &account, const QString &value);
+    [[nodiscard]] KeyService &keyService();
+    void showKeyStoreResult(int code);
+    void finishSave(const QString &error);
     void setSecretStoreAvailable(bool value);
+    void setLoadingKeys(bool value);
+    void setSaving(bool value);
 
     QString m_selectedTextModel;
     QString m_selectedImageModel;
@@ -92,7 +115,12 @@ private:
     bool m_showHowItWorks = false;
     bool m_showingSaveConfirmation = false;
     bool m_secretStoreAvailable = true;
-    SecretStore m_keychain;
+    QString m_keyStoreProblem;
+    bool m_isLoadingKeys = false;
+    bool m_isSaving = false;
+    QString m_saveError;
+    // Only without an APIManager (tests, a screen not yet given one).
+    std::unique_ptr<KeyService> m_ownKeyService;
     Preferences m_preferences;
     QPointer<APIManager> m_apiManager;
 };

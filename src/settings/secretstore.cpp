@@ -12,6 +12,85 @@ Q_LOGGING_CATEGORY(lcSecrets, "zentrik.settings", QtInfoMsg)
 
 namespace zentrik {
 
+// Cancels the libsecret calls of one public operation once its time is up, so that an
+// unreachable bus or a service that waits on a prompt never hangs the caller. One object
+// covers every call of the operation: a set that first removes the old item still gives
+// up at the one deadline.
+class SecretStore::Deadline
+{
+public:
+    explicit Deadline(Clock::time_point at)
+        : m_cancellable(g_cancellable_new())
+        , m_watcher([this, at] {
+            std::unique_lock guard(m_mutex);
+            if (!m_finished.wait_until(guard, at, [this] { return m_done || m_expired; })) {
+                m_expired = true;
+            }
+            if (m_expired) {
+                g_cancellable_cancel(m_cancellable);
+            }
+        })
+    {
+    }
+    ~Deadline()
+    {
+        {
+            std::lock_guard guard(m_mutex);
+            m_done = true;
+        }
+        m_finished.notify_all();
+        m_watcher.join();
+        g_object_unref(m_cancellable);
+    }
+    Deadline(const Deadline &) = delete;
+    Deadline &operator=(const Deadline &) = delete;
+
+    [[nodiscard]] GCancellable *cancellable() const { return m_cancellable; }
+    [[nodiscard]] bool expired()
+    {
+        std::lock_guard guard(m_mutex);
+        return m_expired;
+    }
+    void expireNow()
+    {
+        {
+            std::lock_guard guard(m_mutex);
+            m_expired = true;
+        }
+        m_finished.notify_all();
+    }
+
+private:
+    GCancellable *m_cancellable;
+    std::mutex m_mutex;
+    std::condition_variable m_finished;
+    bool m_done = false;
+    bool m_expired = false;
+    std::thread m_watcher;
+};
+
+// Makes the operation's deadline reachable from cancelCurrentCall() while it runs.
+class RunningCall
+{
+public:
+    RunningCall(SecretStore &store, SecretStore::Deadline &deadline)
+        : m_store(store)
+    {
+        std::lock_guard guard(m_store.m_abortLock);
+        m_store.m_running = &deadline;
+    }
+    ~RunningCall()
+    {
+        std::lock_guard guard(m_store.m_abortLock);
+        m_store.m_running = nullptr;
+    }
+    RunningCall(const RunningCall &) = delete;
+    RunningCall &operator=(const RunningCall &) = delete;
+
+private:
+    SecretStore &m_store;
+};
+
 namespace {
 
 const char *const attrAccount = "account";
@@ -37,52 +116,6 @@ const SecretSchema *genericPasswordSchema()
     return &schema;
 }
 
-// Cancels the libsecret calls of one public operation once its time is up, so that an
-// unreachable bus or a service that waits on a prompt never hangs the caller.
-class Deadline
-{
-public:
-    explicit Deadline(int milliseconds)
-        : m_cancellable(g_cancellable_new())
-        , m_watcher([this, milliseconds] {
-            std::unique_lock guard(m_mutex);
-            if (!m_finished.wait_for(guard, std::chrono::milliseconds(milliseconds),
-                                     [this] { return m_done; })) {
-                m_expired = true;
-                g_cancellable_cancel(m_cancellable);
-            }
-        })
-    {
-    }
-    ~Deadline()
-    {
-        {
-            std::lock_guard guard(m_mutex);
-            m_done = true;
-        }
-        m_finished.notify_all();
-        m_watcher.join();
-        g_object_unref(m_cancellable);
-    }
-    Deadline(const Deadline &) = delete;
-    Deadline &operator=(const Deadline &) = delete;
-
-    [[nodiscard]] GCancellable *cancellable() const { return m_cancellable; }
-    [[nodiscard]] bool expired()
-    {
-        std::lock_guard guard(m_mutex);
-        return m_expired;
-    }
-
-private:
-    GCancellable *m_cancellable;
-    std::mutex m_mutex;
-    std::condition_variable m_finished;
-    bool m_done = false;
-    bool m_expired = false;
-    std::thread m_watcher;
-};
-
 struct ErrorGuard {
     GError *error = nullptr;
     ~ErrorGuard()
@@ -93,10 +126,12 @@ struct ErrorGuard {
     }
 };
 
+using Deadline = SecretStore::Deadline;
+
 int classify(const GError *error, Deadline &deadline)
 {
     if (deadline.expired()) {
-        return secretNoService;
+        return secretTimedOut;
     }
     if (!error) {
         return secretOtherFailure;
@@ -152,9 +187,8 @@ void addLookupScope(QVariantMap &query, Attributes &attributes, const std::optio
 }
 
 // Removes every item of ours that matches; true when at least one went.
-bool deleteMatching(const Attributes &attributes, int &code)
+bool deleteMatching(const Attributes &attributes, Deadline &deadline, int &code)
 {
-    Deadline deadline(SecretStore::timeoutMs);
     SecretService *service = connectService(deadline, code);
     if (!service) {
         return false;
@@ -176,7 +210,7 @@ SecretService *connectService(Deadline &deadline, int &code)
     ErrorGuard guard;
     SecretService *service = secret_service_get_sync(SECRET_SERVICE_NONE, deadline.cancellable(), &guard.error);
     if (!service) {
-        code = deadline.expired() ? secretNoService : classify(guard.error, deadline);
+        code = classify(guard.error, deadline);
         if (code == secretOtherFailure || code == secretNotFound) {
             code = secretNoService;
         }
@@ -212,8 +246,13 @@ bool SecretStore::set(const QString &text, const QString &key, std::optional<Sec
 bool SecretStore::set(const QByteArray &data, const QString &key, std::optional<SecretAccessOption> access)
 {
     std::lock_guard lock(m_lock);
+    Deadline deadline(operationDeadline());
+    const RunningCall running(*this, deadline);
     // A set always replaces: whatever stood under the account goes first.
-    removeLocked(key);
+    removeLocked(key, deadline);
+    if (m_lastResultCode != secretSuccess && m_lastResultCode != secretNotFound) {
+        return false;
+    }
 
     const QString account = m_keyPrefix + key;
     const QString accessible = secretAccessOptionName(access.value_or(SecretAccessOption::accessibleWhenUnlocked));
@@ -235,7 +274,6 @@ bool SecretStore::set(const QByteArray &data, const QString &key, std::optional<
     attributes.insert(attrSynchronizable, synchronizable);
     m_lastQueryParameters = query;
 
-    Deadline deadline(timeoutMs);
     SecretService *service = connectService(deadline, m_lastResultCode);
     if (!service) {
         return false;
@@ -245,7 +283,7 @@ bool SecretStore::set(const QByteArray &data, const QString &key, std::optional<
     SecretCollection *collection = secret_collection_for_alias_sync(
         service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, deadline.cancellable(), &aliasError.error);
     if (!collection) {
-        m_lastResultCode = aliasError.error ? classify(aliasError.error, deadline) : secretOtherFailure;
+        m_lastResultCode = aliasError.error ? classify(aliasError.error, deadline) : secretNoKeyring;
         if (!aliasError.error) {
             qCWarning(lcSecrets) << "The Secret Service has no default keyring to store keys in";
         }
@@ -294,7 +332,8 @@ std::optional<QByteArray> SecretStore::getData(const QString &key, bool asRefere
     addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
-    Deadline deadline(timeoutMs);
+    Deadline deadline(operationDeadline());
+    const RunningCall running(*this, deadline);
     SecretService *service = connectService(deadline, m_lastResultCode);
     if (!service) {
         return std::nullopt;
@@ -336,10 +375,12 @@ std::optional<QByteArray> SecretStore::getData(const QString &key, bool asRefere
 bool SecretStore::remove(const QString &key)
 {
     std::lock_guard lock(m_lock);
-    return removeLocked(key);
+    Deadline deadline(operationDeadline());
+    const RunningCall running(*this, deadline);
+    return removeLocked(key, deadline);
 }
 
-bool SecretStore::removeLocked(const QString &key)
+bool SecretStore::removeLocked(const QString &key, Deadline &deadline)
 {
     const QString account = m_keyPrefix + key;
     QVariantMap query{{QStringLiteral("class"), QStringLiteral("genericPassword")},
@@ -349,7 +390,7 @@ bool SecretStore::removeLocked(const QString &key)
     addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
-    return deleteMatching(attributes, m_lastResultCode);
+    return deleteMatching(attributes, deadline, m_lastResultCode);
 }
 
 bool SecretStore::clear()
@@ -360,7 +401,9 @@ bool SecretStore::clear()
     addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
-    return deleteMatching(attributes, m_lastResultCode);
+    Deadline deadline(operationDeadline());
+    const RunningCall running(*this, deadline);
+    return deleteMatching(attributes, deadline, m_lastResultCode);
 }
 
 QStringList SecretStore::allKeys()
@@ -375,7 +418,8 @@ QStringList SecretStore::allKeys()
     addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
 
-    Deadline deadline(timeoutMs);
+    Deadline deadline(operationDeadline());
+    const RunningCall running(*this, deadline);
     SecretService *service = connectService(deadline, m_lastResultCode);
     if (!service) {
         return {};
@@ -406,14 +450,40 @@ QStringList SecretStore::allKeys()
 bool SecretStore::isAvailable()
 {
     std::lock_guard lock(m_lock);
-    Deadline deadline(timeoutMs);
-    int code = secretSuccess;
-    SecretService *service = connectService(deadline, code);
+    Deadline deadline(operationDeadline());
+    const RunningCall running(*this, deadline);
+    SecretService *service = connectService(deadline, m_lastResultCode);
     if (!service) {
         return false;
     }
     g_object_unref(service);
+    m_lastResultCode = secretSuccess;
     return true;
+}
+
+void SecretStore::setDeadline(Clock::time_point deadline)
+{
+    std::lock_guard lock(m_lock);
+    m_deadline = deadline;
+}
+
+void SecretStore::clearDeadline()
+{
+    std::lock_guard lock(m_lock);
+    m_deadline.reset();
+}
+
+SecretStore::Clock::time_point SecretStore::operationDeadline() const
+{
+    return m_deadline.value_or(Clock::now() + std::chrono::milliseconds(timeoutMs));
+}
+
+void SecretStore::cancelCurrentCall()
+{
+    std::lock_guard guard(m_abortLock);
+    if (m_running) {
+        m_running->expireNow();
+    }
 }
 
 int SecretStore::lastResultCode() const

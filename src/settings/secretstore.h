@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <chrono>
 #include <mutex>
 #include <optional>
 
@@ -29,13 +30,16 @@ enum SecretStoreResult : int {
     secretNoService = 2,    // no Secret Service reachable on the session bus (or it did not answer in time)
     secretLocked = 3,       // the collection or item is locked and we do not prompt
     secretOtherFailure = 4, // anything else the service reported
+    secretTimedOut = 5,     // a Secret Service owns the bus name but did not answer in time
+    secretNoKeyring = 6,    // the service has no default keyring to store an item in
 };
 
 // API keys as generic-password items in the desktop's Secret Service (GNOME Keyring,
 // KWallet), one item per account. Every read goes to the service; nothing is cached and
 // nothing is ever written to a plain file. Every public call holds one lock for its whole
 // run, so an instance may be shared between threads, and every call gives up within
-// timeoutMs instead of waiting on an unreachable bus or an unlock prompt.
+// timeoutMs in total (or at the deadline set with setDeadline()) instead of waiting on an
+// unreachable bus, a hung service or an unlock prompt.
 class SecretStore
 {
 public:
@@ -69,8 +73,20 @@ public:
 
     static constexpr int timeoutMs = 2000;
 
+    using Clock = std::chrono::steady_clock;
+    // Every following call gives up at this moment instead of timeoutMs after it starts, so
+    // that several calls that make up one operation share one time limit.
+    void setDeadline(Clock::time_point deadline);
+    void clearDeadline();
+    // Makes the call in progress give up at once (as if its time were up); for a shutdown
+    // that must not wait for a service that does not answer. Safe from any thread.
+    void cancelCurrentCall();
+
+    class Deadline;
+
 private:
-    bool removeLocked(const QString &key);
+    bool removeLocked(const QString &key, Deadline &deadline);
+    [[nodiscard]] Clock::time_point operationDeadline() const;
 
     mutable std::mutex m_lock;
     QVariantMap m_lastQueryParameters;
@@ -78,6 +94,12 @@ private:
     QString m_keyPrefix;
     std::optional<QString> m_accessGroup;
     bool m_synchronizable = false;
+    std::optional<Clock::time_point> m_deadline;
+
+    // Guards the call in progress for cancelCurrentCall(), which must not wait for m_lock.
+    std::mutex m_abortLock;
+    Deadline *m_running = nullptr;
+    friend class RunningCall;
 };
 
 } // namespace zentrik

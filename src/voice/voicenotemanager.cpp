@@ -5,6 +5,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <utility>
+
 namespace zentrik {
 
 namespace {
@@ -13,6 +15,39 @@ QString backupKey(int number)
 {
     const QString prefix = QString::fromLatin1(VoiceNoteManager::backupKeyPrefix);
     return number == 1 ? prefix : prefix + QString::number(number);
+}
+
+// The notes of a stored list; readInFull is false when anything in it could not be read.
+QList<VoiceNote> parseNotes(const QByteArray &stored, bool &readInFull)
+{
+    readInFull = true;
+    if (stored.trimmed().isEmpty()) {
+        return {};
+    }
+    QJsonParseError parseError {};
+    const QJsonDocument document = QJsonDocument::fromJson(stored, &parseError);
+    QList<VoiceNote> notes;
+    readInFull = parseError.error == QJsonParseError::NoError && document.isArray();
+    if (readInFull) {
+        const QJsonArray array = document.array();
+        for (const auto &value : array) {
+            if (std::optional<VoiceNote> note = VoiceNote::fromJson(value)) {
+                notes.append(*note);
+            } else {
+                readInFull = false;
+            }
+        }
+    }
+    return notes;
+}
+
+QByteArray serialize(const QList<VoiceNote> &notes)
+{
+    QJsonArray array;
+    for (const VoiceNote &note : notes) {
+        array.append(note.toJson());
+    }
+    return QJsonDocument(array).toJson(QJsonDocument::Compact);
 }
 
 } // namespace
@@ -35,9 +70,9 @@ std::optional<VoiceNote> VoiceNoteManager::note(const QString &id) const
     return std::nullopt;
 }
 
-void VoiceNoteManager::add(const VoiceNote &note)
+bool VoiceNoteManager::add(const VoiceNote &note)
 {
-    change([&note](QList<VoiceNote> &notes) {
+    return change([&note](QList<VoiceNote> &notes) {
         notes.prepend(note);
         return true;
     });
@@ -94,70 +129,77 @@ QList<VoiceNote> VoiceNoteManager::load()
         return {};
     }
     const QByteArray stored = m_preferences.data(key);
-    if (stored.trimmed().isEmpty()) {
-        return {};
-    }
-    QJsonParseError parseError {};
-    const QJsonDocument document = QJsonDocument::fromJson(stored, &parseError);
-    QList<VoiceNote> notes;
-    bool readInFull = parseError.error == QJsonParseError::NoError && document.isArray();
-    if (readInFull) {
-        const QJsonArray array = document.array();
-        for (const auto &value : array) {
-            if (std::optional<VoiceNote> note = VoiceNote::fromJson(value)) {
-                notes.append(*note);
-            } else {
-                readInFull = false;
-            }
-        }
-    }
+    bool readInFull = true;
+    QList<VoiceNote> notes = parseNotes(stored, readInFull);
     if (!readInFull) {
-        keepAside(stored);
+        m_preferences.update([&](QVariantMap &values) {
+            // Only the list that was read is kept aside; a writer may have replaced it since.
+            return values.value(key).toByteArray() == stored && keepAside(values, stored);
+        });
+        noteBackup();
     }
     return notes;
 }
 
-void VoiceNoteManager::keepAside(const QByteArray &stored)
+bool VoiceNoteManager::keepAside(QVariantMap &values, const QByteArray &stored)
 {
-    int number = 1;
-    for (;; ++number) {
+    for (int number = 1;; ++number) {
         const QString key = backupKey(number);
-        if (!m_preferences.contains(key)) {
-            m_preferences.setData(key, stored);
-            qCWarning(lcVoice).noquote() << QStringLiteral(
-                "The stored voice notes could not be read in full; the stored list was kept under \"%1\" in %2")
-                                                .arg(key, m_preferences.fileName());
-            break;
+        if (!values.contains(key)) {
+            values.insert(key, stored);
+            m_pendingBackupKey = key;
+            return true;
         }
-        if (m_preferences.data(key) == stored) {
-            break; // already kept on an earlier run
+        if (values.value(key).toByteArray() == stored) {
+            m_pendingBackupKey = key; // already kept on an earlier run
+            return false;
         }
     }
-    const QString key = backupKey(number);
-    if (m_unreadableBackupKey != key) {
-        m_unreadableBackupKey = key;
-        Q_EMIT unreadableNotesFound(key);
+}
+
+void VoiceNoteManager::noteBackup()
+{
+    const QString key = std::exchange(m_pendingBackupKey, QString());
+    if (key.isEmpty() || m_unreadableBackupKey == key) {
+        return;
     }
+    qCWarning(lcVoice).noquote() << QStringLiteral(
+        "The stored voice notes could not be read in full; the stored list was kept under \"%1\" in %2")
+                                        .arg(key, m_preferences.fileName());
+    m_unreadableBackupKey = key;
+    Q_EMIT unreadableNotesFound(key);
 }
 
 bool VoiceNoteManager::change(const std::function<bool(QList<VoiceNote> &notes)> &edit)
 {
-    QList<VoiceNote> notes = load();
-    const bool changed = edit(notes);
-    if (changed) {
-        store(notes);
+    const QString key = QString::fromLatin1(storageKey);
+    QList<VoiceNote> notes;
+    bool changed = false;
+    m_writeError.clear();
+    // Read, change and write under the preferences' lock, so that a second window or a
+    // command line writing at the same moment cannot slip a list in between.
+    const bool written = m_preferences.update([&](QVariantMap &values) {
+        const QByteArray stored = values.value(key).toByteArray();
+        bool readInFull = true;
+        notes = parseNotes(stored, readInFull);
+        const bool backedUp = !readInFull && keepAside(values, stored);
+        changed = edit(notes);
+        if (changed) {
+            values.insert(key, serialize(notes));
+        }
+        return changed || backedUp;
+    });
+    if (!written && !m_preferences.errorString().isEmpty()) {
+        m_pendingBackupKey.clear();
+        m_writeError = m_preferences.errorString();
+        qCWarning(lcVoice).noquote() << "The voice notes could not be saved:" << m_writeError;
+        Q_EMIT writeFailed(m_writeError);
+        publish(load());
+        return false;
     }
+    noteBackup();
     publish(notes);
     return changed;
-}
-
-void VoiceNoteManager::store(const QList<VoiceNote> &notes)
-{
-    QJsonArray array;
-    for (const VoiceNote &note : notes) {
-        array.append(note.toJson());
-    }
-    m_preferences.setData(QString::fromLatin1(storageKey), QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
 void VoiceNoteManager::publish(const QList<VoiceNote> &notes)

@@ -31,6 +31,9 @@ VoiceNotesViewModel::VoiceNotesViewModel(QObject *parent)
 {
     connect(m_manager, &VoiceNoteManager::notesChanged, this, &VoiceNotesViewModel::refreshNotes);
     connect(m_manager, &VoiceNoteManager::unreadableNotesFound, this, &VoiceNotesViewModel::storageWarningChanged);
+    connect(m_manager, &VoiceNoteManager::writeFailed, this, [this](const QString &message) {
+        setErrorMessage(tr("The voice notes could not be saved: %1").arg(message));
+    });
     connect(m_recorder, &AudioRecorder::isRecordingChanged, this, &VoiceNotesViewModel::isRecordingChanged);
     connect(m_recorder, &AudioRecorder::isRecordingChanged, this, &VoiceNotesViewModel::canRecordChanged);
     connect(m_recorder, &AudioRecorder::isStartingChanged, this, &VoiceNotesViewModel::isStartingChanged);
@@ -150,7 +153,12 @@ void VoiceNotesViewModel::onTranscribed(const QString &filePath, const TextResul
     const auto &text = std::get<QString>(result);
     qInfo().noquote() << "Transcription received: " + text;
     const VoiceNote note = VoiceNote::create(tr("New Voice Note"), text);
-    m_manager->add(note);
+    if (!m_manager->add(note)) {
+        // The recording stays, so that Retry can save its note once the disk has room.
+        setFailedRecording(filePath);
+        setProcessing(false);
+        return;
+    }
     if (isOwnRecording(filePath) && !QFile::remove(filePath)) {
         qCWarning(lcVoice).noquote() << "Could not remove the transcribed recording" << filePath;
     }

@@ -1,13 +1,38 @@
 #include "model/apimanager.h"
 #include "model/providerrouting.h"
 #include "model/settingsviewmodel.h"
+#include "support/childtest.h"
+#include "support/hungsecretservice.h"
 #include "support/testregistry.h"
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace zentrik;
+
+namespace {
+
+// Waits for the keys that the manager and the screen read in the background.
+void waitForKeys(APIManager &manager)
+{
+    QTRY_VERIFY_WITH_TIMEOUT(!manager.readingKeys(), 5000);
+}
+void waitForKeys(SettingsViewModel &settings)
+{
+    QTRY_VERIFY_WITH_TIMEOUT(!settings.isLoadingKeys(), 5000);
+}
+bool saveAndWait(SettingsViewModel &settings)
+{
+    QSignalSpy finished(&settings, &SettingsViewModel::saveFinished);
+    settings.save();
+    if (finished.isEmpty() && !finished.wait(5000)) {
+        return false;
+    }
+    return finished.first().first().toBool();
+}
+} // namespace
 
 // APIManager construction and the settings round trip, against the real keyring that
 // scripts/test starts and a preferences file in a temporary directory.
@@ -33,6 +58,7 @@ private Q_SLOTS:
     void freshManagerUsesDefaults()
     {
         APIManager manager;
+        waitForKeys(manager);
         QCOMPARE(manager.selectedTextModel(), QStringLiteral("gpt-4o-mini"));
         QCOMPARE(manager.selectedImageModel(), QStringLiteral("fal-ai/flux-pro"));
         QVERIFY(manager.openAIKey().isEmpty());
@@ -53,6 +79,7 @@ private Q_SLOTS:
         QSignalSpy textChanged(&manager, &APIManager::selectedTextModelChanged);
         {
             SettingsViewModel settings(&manager);
+            waitForKeys(settings);
             QCOMPARE(settings.selectedTextModel(), QStringLiteral("gpt-4o-mini"));
             settings.setOpenAIKey(QStringLiteral("sk-openai"));
             settings.setClaudeKey(QStringLiteral("sk-claude"));
@@ -61,15 +88,19 @@ private Q_SLOTS:
             settings.setSelectedImageModel(QStringLiteral("DALL-E"));
             // Nothing is written before Save.
             QCOMPARE(manager.selectedTextModel(), QStringLiteral("gpt-4o-mini"));
-            QVERIFY(!SettingsViewModel().openAIKey().size());
+            SettingsViewModel other;
+            waitForKeys(other);
+            QVERIFY(other.openAIKey().isEmpty());
             QSignalSpy notice(&settings, &SettingsViewModel::showingSaveConfirmationChanged);
-            QVERIFY(settings.save());
+            QVERIFY(saveAndWait(settings));
             QCOMPARE(notice.count(), 1);
+            QVERIFY(settings.saveError().isEmpty());
             QVERIFY(settings.showingSaveConfirmation());
             settings.dismissSaveConfirmation();
             QVERIFY(!settings.showingSaveConfirmation());
         }
         // The shared manager uses the new choice for the very next request.
+        waitForKeys(manager);
         QCOMPARE(textChanged.count(), 1);
         QCOMPARE(manager.selectedTextModel(), QStringLiteral("claude-3-haiku-20240307"));
         QCOMPARE(manager.claudeKey(), QStringLiteral("sk-claude"));
@@ -78,11 +109,13 @@ private Q_SLOTS:
 
         // Reopening the screen shows what was saved, and so does a new manager (a restart).
         SettingsViewModel reopened;
+        waitForKeys(reopened);
         QCOMPARE(reopened.openAIKey(), QStringLiteral("sk-openai"));
         QCOMPARE(reopened.claudeKey(), QStringLiteral("sk-claude"));
         QCOMPARE(reopened.falAIKey(), QStringLiteral("fal-key"));
         QCOMPARE(reopened.selectedImageModel(), QStringLiteral("DALL-E"));
         APIManager restarted;
+        waitForKeys(restarted);
         QCOMPARE(restarted.selectedTextModel(), QStringLiteral("claude-3-haiku-20240307"));
         QCOMPARE(restarted.selectedImageModel(), QStringLiteral("DALL-E"));
         QCOMPARE(restarted.falAIKey(), QStringLiteral("fal-key"));
@@ -93,10 +126,13 @@ private Q_SLOTS:
         SecretStore store;
         QVERIFY(store.set(QStringLiteral("old"), QStringLiteral("openAIKey")));
         APIManager manager;
+        waitForKeys(manager);
         QCOMPARE(manager.openAIKey(), QStringLiteral("old"));
         SettingsViewModel settings(&manager);
+        waitForKeys(settings);
         settings.setOpenAIKey(QString());
-        QVERIFY(settings.save());
+        QVERIFY(saveAndWait(settings));
+        waitForKeys(manager);
         QVERIFY(!store.get(QStringLiteral("openAIKey")).has_value());
         QVERIFY(manager.openAIKey().isEmpty());
         QVERIFY(!store.allKeys().contains(QStringLiteral("claudeKey")));
@@ -122,6 +158,7 @@ private Q_SLOTS:
     void howItWorksToggleFlipsChevron()
     {
         SettingsViewModel settings;
+        waitForKeys(settings);
         QSignalSpy spy(&settings, &SettingsViewModel::showHowItWorksChanged);
         QCOMPARE(settings.howItWorksSymbol(), QStringLiteral("chevron.down"));
         settings.toggleHowItWorks();
@@ -144,9 +181,139 @@ private Q_SLOTS:
         QVERIFY(!manager.hasChatClient());
     }
 
+    // A key that cannot be a key is refused where it is typed, with the field named, and
+    // nothing is written: neither the keys nor the model choices.
+    void saveRefusesKeysThatCannotBeKeys_data()
+    {
+        QTest::addColumn<QString>("openAI");
+        QTest::addColumn<QString>("claude");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("space inside") << QStringLiteral("sk-abc def") << QString() << QStringLiteral("OpenAI API key contains a space");
+        QTest::newRow("header injection") << QStringLiteral("sk-abc\r\nX-Evil: 1") << QString()
+                                          << QStringLiteral("OpenAI API key contains a control character");
+        QTest::newRow("tab") << QString() << QStringLiteral("sk-ant\tx") << QStringLiteral("Claude API key contains a control character");
+        QTest::newRow("typographic dash") << QString() << QStringLiteral("sk\u2013ant") << QStringLiteral("Claude API key contains a non-ASCII character");
+    }
+
+    void saveRefusesKeysThatCannotBeKeys()
+    {
+        QFETCH(QString, openAI);
+        QFETCH(QString, claude);
+        QFETCH(QString, expected);
+        SecretStore store;
+        QVERIFY(store.set(QStringLiteral("sk-kept"), QStringLiteral("openAIKey")));
+        APIManager manager;
+        SettingsViewModel settings(&manager);
+        waitForKeys(settings);
+        settings.setOpenAIKey(openAI);
+        settings.setClaudeKey(claude);
+        settings.setSelectedTextModel(QStringLiteral("gpt-4o"));
+        QVERIFY(!saveAndWait(settings));
+        QVERIFY2(settings.saveError().contains(expected), qPrintable(settings.saveError()));
+        QVERIFY(settings.showingSaveConfirmation());
+        QCOMPARE(store.get(QStringLiteral("openAIKey")), std::optional<QString>(QStringLiteral("sk-kept")));
+        QVERIFY(!store.get(QStringLiteral("claudeKey")).has_value());
+        QCOMPARE(Preferences().string(QStringLiteral("selectedTextModel"), QStringLiteral("unset")),
+                 QStringLiteral("unset"));
+    }
+
+    // Pasted keys keep their surrounding blanks out of the store.
+    void saveTrimsPastedKeys()
+    {
+        APIManager manager;
+        SettingsViewModel settings(&manager);
+        waitForKeys(settings);
+        settings.setFalAIKey(QStringLiteral("  fal-123:abc\n"));
+        QVERIFY(saveAndWait(settings));
+        QCOMPARE(SecretStore().get(QStringLiteral("falAIKey")), std::optional<QString>(QStringLiteral("fal-123:abc")));
+    }
+
+    // The Secret Service fails in two ways: absent, or present and silent. Each child case
+    // checks what the screen and the manager say, and that nobody waits for it.
+    void saysWhatTheSecretServiceDid_data()
+    {
+        QTest::addColumn<bool>("hung");
+        QTest::newRow("no service") << false;
+        QTest::newRow("service that never answers") << true;
+    }
+
+    void saysWhatTheSecretServiceDid()
+    {
+        QFETCH(bool, hung);
+        std::unique_ptr<test::HungSecretService> service;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        if (hung) {
+            service = std::make_unique<test::HungSecretService>();
+            QVERIFY2(service->isReady(), qPrintable(service->error()));
+            env = service->environment();
+            env.insert(QStringLiteral("ZENTRIK_EXPECT_HUNG"), QStringLiteral("1"));
+        } else {
+            env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
+        }
+        env.insert(QStringLiteral("ZENTRIK_CONFIG_DIR"), m_dir->path());
+        const test::ChildRun run = test::runTestClassInChild(QStringLiteral("SettingsWithoutKeyringTest"), env);
+        QVERIFY2(run.finished && run.exitCode == 0, run.output.constData());
+        QVERIFY2(run.output.contains("PASS   : SettingsWithoutKeyringTest::saveShowsTheFailure()"), run.output.constData());
+    }
+
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
 };
 ZENTRIK_TEST(SettingsViewModelTest)
+
+// The child half of saysWhatTheSecretServiceDid.
+class SettingsWithoutKeyringTest : public QObject
+{
+    Q_OBJECT
+
+    [[nodiscard]] static bool hung() { return qEnvironmentVariableIsSet("ZENTRIK_EXPECT_HUNG"); }
+
+private Q_SLOTS:
+    void openingNeverWaits()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        APIManager manager;
+        SettingsViewModel settings(&manager);
+        // Waiting for the service at all would take its whole 2 s deadline.
+        QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY(settings.isLoadingKeys());
+        waitForKeys(settings);
+        if (hung()) {
+            // A service is running; it is slow, and the screen says that, not that it is absent.
+            QVERIFY(settings.secretStoreAvailable());
+            QVERIFY2(settings.keyStoreProblem().contains(QStringLiteral("Secret Service did not answer")),
+                     qPrintable(settings.keyStoreProblem()));
+            QCOMPARE(manager.keyStoreResult(), int(secretTimedOut));
+        } else {
+            QVERIFY(!settings.secretStoreAvailable());
+            QVERIFY(settings.keyStoreProblem().isEmpty());
+        }
+    }
+
+    void saveShowsTheFailure()
+    {
+        APIManager manager;
+        SettingsViewModel settings(&manager);
+        waitForKeys(settings);
+        settings.setOpenAIKey(QStringLiteral("sk-new"));
+        settings.setSelectedImageModel(QStringLiteral("DALL-E"));
+        QSignalSpy finished(&settings, &SettingsViewModel::saveFinished);
+        QElapsedTimer timer;
+        timer.start();
+        settings.save();
+        QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY(settings.isSaving());
+        QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 5000);
+        QCOMPARE(finished.first().first().toBool(), false);
+        QVERIFY(!settings.isSaving());
+        QVERIFY2(timer.elapsed() < SecretStore::timeoutMs + 700, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY(settings.showingSaveConfirmation());
+        QCOMPARE(settings.saveError(), KeyService::describe(hung() ? secretTimedOut : secretNoService));
+        // The model choice is a file and was kept.
+        QCOMPARE(Preferences().string(QStringLiteral("selectedImageModel")), QStringLiteral("DALL-E"));
+    }
+};
+ZENTRIK_CHILD_TEST(SettingsWithoutKeyringTest)
 
 #include "tst_settingsviewmodel.moc"

@@ -1,4 +1,7 @@
+#include "settings/keyservice.h"
 #include "settings/secretstore.h"
+#include "support/childtest.h"
+#include "support/hungsecretservice.h"
 #include "support/testregistry.h"
 
 #include <QElapsedTimer>
@@ -19,9 +22,6 @@ class SecretStoreTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        if (qEnvironmentVariableIsSet("ZENTRIK_EXPECT_NO_SECRET_SERVICE")) {
-            QSKIP("running as the no-service child");
-        }
         SecretStore probe;
         if (!probe.isAvailable()) {
             QFAIL("no Secret Service on the session bus; run the suite through scripts/test");
@@ -198,23 +198,76 @@ private Q_SLOTS:
         QCOMPARE(keys.size(), successes);
     }
 
+    // A Secret Service that owns its name and never answers: the child's cases check that
+    // every operation, and every key service request, gives up at one deadline.
+    void givesUpOnAHungService()
+    {
+        test::HungSecretService hung;
+        QVERIFY2(hung.isReady(), qPrintable(hung.error()));
+        const test::ChildRun run
+            = test::runTestClassInChild(QStringLiteral("HungSecretServiceTest"), hung.environment());
+        QVERIFY2(run.finished && run.exitCode == 0, run.output.constData());
+        QVERIFY2(run.output.contains("PASS   : HungSecretServiceTest::destroyingTheServiceCancelsARead()"),
+                 run.output.constData());
+    }
+
+    // The key service against the working keyring: a write then a read in one queue, in order.
+    void keyServiceWritesThenReads()
+    {
+        KeyService service;
+        std::optional<KeyService::Outcome> written;
+        std::optional<KeyService::Outcome> read;
+        service.write({ { QStringLiteral("openAIKey"), QStringLiteral("sk-one") },
+                        { QStringLiteral("claudeKey"), QString() } },
+                      this, [&](const KeyService::Outcome &outcome) { written = outcome; });
+        service.read({ QStringLiteral("openAIKey"), QStringLiteral("claudeKey") }, this,
+                     [&](const KeyService::Outcome &outcome) {
+                         // Completions come in the order asked.
+                         QVERIFY(written.has_value());
+                         read = outcome;
+                     });
+        QVERIFY(!written && !read); // never from inside the call
+        QTRY_VERIFY(read.has_value());
+        QVERIFY(written->succeeded());
+        QVERIFY(read->succeeded());
+        QCOMPARE(read->values, (QHash<QString, QString> { { QStringLiteral("openAIKey"), QStringLiteral("sk-one") } }));
+    }
+
+    // A screen closed before the answer arrives is not called back.
+    void keyServiceSkipsAGoneContext()
+    {
+        KeyService service;
+        bool called = false;
+        auto context = std::make_unique<QObject>();
+        service.read({ QStringLiteral("openAIKey") }, context.get(), [&](const KeyService::Outcome &) { called = true; });
+        context.reset();
+        bool after = false;
+        service.read({ QStringLiteral("openAIKey") }, this, [&](const KeyService::Outcome &) { after = true; });
+        QTRY_VERIFY(after);
+        QVERIFY(!called);
+    }
+
+    // A write asked for just before the service goes away is still made.
+    void keyServiceFinishesWritesWhenDestroyed()
+    {
+        {
+            KeyService service;
+            service.write({ { QStringLiteral("falAIKey"), QStringLiteral("fal-last") } }, nullptr, {});
+        }
+        QCOMPARE(SecretStore().get(QStringLiteral("falAIKey")), std::optional<QString>(QStringLiteral("fal-last")));
+    }
+
     // Re-runs this executable with the session bus pointing at nothing: every call must
     // fail, with the no-service code, within the 2 s bound, and without a crash.
     void failsFastWithoutSecretService()
     {
-        QProcess child;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
-        env.insert(QStringLiteral("ZENTRIK_EXPECT_NO_SECRET_SERVICE"), QStringLiteral("1"));
-        env.remove(QStringLiteral("DISPLAY")); // no X11 autolaunch of a bus
-        child.setProcessEnvironment(env);
-        child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("-class"), QStringLiteral("NoSecretServiceTest")});
-        QVERIFY(child.waitForFinished(60000));
-        QVERIFY2(child.exitStatus() == QProcess::NormalExit, "child crashed");
-        const QByteArray output = child.readAllStandardOutput();
-        QVERIFY2(child.exitCode() == 0, output.constData());
+        const test::ChildRun run = test::runTestClassInChild(QStringLiteral("NoSecretServiceTest"), env);
+        QVERIFY2(run.finished && run.exitCode == 0, run.output.constData());
         // The child must really have run its cases, not skipped them.
-        QVERIFY2(output.contains("PASS   : NoSecretServiceTest::everyOperationFailsQuickly(allKeys)"), output.constData());
+        QVERIFY2(run.output.contains("PASS   : NoSecretServiceTest::everyOperationFailsQuickly(allKeys)"),
+                 run.output.constData());
     }
 };
 ZENTRIK_TEST(SecretStoreTest)
@@ -225,13 +278,6 @@ class NoSecretServiceTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (!qEnvironmentVariableIsSet("ZENTRIK_EXPECT_NO_SECRET_SERVICE")) {
-            QSKIP("only run as the child of SecretStoreTest::failsFastWithoutSecretService");
-        }
-    }
-
     void everyOperationFailsQuickly_data()
     {
         QTest::addColumn<int>("operation");
@@ -264,6 +310,113 @@ private Q_SLOTS:
         QVERIFY(!store.isAvailable());
     }
 };
-ZENTRIK_TEST(NoSecretServiceTest)
+ZENTRIK_CHILD_TEST(NoSecretServiceTest)
+
+// The child half of givesUpOnAHungService, on a bus where the Secret Service never answers.
+class HungSecretServiceTest : public QObject
+{
+    Q_OBJECT
+
+    static constexpr qint64 deadlineMs = SecretStore::timeoutMs;
+    // Process scheduling on a loaded machine; far below a second deadline.
+    static constexpr qint64 slackMs = 700;
+
+private Q_SLOTS:
+    // Each operation waits for its one deadline, not one per libsecret call (a set that
+    // first removes the old item used to wait twice).
+    void everyOperationGivesUpAtOneDeadline_data()
+    {
+        QTest::addColumn<int>("operation");
+        QTest::newRow("set") << 0;
+        QTest::newRow("get") << 1;
+        QTest::newRow("getData reference") << 2;
+        QTest::newRow("delete") << 3;
+        QTest::newRow("clear") << 4;
+        QTest::newRow("allKeys") << 5;
+        QTest::newRow("isAvailable") << 6;
+    }
+
+    void everyOperationGivesUpAtOneDeadline()
+    {
+        QFETCH(int, operation);
+        SecretStore store;
+        QElapsedTimer timer;
+        timer.start();
+        bool succeeded = true;
+        switch (operation) {
+        case 0: succeeded = store.set(QStringLiteral("v"), QStringLiteral("k")); break;
+        case 1: succeeded = store.get(QStringLiteral("k")).has_value(); break;
+        case 2: succeeded = store.getData(QStringLiteral("k"), true).has_value(); break;
+        case 3: succeeded = store.remove(QStringLiteral("k")); break;
+        case 4: succeeded = store.clear(); break;
+        case 5: succeeded = !store.allKeys().isEmpty(); break;
+        case 6: succeeded = store.isAvailable(); break;
+        }
+        const qint64 elapsed = timer.elapsed();
+        QVERIFY(!succeeded);
+        QCOMPARE(store.lastResultCode(), int(secretTimedOut));
+        QVERIFY2(elapsed >= deadlineMs - 100 && elapsed < deadlineMs + slackMs, qPrintable(QString::number(elapsed)));
+    }
+
+    // Several calls under one deadline share it.
+    void aSharedDeadlineCoversSeveralCalls()
+    {
+        SecretStore store;
+        QElapsedTimer timer;
+        timer.start();
+        store.setDeadline(SecretStore::Clock::now() + std::chrono::milliseconds(deadlineMs));
+        for (const char *account : { "openAIKey", "claudeKey", "falAIKey" }) {
+            QVERIFY(!store.get(QString::fromLatin1(account)));
+        }
+        QVERIFY2(timer.elapsed() < deadlineMs + slackMs, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    // The caller never waits; a request queued behind a hung one keeps its own deadline,
+    // counted from when it was asked.
+    void keyServiceRequestsKeepTheirOwnDeadline()
+    {
+        KeyService service;
+        QElapsedTimer timer;
+        timer.start();
+        std::optional<KeyService::Outcome> read;
+        std::optional<KeyService::Outcome> written;
+        qint64 readAt = 0;
+        qint64 writtenAt = 0;
+        service.read({ QStringLiteral("openAIKey"), QStringLiteral("claudeKey"), QStringLiteral("falAIKey") }, this,
+                     [&](const KeyService::Outcome &outcome) {
+                         read = outcome;
+                         readAt = timer.elapsed();
+                     });
+        service.write({ { QStringLiteral("openAIKey"), QStringLiteral("sk-x") } }, this,
+                      [&](const KeyService::Outcome &outcome) {
+                          written = outcome;
+                          writtenAt = timer.elapsed();
+                      });
+        QVERIFY2(timer.elapsed() < 50, qPrintable(QString::number(timer.elapsed())));
+        QTRY_VERIFY_WITH_TIMEOUT(written.has_value(), 10000);
+        QVERIFY(read.has_value());
+        QCOMPARE(read->code, int(secretTimedOut));
+        QCOMPARE(written->code, int(secretTimedOut));
+        QVERIFY2(readAt < deadlineMs + slackMs, qPrintable(QString::number(readAt)));
+        QVERIFY2(writtenAt < deadlineMs + slackMs, qPrintable(QString::number(writtenAt)));
+        QVERIFY(KeyService::describe(read->code).contains(QStringLiteral("Secret Service")));
+    }
+
+    // Closing the window while a read hangs does not wait for the deadline.
+    void destroyingTheServiceCancelsARead()
+    {
+        auto service = std::make_unique<KeyService>();
+        bool called = false;
+        service->read({ QStringLiteral("openAIKey") }, this, [&](const KeyService::Outcome &) { called = true; });
+        QTest::qWait(200);
+        QElapsedTimer timer;
+        timer.start();
+        service.reset();
+        QVERIFY2(timer.elapsed() < 500, qPrintable(QString::number(timer.elapsed())));
+        QTest::qWait(50);
+        QVERIFY(!called);
+    }
+};
+ZENTRIK_CHILD_TEST(HungSecretServiceTest)
 
 #include "tst_secretstore.moc"

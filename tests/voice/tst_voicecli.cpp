@@ -4,6 +4,15 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <QProcess>
+
+#include <csignal>
+#include <functional>
+#include <memory>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include "settings/preferences.h"
 #include "settings/secretstore.h"
 #include "support/clirunner.h"
@@ -31,6 +40,39 @@ class TestVoiceCli : public QObject
         key.insert(QStringLiteral("OPENAI_API_KEY"), openAIKey);
         return runCli(arguments, input, key);
     }
+
+    // The program itself, in its own process: for a limit or a user that only a process can have.
+    Run runProcess(const QStringList &arguments, const std::function<void()> &inChild = {})
+    {
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("OPENAI_API_KEY"), QStringLiteral("sk-cli"));
+        // No secret store: the key comes from the environment.
+        env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
+        process.setProcessEnvironment(env);
+        if (inChild) {
+            process.setChildProcessModifier(inChild);
+        }
+        process.start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
+        process.closeWriteChannel();
+        CliResult result;
+        if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
+            process.kill();
+            return result;
+        }
+        result.exitCode = process.exitCode();
+        result.out = process.readAllStandardOutput();
+        result.err = process.readAllStandardError();
+        return result;
+    }
+
+    static QByteArray readAll(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    [[nodiscard]] QString configPath() const { return m_cli->dir.filePath(QStringLiteral("config")); }
 
     QString audioFile()
     {
@@ -205,6 +247,143 @@ private Q_SLOTS:
         QVERIFY2(
             listed.err.contains(QStringLiteral("kept unchanged under \"voiceNotesBackup\"")), qPrintable(listed.err));
         QCOMPARE(Preferences().data("voiceNotesBackup"), QByteArray("{broken"));
+    }
+
+    // A write that cannot be made fails with one line and exit 1, and leaves the store
+    // byte for byte as it was, with no copy beside it.
+    void failedWritesKeepTheStore_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("fault");
+        for (const char *fault : { "full disk", "read-only file", "read-only folder" }) {
+            for (const char *command : { "add", "edit", "delete", "config" }) {
+                if (QByteArray(command) == "add" && QByteArray(fault) != "full disk") {
+                    continue; // the recording would be unreadable to the other user too
+                }
+                QTest::addRow("%s, %s", command, fault) << QString::fromLatin1(command) << QString::fromLatin1(fault);
+            }
+        }
+    }
+
+    void failedWritesKeepTheStore()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, fault);
+        QString firstId;
+        {
+            VoiceNoteManager window;
+            for (int i = 0; i < 5; ++i) {
+                QVERIFY(window.add(VoiceNote::create(QStringLiteral("Note %1").arg(i), QString(5000, QLatin1Char('a' + i)))));
+            }
+            firstId = window.notes().first().id;
+        }
+        const QString audio = audioFile();
+        const QString conf = Preferences().fileName();
+        const QDir dir(configPath());
+        const QStringList filesBefore = dir.entryList(QDir::Files | QDir::Hidden);
+        const QByteArray before = readAll(conf);
+
+        // Root writes through file modes; the modes are tried as another user.
+        const bool asOtherUser = fault != QStringLiteral("full disk") && ::geteuid() == 0;
+        if (asOtherUser) {
+            for (const QString &path : { m_cli->dir.path(), configPath(), conf, audio }) {
+                QVERIFY(::chown(QFile::encodeName(path).constData(), 65534, 65534) == 0);
+            }
+        }
+        if (fault == QStringLiteral("read-only file")) {
+            QVERIFY(QFile::setPermissions(conf, QFileDevice::ReadOwner | QFileDevice::ReadUser));
+        } else if (fault == QStringLiteral("read-only folder")) {
+            QVERIFY(QFile::setPermissions(configPath(), QFileDevice::Permissions(0x5500)));
+        }
+
+        QStringList arguments;
+        if (command == QStringLiteral("add")) {
+            arguments = { "notes", "add", audio };
+        } else if (command == QStringLiteral("edit")) {
+            arguments = { "notes", "edit", firstId, "--title", "Renamed" };
+        } else if (command == QStringLiteral("delete")) {
+            arguments = { "notes", "delete", firstId };
+        } else {
+            arguments = { "config", "set", "dark-mode", "true" };
+        }
+        const bool fullDisk = fault == QStringLiteral("full disk");
+        const Run result = runProcess(arguments, [fullDisk, asOtherUser] {
+            if (fullDisk) {
+                std::signal(SIGXFSZ, SIG_IGN);
+                const rlimit limit { 16384, 16384 };
+                setrlimit(RLIMIT_FSIZE, &limit);
+            }
+            if (asOtherUser && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
+                ::_exit(99);
+            }
+        });
+        QFile::setPermissions(configPath(), QFileDevice::Permissions(0x7700));
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(result.err.startsWith(QStringLiteral("zentrik-cli: ")) && result.err.contains(conf),
+                 qPrintable(result.err));
+        QCOMPARE(readAll(conf), before);
+        QCOMPARE(dir.entryList(QDir::Files | QDir::Hidden), filesBefore);
+    }
+
+    // Twenty processes adding, editing and deleting notes at the same moment: every change
+    // is kept.
+    void parallelWritersLoseNothing()
+    {
+        QStringList seeded;
+        {
+            VoiceNoteManager window;
+            for (int i = 0; i < 10; ++i) {
+                QVERIFY(window.add(VoiceNote::create(QStringLiteral("Seed %1").arg(i), QStringLiteral("seed"))));
+            }
+            for (const VoiceNote &note : window.notes()) {
+                seeded.append(note.id);
+            }
+        }
+        const QString audio = audioFile();
+        std::vector<std::unique_ptr<QProcess>> processes;
+        const auto start = [&](const QStringList &arguments) {
+            auto process = std::make_unique<QProcess>();
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert(QStringLiteral("OPENAI_API_KEY"), QStringLiteral("sk-cli"));
+            env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
+            process->setProcessEnvironment(env);
+            process->start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
+            processes.push_back(std::move(process));
+        };
+        for (int i = 0; i < 10; ++i) {
+            start({ "notes", "add", audio });
+        }
+        for (int i = 0; i < 6; ++i) {
+            start({ "notes", "edit", seeded.at(i), "--title", QStringLiteral("Edited %1").arg(i) });
+        }
+        for (int i = 6; i < 10; ++i) {
+            start({ "notes", "delete", seeded.at(i) });
+        }
+        for (const auto &process : processes) {
+            QVERIFY(process->waitForFinished(60000));
+            QVERIFY2(process->exitCode() == 0, process->readAllStandardError().constData());
+        }
+
+        const QList<VoiceNote> notes = VoiceNoteManager().notes();
+        int added = 0;
+        int edited = 0;
+        int deletedLeft = 0;
+        for (const VoiceNote &note : notes) {
+            added += note.transcription == QStringLiteral("Call Anna at five.") ? 1 : 0;
+            const qsizetype seed = seeded.indexOf(note.id);
+            if (seed >= 0 && seed < 6) {
+                edited += note.title == QStringLiteral("Edited %1").arg(seed) ? 1 : 0;
+            } else if (seed >= 6) {
+                ++deletedLeft;
+            }
+        }
+        qInfo("Of 20 parallel writers: %d of 10 adds, %d of 6 edits, %d of 4 deletes kept", added, edited,
+              4 - deletedLeft);
+        QCOMPARE(added, 10);
+        QCOMPARE(edited, 6);
+        QCOMPARE(deletedLeft, 0);
+        QCOMPARE(notes.size(), 16);
     }
 };
 
