@@ -4,8 +4,10 @@ import QtQuick.Layouts
 import Zentrik
 
 // The general chat, whose suggestions double as the Writing Assistant.
-ScrollingPage {
+ChatPage {
     id: page
+
+    signal openSettingsRequested
 
     objectName: "askMeAnythingView"
 
@@ -41,24 +43,24 @@ ScrollingPage {
         visible: running
     }
 
-    Label {
-        objectName: "chatError"
-        Layout.fillWidth: true
-        visible: chat.errorMessage.length > 0
-        text: chat.errorMessage
-        color: Theme.warningColor
-        wrapMode: Text.Wrap
-    }
-
-    ChatInput {
-        Layout.fillWidth: true
-        placeholderText: qsTr("Type your message here...")
-        buttonText: qsTr("Ask")
-        busy: chat.isAIProcessing
-        text: chat.newMessage
-        onTextChanged: chat.newMessage = text
-        onSubmitted: chat.send()
-    }
+    footer: [
+        ErrorNotice {
+            Layout.fillWidth: true
+            labelName: "chatError"
+            text: chat.errorMessage
+            opensSettings: chat.errorOpensSettings
+            onOpenSettingsRequested: page.openSettingsRequested()
+        },
+        ChatInput {
+            Layout.fillWidth: true
+            placeholderText: qsTr("Type your message here...")
+            buttonText: qsTr("Ask")
+            busy: chat.isAIProcessing
+            text: chat.newMessage
+            onTextChanged: chat.newMessage = text
+            onSubmitted: chat.send()
+        }
+    ]
 
     PiiAlertView {
         alert: chat.piiAlertVM

@@ -5,7 +5,8 @@ import Zentrik
 
 // One message of a conversation: the user's text as typed, or the reply drawn from its
 // Markdown (a divider for a reply that is only a rule), with a copy button. A message
-// still streaming has no block model of its own and is drawn from its text.
+// still streaming has no block model of its own and is drawn from its text. A reply the user
+// stopped carries a mark saying so under it.
 Rectangle {
     id: bubble
 
@@ -14,6 +15,7 @@ Rectangle {
     required property string symbol
     required property var blocks
     required property bool isRule
+    required property bool isStopped
     property list<int> citedPages: []
 
     signal pageLinkActivated(int page)
@@ -66,6 +68,15 @@ Rectangle {
                 copyText: bubble.content
                 cleanUp: bubble.role !== "user"
             }
+        }
+
+        Label {
+            objectName: "stoppedMark"
+            Layout.leftMargin: 32
+            visible: bubble.isStopped
+            text: qsTr("Stopped before the reply was complete")
+            font.italic: true
+            color: Theme.secondaryTextColor
         }
 
         Flow {

@@ -10,8 +10,8 @@ ApplicationWindow {
     objectName: "contentView"
     width: 1280
     height: 800
-    minimumWidth: 960
-    minimumHeight: 640
+    minimumWidth: 800
+    minimumHeight: 600
     visible: true
     // The desktop adds " — Zentrik" (the application's display name) after the title itself.
     title: licenseGate.isLicenseVerified ? contentModel.screenTitle : qsTr("Zentrik")

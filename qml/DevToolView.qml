@@ -5,11 +5,13 @@ import Zentrik
 
 // The Code Debugger (tool "debugger") and the Sample Data Generator (tool "sampleData").
 // A streamed reply shows as a live message; Escape stops it.
-ScrollingPage {
+ChatPage {
     id: page
 
     property string tool: "debugger"
     readonly property bool isDebugger: tool === "debugger"
+
+    signal openSettingsRequested
 
     objectName: isDebugger ? "codeDebuggerView" : "sampleDataView"
 
@@ -57,34 +59,38 @@ ScrollingPage {
         symbol: "brain.head.profile"
         blocks: null
         isRule: false
+        isStopped: false
     }
 
-    Label {
-        Layout.fillWidth: true
-        visible: devTool.errorMessage.length > 0
-        text: devTool.errorMessage
-        color: Theme.warningColor
-        wrapMode: Text.Wrap
-    }
-
-    RowLayout {
-        Layout.fillWidth: true
-        ChatInput {
+    footer: [
+        ErrorNotice {
             Layout.fillWidth: true
-            placeholderText: page.isDebugger ? qsTr("Paste your code here...") : qsTr("Describe your data here...")
-            buttonText: devTool.buttonText
-            buttonSymbol: page.isDebugger ? "paperplane.fill" : "gear"
-            busy: devTool.isProcessing
-            text: devTool.input
-            onTextChanged: devTool.input = text
-            onSubmitted: devTool.send()
+            labelName: "devToolError"
+            text: devTool.errorMessage
+            opensSettings: devTool.errorOpensSettings
+            onOpenSettingsRequested: page.openSettingsRequested()
+        },
+        RowLayout {
+            Layout.fillWidth: true
+            ChatInput {
+                Layout.fillWidth: true
+                placeholderText: page.isDebugger ? qsTr("Paste your code here...") : qsTr("Describe your data here...")
+                buttonText: devTool.buttonText
+                buttonSymbol: page.isDebugger ? "paperplane.fill" : "gear"
+                busy: devTool.isProcessing
+                // Code keeps its columns only in a fixed-width font.
+                monospace: page.isDebugger
+                text: devTool.input
+                onTextChanged: devTool.input = text
+                onSubmitted: devTool.send()
+            }
+            PlainButton {
+                objectName: "stopButton"
+                visible: devTool.isStreaming
+                symbol: "stop.fill"
+                text: qsTr("Stop")
+                onClicked: devTool.stop()
+            }
         }
-        PlainButton {
-            objectName: "stopButton"
-            visible: devTool.isStreaming
-            symbol: "stop.fill"
-            text: qsTr("Stop")
-            onClicked: devTool.stop()
-        }
-    }
+    ]
 }

@@ -30,9 +30,17 @@ ColumnLayout {
     }
 
     ScrollView {
+        id: areaScroller
         visible: field.fieldData.type === "textarea"
         Layout.fillWidth: true
         Layout.preferredHeight: 110
+        // Only a field with more text than it shows takes the mouse wheel; otherwise the
+        // wheel scrolls the page around it.
+        Binding {
+            target: areaScroller.contentItem
+            property: "interactive"
+            value: areaScroller.contentHeight > areaScroller.availableHeight + 1
+        }
         TextArea {
             objectName: field.fieldData.type === "textarea" ? "field:" + field.fieldData.label : ""
             placeholderText: field.fieldData.placeholder

@@ -12,6 +12,7 @@ ScrollingPage {
     property string family: "marketing"
 
     objectName: "generatorView"
+    followsGrowth: generator.isStreaming
 
     GeneratorViewModel {
         id: generator
@@ -85,13 +86,12 @@ ScrollingPage {
         }
     }
 
-    Label {
-        objectName: "generatorError"
+    ErrorNotice {
         Layout.fillWidth: true
-        visible: generator.errorMessage.length > 0
+        labelName: "generatorError"
         text: generator.errorMessage
-        color: Theme.warningColor
-        wrapMode: Text.Wrap
+        opensSettings: generator.errorOpensSettings
+        onOpenSettingsRequested: page.navigation.showSettings()
     }
 
     RowLayout {
@@ -114,6 +114,14 @@ ScrollingPage {
         Layout.fillWidth: true
         visible: generator.output.length > 0
         blocks: generator.outputBlocks
+    }
+
+    Label {
+        objectName: "stoppedMark"
+        visible: generator.wasStopped
+        text: qsTr("Stopped before the reply was complete")
+        font.italic: true
+        color: Theme.secondaryTextColor
     }
 
     PiiAlertView {

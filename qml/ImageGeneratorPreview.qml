@@ -17,7 +17,10 @@ ColumnLayout {
 
     Rectangle {
         Layout.fillWidth: true
-        Layout.preferredHeight: Math.max(260, Math.min(640, width * 0.75))
+        // Without a picture on its way the box is only as tall as its note, so what follows
+        // (the examples) stays in view.
+        Layout.preferredHeight: picture.status === Image.Ready || preview.busy
+                                ? Math.max(260, Math.min(640, width * 0.75)) : 96
         radius: 12
         color: Theme.cardColor
         border.color: Theme.cardBorderColor

@@ -9,6 +9,8 @@ import Zentrik
 ScrollingPage {
     id: page
 
+    signal openSettingsRequested
+
     objectName: "imageGeneratorView"
     maxContentWidth: 900
 
@@ -40,8 +42,16 @@ ScrollingPage {
     }
 
     ScrollView {
+        id: promptScroller
         Layout.fillWidth: true
         Layout.preferredHeight: 110
+        // Only a field with more text than it shows takes the mouse wheel; otherwise the
+        // wheel scrolls the page around it.
+        Binding {
+            target: promptScroller.contentItem
+            property: "interactive"
+            value: promptScroller.contentHeight > promptScroller.availableHeight + 1
+        }
 
         TextArea {
             id: promptField
@@ -76,6 +86,13 @@ ScrollingPage {
             visible: studio.isGenerating
             running: visible
         }
+        Button {
+            objectName: "cancelGenerationButton"
+            visible: studio.isGenerating
+            text: qsTr("Cancel")
+            Accessible.name: qsTr("Cancel the image generation")
+            onClicked: studio.cancel()
+        }
         Label {
             objectName: "progressLabel"
             Layout.fillWidth: true
@@ -85,11 +102,26 @@ ScrollingPage {
         }
     }
 
+    Label {
+        objectName: "imageModelName"
+        Layout.fillWidth: true
+        text: qsTr("Model: %1").arg(studio.modelName)
+        color: Theme.secondaryTextColor
+        elide: Text.ElideRight
+    }
+
     NoticeBanner {
         objectName: "imageError"
         Layout.fillWidth: true
         visible: studio.errorMessage.length > 0
         text: studio.errorMessage
+    }
+
+    Button {
+        objectName: "openSettingsButton"
+        visible: studio.errorOpensSettings
+        text: qsTr("Open Settings")
+        onClicked: page.openSettingsRequested()
     }
 
     ImageGeneratorPreview {

@@ -4,13 +4,14 @@ import QtQuick.Layouts
 import Zentrik
 
 // The right half of the PDF chat: the document's name, Summarize and its card, the
-// questions and answers, and the question field.
-ScrollingPage {
+// questions and answers, and the question field pinned under them.
+ChatPage {
     id: panel
 
     required property PdfChatViewModel chat
 
     signal openRequested
+    signal openSettingsRequested
     signal pageRequested(int number)
 
     maxContentWidth: 900
@@ -24,7 +25,8 @@ ScrollingPage {
                                          : qsTr("Ask questions about a document and get a summary of it.")
     }
 
-    RowLayout {
+    Flow {
+        Layout.fillWidth: true
         spacing: 10
         PlainButton {
             objectName: "openPdfButton"
@@ -40,7 +42,7 @@ ScrollingPage {
         BusyIndicator {
             running: panel.chat.isSummarizing || panel.chat.isAIProcessing
             visible: running
-            Layout.preferredHeight: 32
+            height: 32
         }
     }
 
@@ -68,21 +70,22 @@ ScrollingPage {
         }
     }
 
-    Label {
-        Layout.fillWidth: true
-        visible: panel.chat.errorMessage.length > 0
-        text: panel.chat.errorMessage
-        color: Theme.warningColor
-        wrapMode: Text.Wrap
-    }
-
-    ChatInput {
-        Layout.fillWidth: true
-        placeholderText: qsTr("Ask a question about the document...")
-        buttonText: qsTr("Ask")
-        busy: panel.chat.isAIProcessing || !panel.chat.hasDocument
-        text: panel.chat.newMessage
-        onTextChanged: panel.chat.newMessage = text
-        onSubmitted: panel.chat.send()
-    }
+    footer: [
+        ErrorNotice {
+            Layout.fillWidth: true
+            labelName: "pdfChatError"
+            text: panel.chat.errorMessage
+            opensSettings: panel.chat.errorOpensSettings
+            onOpenSettingsRequested: panel.openSettingsRequested()
+        },
+        ChatInput {
+            Layout.fillWidth: true
+            placeholderText: qsTr("Ask a question about the document...")
+            buttonText: qsTr("Ask")
+            busy: panel.chat.isAIProcessing || !panel.chat.hasDocument
+            text: panel.chat.newMessage
+            onTextChanged: panel.chat.newMessage = text
+            onSubmitted: panel.chat.send()
+        }
+    ]
 }

@@ -6,9 +6,15 @@ import QtQuick.Pdf
 import Zentrik
 
 // Chat with a PDF: the pages on the left, the summary card and the conversation on the
-// right. Open with the button or by dropping a file; a cited page in an answer is a link.
+// right (the pages above the conversation when the window is too narrow for both side by
+// side). Open with the button or by dropping a file; a cited page in an answer is a link.
 Item {
     id: page
+
+    // Below this width the two halves no longer fit beside each other.
+    readonly property bool stacked: width < 720
+
+    signal openSettingsRequested
 
     objectName: "pdfChatView"
 
@@ -42,59 +48,28 @@ Item {
 
     SplitView {
         anchors.fill: parent
+        orientation: page.stacked ? Qt.Vertical : Qt.Horizontal
 
-        Rectangle {
+        PdfPagesPane {
+            id: pagesPane
             SplitView.preferredWidth: page.width * 0.5
-            SplitView.minimumWidth: 280
-            color: Theme.cardColor
-            clip: true
-
-            PdfScrollablePageView {
-                id: pageView
-                objectName: "pdfPageView"
-                anchors.fill: parent
-                visible: pdfChat.hasDocument
-                document: pdfDocument
-                onCurrentPageChanged: pdfChat.currentPage = currentPage
-                // Pages follow the pane's width, so the whole line of text is always in view.
-                onWidthChanged: fitWidth()
-                function fitWidth() {
-                    if (pdfDocument.status === PdfDocument.Ready && width > 0)
-                        scaleToWidth(width, height)
-                }
-                Connections {
-                    target: pdfDocument
-                    function onStatusChanged() { pageView.fitWidth() }
-                }
-            }
-
-            ColumnLayout {
-                anchors.centerIn: parent
-                visible: !pdfChat.hasDocument
-                spacing: 12
-                SymbolIcon {
-                    Layout.alignment: Qt.AlignHCenter
-                    symbol: "doc.text.magnifyingglass"
-                    size: 48
-                    color: Theme.secondaryTextColor
-                }
-                Label {
-                    Layout.alignment: Qt.AlignHCenter
-                    text: qsTr("Open a PDF or drop one here.")
-                    color: Theme.secondaryTextColor
-                }
-            }
+            SplitView.preferredHeight: page.height * 0.4
+            SplitView.minimumWidth: 240
+            SplitView.minimumHeight: 160
+            document: pdfDocument
+            chat: pdfChat
+            pagingEnabled: !pdfChat.piiAlertVM.showAlert
         }
 
         PdfChatPanel {
             SplitView.fillWidth: true
-            SplitView.minimumWidth: 360
+            SplitView.fillHeight: true
+            SplitView.minimumWidth: 300
+            SplitView.minimumHeight: 240
             chat: pdfChat
             onOpenRequested: openDialog.open()
-            onPageRequested: number => {
-                pdfChat.currentPage = number - 1
-                pageView.goToPage(number - 1)
-            }
+            onOpenSettingsRequested: page.openSettingsRequested()
+            onPageRequested: number => pagesPane.showPage(number - 1)
         }
     }
 

@@ -23,6 +23,7 @@ ColumnLayout {
             color: heading.tint
         }
         Label {
+            objectName: "screenHeadingTitle"
             Layout.fillWidth: true
             text: heading.title
             font.pixelSize: 28

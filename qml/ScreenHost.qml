@@ -28,6 +28,13 @@ Loader {
     objectName: "screenHost"
     sourceComponent: screens[navigation.screen] ?? pendingView
 
+    // A screen whose error is fixed in Settings offers to go there.
+    Connections {
+        target: host.item
+        ignoreUnknownSignals: true
+        function onOpenSettingsRequested() { host.navigation.showSettings() }
+    }
+
     Component {
         id: homeView
         HomeView {

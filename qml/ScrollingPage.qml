@@ -4,12 +4,16 @@ import QtQuick.Layouts
 
 // A screen's scrolling body: a column no wider than maxContentWidth, at the same distance from
 // the sidebar on every screen. The control that takes the keyboard focus is scrolled into view.
+// With followsGrowth on, growing content (a streamed reply) keeps the end of the page in view
+// unless the user scrolls away from it.
 ScrollView {
     id: page
 
     default property alias content: column.data
     property int maxContentWidth: 1120
     property int margin: 32
+    property bool followsGrowth: false
+    property bool following: true
 
     // Brings a control inside the page fully into view, with a little room around it.
     function reveal(item) {
@@ -39,6 +43,29 @@ ScrollView {
             const item = page.Window.window.activeFocusItem
             if (item)
                 page.reveal(item)
+        }
+    }
+
+    onFollowsGrowthChanged: following = true
+
+    Connections {
+        target: page.contentItem
+        enabled: page.followsGrowth
+        property bool movingToEnd: false
+        function showEnd() {
+            const flick = page.contentItem
+            movingToEnd = true
+            flick.contentY = Math.max(0, flick.contentHeight - flick.height)
+            movingToEnd = false
+        }
+        function onContentHeightChanged() {
+            if (page.following)
+                showEnd()
+        }
+        function onContentYChanged() {
+            const flick = page.contentItem
+            if (!movingToEnd)
+                page.following = flick.contentY >= flick.contentHeight - flick.height - 2
         }
     }
 

@@ -59,7 +59,10 @@ Rectangle {
             Keys.onReturnPressed: sidebarModel.activate(currentIndex)
             Keys.onEnterPressed: sidebarModel.activate(currentIndex)
             Keys.onSpacePressed: sidebarModel.activate(currentIndex)
-            ScrollBar.vertical: ScrollBar {}
+            // Always shown when entries are out of view, so a short window still shows there is more.
+            ScrollBar.vertical: ScrollBar {
+                policy: entries.contentHeight > entries.height ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
+            }
         }
 
         Switch {

@@ -3,17 +3,28 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// A table with its header row, each column aligned as the reply asked.
-ScrollView {
+// A table with its header row, each column aligned as the reply asked. A table wider than
+// the reply scrolls sideways with its scroll bar; the mouse wheel passes through to the
+// conversation, so reading on never stops over a table.
+Flickable {
     id: tableBlock
+
+    objectName: "replyTable"
 
     property var header: []
     property var rows: []
     property var alignments: []
 
-    implicitHeight: grid.implicitHeight + (ScrollBar.horizontal.visible ? 12 : 0)
+    implicitHeight: grid.implicitHeight + (horizontalBar.visible ? horizontalBar.height : 0)
     contentWidth: grid.implicitWidth
+    contentHeight: grid.implicitHeight
     clip: true
+    interactive: false
+    flickableDirection: Flickable.HorizontalFlick
+    ScrollBar.horizontal: ScrollBar {
+        id: horizontalBar
+        policy: tableBlock.contentWidth > tableBlock.width ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+    }
 
     GridLayout {
         id: grid

@@ -12,6 +12,11 @@ QString APIError::message() const
     case generalNetworkError:
         return QCoreApplication::translate("APIError", "A network error occurred: ") + m_description;
     case missingAPIKey:
+        if (m_builtInKey) {
+            return QCoreApplication::translate("APIError",
+                "The free models need a key built into the program, and this build carries none. Please choose "
+                "another model in Settings.");
+        }
         return QCoreApplication::translate("APIError", "API key is missing. Please add it in Settings.");
     case unsupportedModel:
         return QCoreApplication::translate("APIError",
@@ -34,6 +39,29 @@ QString APIError::message() const
             "APIError", "The network connection was lost. Please check your internet connection and try again.");
     }
     return {};
+}
+
+APIError APIError::missingBuiltInKey()
+{
+    APIError error(missingAPIKey);
+    error.m_builtInKey = true;
+    return error;
+}
+
+APIError APIError::withDetails(QString details) const
+{
+    APIError error = *this;
+    error.m_details = std::move(details);
+    return error;
+}
+
+QString APIError::detailsLine() const
+{
+    // A stream's failure already carries the same words in its description.
+    if (m_details.isEmpty() || message().contains(m_details)) {
+        return {};
+    }
+    return QCoreApplication::translate("APIError", "\nDetails: %1").arg(m_details);
 }
 
 APIError APIError::fromTransportCode(int code, const QString &transportDescription)

@@ -31,10 +31,23 @@ public:
     {
     }
 
+    // A request that needs a key this build was meant to carry (the free models) and does
+    // not: Settings has no field for it, so the message must not send the user there.
+    [[nodiscard]] static APIError missingBuiltInKey();
+
     [[nodiscard]] Kind kind() const { return m_kind; }
     [[nodiscard]] QString description() const { return m_description; }
     // The text a tool shows in place of a reply.
     [[nodiscard]] QString message() const;
+    // Whether the user can act on this error by entering a key in Settings.
+    [[nodiscard]] bool isFixedInSettings() const { return m_kind == missingAPIKey && !m_builtInKey; }
+
+    // What the provider itself said when its answer was refused ("HTTP 503: Service
+    // unavailable"), for the user to act on; empty when it said nothing beyond a success.
+    [[nodiscard]] QString details() const { return m_details; }
+    [[nodiscard]] APIError withDetails(QString details) const;
+    // "\nDetails: …" for a message that does not already say it; empty otherwise.
+    [[nodiscard]] QString detailsLine() const;
 
     // The transport's numeric codes, as the platform's URL loading system numbers them;
     // codes outside the mapped few become generalNetworkError with the transport's text.
@@ -44,14 +57,17 @@ public:
     // connection, a TLS failure, …) is generalNetworkError with the transport's text.
     [[nodiscard]] static APIError fromTransport(const TransportError &error);
 
+    // Errors are equal when they say the same to the user; the provider's details are extra.
     friend bool operator==(const APIError &a, const APIError &b)
     {
-        return a.m_kind == b.m_kind && a.m_description == b.m_description;
+        return a.m_kind == b.m_kind && a.m_description == b.m_description && a.m_builtInKey == b.m_builtInKey;
     }
 
 private:
     Kind m_kind;
     QString m_description;
+    QString m_details;
+    bool m_builtInKey = false;
 };
 
 // Appended by the conversational tools to the message of a failed request.

@@ -58,7 +58,7 @@ void APIManager::generateTogetherImage(const QString &prompt, QObject *context, 
 {
     if (m_togetherApiKey.isEmpty()) {
         qCInfo(lcModel).noquote() << "This build carries no key for the free image model (ZENTRIK_TOGETHER_KEY)";
-        deliverLater(context, [completion] { completion(ImageError(APIError::missingAPIKey)); });
+        deliverLater(context, [completion] { completion(ImageError(APIError::missingBuiltInKey())); });
         return;
     }
     auto request = ImageRequests::buildTogether(prompt, m_togetherApiKey);

@@ -86,18 +86,22 @@ void APIManager::generateText(const QString &prompt, QObject *context, TextCompl
     }
     const QString key = keyFor(*provider);
     if (key.isEmpty()) {
+        const APIError error
+            = *provider == TextProvider::openRouter ? APIError::missingBuiltInKey() : APIError::missingAPIKey;
         if (*provider == TextProvider::openRouter) {
             logMissingBuiltInKey();
         }
-        deliverLater(context, [completion] { completion(APIError::missingAPIKey); });
+        deliverLater(context, [completion, error] { completion(error); });
         return;
     }
     m_http->send(TextRequest::build(*provider, model, prompt, key), context,
-        [provider = *provider, completion = std::move(completion)](const HttpResult &result) {
+        [provider = *provider, key, completion = std::move(completion)](const HttpResult &result) {
             TextResult reply = TextRequest::read(provider, result);
-            if (const auto *error = std::get_if<APIError>(&reply);
-                error != nullptr && provider == TextProvider::anthropic) {
-                qInfo().noquote() << "API request failed: " + error->message();
+            if (auto *error = std::get_if<APIError>(&reply)) {
+                if (provider == TextProvider::anthropic) {
+                    qInfo().noquote() << "API request failed: " + error->message();
+                }
+                *error = error->withDetails(refusalDetails(result, key));
             }
             completion(reply);
         });
@@ -129,6 +133,7 @@ APIManager::StreamId APIManager::streamText(
     if (key.isEmpty()) {
         if (*provider == TextProvider::openRouter) {
             logMissingBuiltInKey();
+            return failAtOnce(APIError::missingBuiltInKey());
         }
         return failAtOnce(APIError::missingAPIKey);
     }

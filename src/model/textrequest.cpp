@@ -114,6 +114,24 @@ HttpRequest TextRequest::build(
     return request;
 }
 
+QString refusalDetails(const HttpResult &result, const QString &key)
+{
+    const auto *response = std::get_if<HttpResponse>(&result);
+    if (response == nullptr || response->isSuccess()) {
+        return {};
+    }
+    constexpr qsizetype longest = 300;
+    QString said = ChatError::serviceMessage(response->body).simplified();
+    if (!key.isEmpty()) {
+        said.replace(key, QStringLiteral("[key]"));
+    }
+    if (said.size() > longest) {
+        said = said.left(longest - 1) + QChar(0x2026);
+    }
+    return said.isEmpty() ? QStringLiteral("HTTP %1").arg(response->status)
+                          : QStringLiteral("HTTP %1: %2").arg(response->status).arg(said);
+}
+
 std::variant<QString, APIError> TextRequest::read(TextProvider provider, const HttpResult &result)
 {
     if (const auto *error = std::get_if<TransportError>(&result)) {

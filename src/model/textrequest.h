@@ -29,4 +29,9 @@ public:
     [[nodiscard]] static std::variant<QString, APIError> read(TextProvider provider, const HttpResult &result);
 };
 
+// What a provider said when it refused a request: "HTTP 503" and its own message, if any, on
+// one line and cut to a readable length, with the key replaced should the provider quote it
+// back. Empty for a success or when no answer came.
+[[nodiscard]] QString refusalDetails(const HttpResult &result, const QString &key);
+
 } // namespace zentrik

@@ -76,7 +76,7 @@ void PdfChatViewModel::send()
         return;
     }
     if (const std::optional<QString> problem = validate(question)) {
-        setErrorMessage(*problem);
+        setErrorMessage(*problem, hasDocument()); // with a document, the problem is the model or key
         return;
     }
     const QString prompt = questionPrompt(question);
@@ -94,7 +94,7 @@ void PdfChatViewModel::summarize()
         return;
     }
     if (const std::optional<QString> problem = validate(QString())) {
-        setErrorMessage(*problem);
+        setErrorMessage(*problem, hasDocument()); // with a document, the problem is the model or key
         return;
     }
     const QString prompt =

@@ -60,7 +60,7 @@ void AskMeAnythingViewModel::send()
         return;
     }
     if (const std::optional<QString> problem = validate(trimmed)) {
-        setErrorMessage(*problem);
+        setErrorMessage(*problem, true);
         return;
     }
     if (m_piiAlert->checkForPII(trimmed)) {

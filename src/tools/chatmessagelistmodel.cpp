@@ -40,6 +40,8 @@ QVariant ChatMessageListModel::data(const QModelIndex &index, int role) const
         return QVariant::fromValue<QObject *>(entry.blocks.get());
     case IsRuleRole:
         return entry.isRule;
+    case IsStoppedRole:
+        return entry.record.stopped;
     case SymbolRole:
         return assistant ? QStringLiteral("brain.head.profile") : QStringLiteral("person.circle.fill");
     default:
@@ -49,15 +51,14 @@ QVariant ChatMessageListModel::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> ChatMessageListModel::roleNames() const
 {
-    return {{IdRole, "messageId"},       {RoleRole, "role"},       {ContentRole, "content"},
-            {IsCopiedRole, "isCopied"},  {BlocksRole, "blocks"},   {IsRuleRole, "isRule"},
-            {SymbolRole, "symbol"}};
+    return { { IdRole, "messageId" }, { RoleRole, "role" }, { ContentRole, "content" }, { IsCopiedRole, "isCopied" },
+        { BlocksRole, "blocks" }, { IsRuleRole, "isRule" }, { SymbolRole, "symbol" }, { IsStoppedRole, "isStopped" } };
 }
 
-QString ChatMessageListModel::append(ChatMessageRecord::Role role, const QString &content)
+QString ChatMessageListModel::append(ChatMessageRecord::Role role, const QString &content, bool stopped)
 {
     Entry entry;
-    entry.record = {QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), role, content};
+    entry.record = { QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), role, content, stopped };
     if (role == ChatMessageRecord::Role::assistant) {
         entry.blocks = std::make_unique<MarkdownModel>();
         entry.blocks->setText(content);

@@ -18,6 +18,8 @@ struct ChatMessageRecord {
     QString id; // a fresh UUID string per message
     Role role = Role::user;
     QString content;
+    // A reply the user stopped before it was complete.
+    bool stopped = false;
 };
 using AskMeMessage = ChatMessageRecord;
 using DebuggerMessage = ChatMessageRecord;
@@ -32,12 +34,13 @@ class ChatMessageListModel : public QAbstractListModel
 public:
     enum Role {
         IdRole = Qt::UserRole + 1,
-        RoleRole,     // "user" or "assistant"
-        ContentRole,  // the text as shown (and copied)
+        RoleRole, // "user" or "assistant"
+        ContentRole, // the text as shown (and copied)
         IsCopiedRole, // the copy button shows its copied state
-        BlocksRole,   // MarkdownModel* of an assistant message; null for user messages
-        IsRuleRole,   // an assistant reply that the divider pattern matches
-        SymbolRole,   // "person.circle.fill" or "brain.head.profile"
+        BlocksRole, // MarkdownModel* of an assistant message; null for user messages
+        IsRuleRole, // an assistant reply that the divider pattern matches
+        SymbolRole, // "person.circle.fill" or "brain.head.profile"
+        IsStoppedRole, // a reply the user stopped part-way
     };
     Q_ENUM(Role)
 
@@ -49,7 +52,7 @@ public:
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     // Appends a message with a fresh id and returns that id.
-    QString append(ChatMessageRecord::Role role, const QString &content);
+    QString append(ChatMessageRecord::Role role, const QString &content, bool stopped = false);
     void clear();
 
     [[nodiscard]] int count() const { return int(m_entries.size()); }

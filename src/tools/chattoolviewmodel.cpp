@@ -47,18 +47,21 @@ void ChatToolViewModel::copyMessage(const QString &messageId)
     m_copiedTimer.start();
 }
 
-void ChatToolViewModel::setErrorMessage(const QString &message)
+void ChatToolViewModel::setErrorMessage(const QString &message, bool opensSettings)
 {
-    if (m_errorMessage == message) {
+    opensSettings = opensSettings && !message.isEmpty();
+    if (m_errorMessage == message && m_errorOpensSettings == opensSettings) {
         return;
     }
     m_errorMessage = message;
+    m_errorOpensSettings = opensSettings;
     Q_EMIT errorMessageChanged();
 }
 
 void ChatToolViewModel::showRequestError(const APIError &error)
 {
-    setErrorMessage(error.message() + connectionTip());
+    setErrorMessage(error.message() + connectionTip() + error.detailsLine(),
+        error.isFixedInSettings() || error.kind() == APIError::unsupportedModel);
 }
 
 void ChatToolViewModel::setProcessing(bool processing)

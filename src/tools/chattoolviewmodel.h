@@ -18,6 +18,8 @@ class ChatToolViewModel : public QObject
     Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
     Q_PROPERTY(ChatMessageListModel *messages READ messages CONSTANT FINAL)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
+    // Whether the error is one the user fixes in Settings (a missing key, no usable model).
+    Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)
     Q_PROPERTY(bool isProcessing READ isProcessing NOTIFY isProcessingChanged FINAL)
     Q_PROPERTY(QString copiedMessageId READ copiedMessageId NOTIFY copiedMessageIdChanged FINAL)
 
@@ -29,6 +31,7 @@ public:
     void setApiManager(APIManager *apiManager);
     [[nodiscard]] ChatMessageListModel *messages() const { return m_messages; }
     [[nodiscard]] QString errorMessage() const { return m_errorMessage; }
+    [[nodiscard]] bool errorOpensSettings() const { return m_errorOpensSettings; }
     [[nodiscard]] bool isProcessing() const { return m_isProcessing; }
     [[nodiscard]] QString copiedMessageId() const;
 
@@ -47,8 +50,9 @@ Q_SIGNALS:
     void copyRequested(const QString &plainText);
 
 protected:
-    void setErrorMessage(const QString &message);
-    // A failed request's message with the connection tip after it.
+    void setErrorMessage(const QString &message, bool opensSettings = false);
+    // A failed request's message with the connection tip after it, then what the provider
+    // said, if anything.
     void showRequestError(const APIError &error);
     void setProcessing(bool processing);
 
@@ -56,6 +60,7 @@ private:
     QPointer<APIManager> m_apiManager;
     ChatMessageListModel *m_messages;
     QString m_errorMessage;
+    bool m_errorOpensSettings = false;
     bool m_isProcessing = false;
     QTimer m_copiedTimer;
 };

@@ -145,6 +145,7 @@ void DevToolViewModel::send()
     m_streamedContent.clear();
     Q_EMIT streamedContentChanged();
     setStreaming(true);
+    m_stopRequested = false;
     m_stream = apiManager()->streamText(
         outgoing, this, [this](const QString &piece) { m_coalescer->append(piece); },
         [this](const std::optional<APIError> &error) { finishStream(error); });
@@ -156,7 +157,7 @@ void DevToolViewModel::finishStream(const std::optional<APIError> &error)
     m_coalescer->flush();
     // What arrived stays visible, whether the stream ended, was stopped or failed.
     if (!m_streamedContent.isEmpty()) {
-        messages()->append(ChatMessageRecord::Role::assistant, m_streamedContent);
+        messages()->append(ChatMessageRecord::Role::assistant, m_streamedContent, m_stopRequested && !error);
         m_streamedContent.clear();
         Q_EMIT streamedContentChanged();
     }
@@ -170,6 +171,7 @@ void DevToolViewModel::finishStream(const std::optional<APIError> &error)
 void DevToolViewModel::stop()
 {
     if (apiManager() && m_stream != 0) {
+        m_stopRequested = true;
         apiManager()->stopStream(m_stream);
     }
 }

@@ -73,6 +73,7 @@ private:
     bool m_isStreaming = false;
     QString m_streamedContent;
     APIManager::StreamId m_stream = 0;
+    bool m_stopRequested = false;
     StreamCoalescer *m_coalescer;
 };
 

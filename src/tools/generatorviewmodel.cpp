@@ -183,7 +183,7 @@ void GeneratorViewModel::generate()
     }
     if (m_family->checksModelAndKey()) {
         if (const std::optional<QString> problem = m_apiManager->preflightMessage()) {
-            setErrorMessage(*problem);
+            setErrorMessage(*problem, true);
             return;
         }
     }
@@ -224,6 +224,8 @@ void GeneratorViewModel::send(const QString &prompt)
     m_coalescer->discard();
     m_output.clear();
     m_outputBlocks->clear();
+    m_stopRequested = false;
+    m_wasStopped = false;
     Q_EMIT outputChanged();
     setErrorMessage(QString());
     setGenerating(true, true);
@@ -243,15 +245,21 @@ void GeneratorViewModel::finish(const std::optional<APIError> &error)
 {
     m_stream = 0;
     m_coalescer->flush();
+    if (m_stopRequested && !error && !m_output.isEmpty()) {
+        m_wasStopped = true;
+        Q_EMIT outputChanged();
+    }
     setGenerating(false, false);
     if (error) {
-        setErrorMessage(tr("Failed to generate content: ") + error->message());
+        setErrorMessage(tr("Failed to generate content: ") + error->message() + error->detailsLine(),
+            error->isFixedInSettings() || error->kind() == APIError::unsupportedModel);
     }
 }
 
 void GeneratorViewModel::stop()
 {
     if (m_apiManager && m_stream != 0) {
+        m_stopRequested = true;
         m_apiManager->stopStream(m_stream);
     }
 }
@@ -279,12 +287,14 @@ void GeneratorViewModel::setGenerating(bool generating, bool streaming)
     }
 }
 
-void GeneratorViewModel::setErrorMessage(const QString &message)
+void GeneratorViewModel::setErrorMessage(const QString &message, bool opensSettings)
 {
-    if (m_errorMessage == message) {
+    opensSettings = opensSettings && !message.isEmpty();
+    if (m_errorMessage == message && m_errorOpensSettings == opensSettings) {
         return;
     }
     m_errorMessage = message;
+    m_errorOpensSettings = opensSettings;
     Q_EMIT errorMessageChanged();
 }
 

@@ -45,8 +45,12 @@ class GeneratorViewModel : public QObject
     Q_PROPERTY(MarkdownModel *outputBlocks READ outputBlocks CONSTANT FINAL)
     Q_PROPERTY(bool isGenerating READ isGenerating NOTIFY isGeneratingChanged FINAL)
     Q_PROPERTY(bool isStreaming READ isStreaming NOTIFY isStreamingChanged FINAL)
+    // The reply shown was stopped by the user before it was complete.
+    Q_PROPERTY(bool wasStopped READ wasStopped NOTIFY outputChanged FINAL)
     Q_PROPERTY(bool isCopied READ isCopied NOTIFY isCopiedChanged FINAL)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
+    // Whether the error is one the user fixes in Settings (a missing key, no usable model).
+    Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)
     Q_PROPERTY(PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
     Q_PROPERTY(bool canGenerate READ canGenerate NOTIFY canGenerateChanged FINAL)
     Q_PROPERTY(QString copyLabel READ copyLabel NOTIFY isCopiedChanged FINAL)
@@ -87,6 +91,8 @@ public:
     [[nodiscard]] bool isStreaming() const { return m_isStreaming; }
     [[nodiscard]] bool isCopied() const { return m_isCopied; }
     [[nodiscard]] QString errorMessage() const { return m_errorMessage; }
+    [[nodiscard]] bool wasStopped() const { return m_wasStopped; }
+    [[nodiscard]] bool errorOpensSettings() const { return m_errorOpensSettings; }
     [[nodiscard]] PiiAlertViewModel *piiAlertVM() const { return m_piiAlert; }
     [[nodiscard]] bool canGenerate() const;
     [[nodiscard]] QString copyLabel() const;
@@ -123,7 +129,7 @@ private:
     void appendOutput(const QString &text);
     void finish(const std::optional<APIError> &error);
     void setGenerating(bool generating, bool streaming);
-    void setErrorMessage(const QString &message);
+    void setErrorMessage(const QString &message, bool opensSettings = false);
     void setCopied(bool copied);
 
     QPointer<APIManager> m_apiManager;
@@ -137,7 +143,10 @@ private:
     bool m_isStreaming = false;
     bool m_isCopied = false;
     QString m_errorMessage;
+    bool m_errorOpensSettings = false;
     APIManager::StreamId m_stream = 0;
+    bool m_stopRequested = false;
+    bool m_wasStopped = false;
     MarkdownModel *m_outputBlocks;
     PiiAlertViewModel *m_piiAlert;
     StreamCoalescer *m_coalescer;

@@ -1,5 +1,6 @@
 #include "tools/imagegeneratorviewmodel.h"
 
+#include "model/providerrouting.h"
 #include "tools/imageexamples.h"
 #include "tools/imageloader.h"
 
@@ -26,8 +27,15 @@ void ImageGeneratorViewModel::setApiManager(APIManager *apiManager)
         return;
     }
     const bool could = canGenerate();
+    if (m_apiManager) {
+        disconnect(m_apiManager, nullptr, this, nullptr);
+    }
     m_apiManager = apiManager;
+    if (m_apiManager) {
+        connect(m_apiManager, &APIManager::selectedImageModelChanged, this, &ImageGeneratorViewModel::modelNameChanged);
+    }
     Q_EMIT apiManagerChanged();
+    Q_EMIT modelNameChanged();
     if (could != canGenerate()) {
         Q_EMIT canGenerateChanged();
     }
@@ -121,7 +129,11 @@ void ImageGeneratorViewModel::generate()
                 return;
             }
             if (const auto *error = std::get_if<ImageError>(&result)) {
-                finishWithError(error->message());
+                const auto *apiError = error->get<APIError>();
+                const bool opensSettings = apiError != nullptr && apiError->isFixedInSettings();
+                finishWithError(
+                    opensSettings ? error->message() + QLatin1Char('\n') + neededKeyHint() : error->message(),
+                    opensSettings);
                 return;
             }
             showPicture(std::get<QString>(result), generation);
@@ -164,9 +176,46 @@ void ImageGeneratorViewModel::showPicture(const QString &address, quint64 genera
         });
 }
 
-void ImageGeneratorViewModel::finishWithError(const QString &message)
+QString ImageGeneratorViewModel::modelName() const
 {
-    setErrorMessage(message);
+    if (m_apiManager.isNull()) {
+        return {};
+    }
+    const QString id = m_apiManager->selectedImageModel();
+    for (const ImageModel &model : m_apiManager->imageModels()) {
+        if (model.id == id) {
+            return model.name;
+        }
+    }
+    return id;
+}
+
+QString ImageGeneratorViewModel::neededKeyHint() const
+{
+    switch (routeImageModel(m_apiManager ? m_apiManager->selectedImageModel() : QString())) {
+    case ImageProvider::openAI:
+        return tr("%1 needs the OpenAI API key.").arg(modelName());
+    case ImageProvider::fal:
+        return tr("%1 needs the fal API key.").arg(modelName());
+    case ImageProvider::together:
+        break;
+    }
+    return {};
+}
+
+void ImageGeneratorViewModel::cancel()
+{
+    if (!m_isGenerating) {
+        return;
+    }
+    ++m_generation; // the answer of the abandoned generation no longer matches
+    setProgress({}, -1);
+    setGenerating(false);
+}
+
+void ImageGeneratorViewModel::finishWithError(const QString &message, bool opensSettings)
+{
+    setErrorMessage(message, opensSettings);
     setProgress({}, -1);
     setGenerating(false);
 }
@@ -211,12 +260,14 @@ void ImageGeneratorViewModel::setProgress(const QString &text, int queuePosition
     Q_EMIT progressChanged();
 }
 
-void ImageGeneratorViewModel::setErrorMessage(const QString &message)
+void ImageGeneratorViewModel::setErrorMessage(const QString &message, bool opensSettings)
 {
-    if (m_errorMessage == message) {
+    opensSettings = opensSettings && !message.isEmpty();
+    if (m_errorMessage == message && m_errorOpensSettings == opensSettings) {
         return;
     }
     m_errorMessage = message;
+    m_errorOpensSettings = opensSettings;
     Q_EMIT errorMessageChanged();
 }
 

@@ -34,6 +34,10 @@ class ImageGeneratorViewModel : public QObject
     Q_PROPERTY(bool hasImage READ hasImage NOTIFY imageChanged FINAL)
     Q_PROPERTY(QSize imageSize READ imageSize NOTIFY imageChanged FINAL)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
+    // Whether the error is one the user fixes in Settings (a missing key).
+    Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)
+    // The shown name of the image model a generation uses.
+    Q_PROPERTY(QString modelName READ modelName NOTIFY modelNameChanged FINAL)
     Q_PROPERTY(bool showExamples READ showExamples WRITE setShowExamples NOTIFY showExamplesChanged FINAL)
     // [{title, text}] in the order shown.
     Q_PROPERTY(QVariantList examplePrompts READ examplePrompts CONSTANT FINAL)
@@ -69,6 +73,8 @@ public:
     // The picture as the PNG that Save writes.
     [[nodiscard]] QByteArray imagePng() const { return m_png; }
     [[nodiscard]] QString errorMessage() const { return m_errorMessage; }
+    [[nodiscard]] bool errorOpensSettings() const { return m_errorOpensSettings; }
+    [[nodiscard]] QString modelName() const;
     [[nodiscard]] bool showExamples() const { return m_showExamples; }
     void setShowExamples(bool show);
     [[nodiscard]] static QVariantList examplePrompts();
@@ -77,6 +83,9 @@ public:
     [[nodiscard]] static QUrl suggestedFileUrl();
 
     Q_INVOKABLE void generate();
+    // Gives up waiting for the generation under way: the screen is free at once and whatever
+    // the provider still sends is dropped. A request already sent is not withdrawn.
+    Q_INVOKABLE void cancel();
     Q_INVOKABLE void toggleExamples() { setShowExamples(!m_showExamples); }
     // Puts the example's text into the prompt field and hands it to copyRequested.
     Q_INVOKABLE void copyExample(int index);
@@ -95,6 +104,7 @@ Q_SIGNALS:
     void progressChanged();
     void imageChanged();
     void errorMessageChanged();
+    void modelNameChanged();
     void showExamplesChanged();
     void copiedPromptIndexChanged();
     // The window puts the text on the clipboard.
@@ -103,11 +113,13 @@ Q_SIGNALS:
     void saved(const QString &path);
 
 private:
-    void finishWithError(const QString &message);
+    // Which key the selected model needs, for a missing-key message.
+    [[nodiscard]] QString neededKeyHint() const;
+    void finishWithError(const QString &message, bool opensSettings = false);
     void showPicture(const QString &address, quint64 generation);
     void setGenerating(bool generating);
     void setProgress(const QString &text, int queuePosition);
-    void setErrorMessage(const QString &message);
+    void setErrorMessage(const QString &message, bool opensSettings = false);
     void setCopiedPromptIndex(int index);
 
     QPointer<APIManager> m_apiManager;
@@ -120,6 +132,7 @@ private:
     QSize m_imageSize;
     QByteArray m_png;
     QString m_errorMessage;
+    bool m_errorOpensSettings = false;
     bool m_showExamples = false;
     int m_copiedPromptIndex = -1;
     // Identifies the generation whose answers still count.

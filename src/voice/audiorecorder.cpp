@@ -46,6 +46,7 @@ struct AudioRecorder::Capture
     QTimer *watchdog = nullptr;
     QString path;
     Stage stage = Stage::starting;
+    int attempt = 1;
     bool insideRecord = true;
     // An error reported from inside record(), before start() returned.
     QString startError;
@@ -131,9 +132,21 @@ bool AudioRecorder::start()
         return refuse(tr("Cannot create the folder %1").arg(directory.path()));
     }
 
+    const Flags before = flags();
+    QString problem;
+    if (!openCapture(1, &problem)) {
+        return refuse(problem);
+    }
+    announceChanges(before);
+    return true;
+}
+
+bool AudioRecorder::openCapture(int attempt, QString *problem)
+{
     m_capture = std::make_unique<Capture>();
     Capture &capture = *m_capture;
-    capture.path = newRecordingPath(directory);
+    capture.attempt = attempt;
+    capture.path = newRecordingPath(QDir(recordingsDirectory()));
     capture.session = new QMediaCaptureSession(capture.owner);
     capture.input = new QAudioInput(QMediaDevices::defaultAudioInput(), capture.owner);
     capture.recorder = new QMediaRecorder(capture.owner);
@@ -163,6 +176,10 @@ bool AudioRecorder::start()
     capture.watchdog = new QTimer(capture.owner);
     capture.watchdog->setSingleShot(true);
     connect(capture.watchdog, &QTimer::timeout, this, [this] {
+        if (isStarting() && m_capture->attempt < startAttempts) {
+            retryStart();
+            return;
+        }
         onRecorderError(
             isStarting() ? tr("No sound arrived from the microphone.") : tr("The recording was not finished in time."));
     });
@@ -170,13 +187,30 @@ bool AudioRecorder::start()
     capture.recorder->record();
     capture.insideRecord = false;
     if (!capture.startError.isEmpty() || capture.recorder->error() != QMediaRecorder::NoError) {
-        const QString description = capture.startError.isEmpty() ? capture.recorder->errorString() : capture.startError;
-        discardCapture(DiscardFile::remove);
-        return refuse(description);
+        *problem = capture.startError.isEmpty() ? capture.recorder->errorString() : capture.startError;
+        releaseCapture(DiscardFile::remove);
+        return false;
     }
-    capture.watchdog->start(startTimeoutMs);
-    Q_EMIT isStartingChanged();
+    capture.watchdog->start(attemptTimeoutMs);
     return true;
+}
+
+void AudioRecorder::retryStart()
+{
+    const int attempt = m_capture->attempt + 1;
+    qCInfo(lcVoice).noquote() << QStringLiteral(
+        "No sound from the microphone after %1 ms; opening it again (attempt %2 of %3)")
+                                     .arg(attemptTimeoutMs)
+                                     .arg(attempt)
+                                     .arg(startAttempts);
+    const Flags before = flags();
+    releaseCapture(DiscardFile::remove);
+    QString problem;
+    if (!openCapture(attempt, &problem)) {
+        qInfo().noquote() << "Failed to start recording: " + problem;
+        announceChanges(before);
+        Q_EMIT recordingFailed(problem);
+    }
 }
 
 void AudioRecorder::onSoundArrived()
@@ -272,17 +306,30 @@ void AudioRecorder::onRecorderError(const QString &description)
     }
 }
 
-void AudioRecorder::setStage(Capture &capture, Stage stage)
+AudioRecorder::Flags AudioRecorder::flags() const
 {
-    const bool wasRecording = isRecording();
-    const bool wasStarting = isStarting();
-    capture.stage = stage;
-    if (isRecording() != wasRecording) {
+    return { isRecording(), isStarting(), isFinishing() };
+}
+
+void AudioRecorder::announceChanges(const Flags &before)
+{
+    const Flags now = flags();
+    if (now.recording != before.recording) {
         Q_EMIT isRecordingChanged();
     }
-    if (isStarting() != wasStarting) {
+    if (now.starting != before.starting) {
         Q_EMIT isStartingChanged();
     }
+    if (now.finishing != before.finishing) {
+        Q_EMIT isFinishingChanged();
+    }
+}
+
+void AudioRecorder::setStage(Capture &capture, Stage stage)
+{
+    const Flags before = flags();
+    capture.stage = stage;
+    announceChanges(before);
 }
 
 void AudioRecorder::discardCapture(DiscardFile file)
@@ -290,8 +337,16 @@ void AudioRecorder::discardCapture(DiscardFile file)
     if (!m_capture) {
         return;
     }
-    const bool wasRecording = isRecording();
-    const bool wasStarting = isStarting();
+    const Flags before = flags();
+    releaseCapture(file);
+    announceChanges(before);
+}
+
+void AudioRecorder::releaseCapture(DiscardFile file)
+{
+    if (!m_capture) {
+        return;
+    }
     std::unique_ptr<Capture> capture = std::move(m_capture);
     capture->recorder->disconnect(this);
     capture->watchdog->stop();
@@ -302,12 +357,6 @@ void AudioRecorder::discardCapture(DiscardFile file)
     }
     // The recorder may be the sender of the signal being handled: let it return first.
     capture->owner->deleteLater();
-    if (wasRecording) {
-        Q_EMIT isRecordingChanged();
-    }
-    if (wasStarting) {
-        Q_EMIT isStartingChanged();
-    }
 }
 
 void AudioRecorder::setRecordingTime(double seconds)

@@ -19,6 +19,13 @@ namespace zentrik {
 // a recording counts as started only once sound arrives: until then isStarting() is true,
 // and the clock has not begun. Stopping is not instant either: the encoder finishes the
 // file first, and recordingFinished() hands it over once it is complete.
+//
+// Now and then (about one start in ten or twenty under PulseAudio) Qt's GStreamer backend
+// links the encoder into the new capture pipeline without any sound ever reaching it: the
+// muxer's latency query fails and the file stays empty however long one waits, while the
+// same start a moment later works at once. A start that hears nothing within
+// attemptTimeoutMs therefore opens the microphone again with fresh capture objects, up to
+// startAttempts times, before it counts as failed.
 class AudioRecorder : public QObject
 {
     Q_OBJECT
@@ -31,8 +38,11 @@ public:
     static constexpr int sampleRate = 44100;
     static constexpr int channelCount = 2;
     static constexpr int timerIntervalMs = 100;
-    // How long the microphone may stay silent after start() before the start counts as failed.
-    static constexpr int startTimeoutMs = 15000;
+    // How long one attempt at opening the microphone may stay silent before it is tried again,
+    // and how often; together, how long a start may take before it counts as failed.
+    static constexpr int attemptTimeoutMs = 3000;
+    static constexpr int startAttempts = 4;
+    static constexpr int startTimeoutMs = attemptTimeoutMs * startAttempts;
     // How long a stopped recording may take to be finished before it is given up.
     static constexpr int finishTimeoutMs = 15000;
 
@@ -66,6 +76,8 @@ public:
 Q_SIGNALS:
     void isRecordingChanged();
     void isStartingChanged();
+    // A stopped or abandoned recording began or ended being finished.
+    void isFinishingChanged();
     void recordingTimeChanged();
     void microphoneAccessGrantedChanged();
     // The complete recording, or an empty path when none was made.
@@ -77,8 +89,26 @@ private:
     struct Capture;
     enum class Stage { starting, recording, abandoning, finishing };
     enum class DiscardFile { keep, remove };
+    // What the signals report, taken before a change so that every flag that changed is
+    // announced, whichever way the capture ends.
+    struct Flags
+    {
+        bool recording;
+        bool starting;
+        bool finishing;
+    };
+
+    [[nodiscard]] Flags flags() const;
+    void announceChanges(const Flags &before);
 
     void updateMicrophoneAccess();
+    // Builds the capture objects and starts writing a new file; false, with the reason, when
+    // that fails at once (nothing is left behind then).
+    bool openCapture(int attempt, QString *problem);
+    void retryStart();
+    // Ends the capture without announcing it; the objects go once control is back in the
+    // event loop.
+    void releaseCapture(DiscardFile file);
     void setStage(Capture &capture, Stage stage);
     void setRecordingTime(double seconds);
     void onSoundArrived();

@@ -38,6 +38,9 @@ VoiceNotesViewModel::VoiceNotesViewModel(QObject *parent)
     connect(m_recorder, &AudioRecorder::isRecordingChanged, this, &VoiceNotesViewModel::canRecordChanged);
     connect(m_recorder, &AudioRecorder::isStartingChanged, this, &VoiceNotesViewModel::isStartingChanged);
     connect(m_recorder, &AudioRecorder::isStartingChanged, this, &VoiceNotesViewModel::canRecordChanged);
+    // A recording abandoned while the microphone was opening ends without a result; the
+    // button must come back when its finishing does, not when something else happens.
+    connect(m_recorder, &AudioRecorder::isFinishingChanged, this, &VoiceNotesViewModel::canRecordChanged);
     connect(m_recorder, &AudioRecorder::recordingTimeChanged, this, &VoiceNotesViewModel::recordingTimeChanged);
     connect(m_recorder, &AudioRecorder::microphoneAccessGrantedChanged, this,
         &VoiceNotesViewModel::microphoneAvailableChanged);

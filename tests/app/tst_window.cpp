@@ -77,7 +77,7 @@ private Q_SLOTS:
         QTest::addColumn<QSize>("size");
         QTest::newRow("1280x800") << QSize(1280, 800);
         QTest::newRow("1024x700") << QSize(1024, 700);
-        QTest::newRow("narrowest") << QSize(960, 640);
+        QTest::newRow("narrowest") << QSize(800, 600);
     }
 
     void cardTextsNeverOverlap()

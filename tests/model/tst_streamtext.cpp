@@ -116,7 +116,9 @@ private Q_SLOTS:
         }
         const Received received = run(fixture);
         if (builtIn.isEmpty()) {
-            QCOMPARE(received.error->message(), "API key is missing. Please add it in Settings.");
+            QCOMPARE(received.error->message(),
+                "The free models need a key built into the program, and this build carries none. "
+                "Please choose another model in Settings.");
             QCOMPARE(fixture.fake->requestCount(), 0);
             return;
         }

@@ -132,7 +132,9 @@ private Q_SLOTS:
         fixture.use(QStringLiteral("mistralai/mistral-7b-instruct:free"));
         QTest::ignoreMessage(QtInfoMsg, "This build carries no key for the free models (ZENTRIK_OPENROUTER_KEY)");
         const Outcome outcome = generate(fixture);
-        QCOMPARE(messageOf(*outcome.result), "API key is missing. Please add it in Settings.");
+        QCOMPARE(messageOf(*outcome.result),
+            "The free models need a key built into the program, and this build carries none. "
+            "Please choose another model in Settings.");
         QCOMPARE(fixture.fake->requestCount(), 0);
     }
 

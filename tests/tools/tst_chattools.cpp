@@ -105,22 +105,47 @@ private Q_SLOTS:
         QCOMPARE(DevToolViewModel::streamsReplies(model), streams);
     }
 
-    void failedStreamKeepsTextAndAddsTip()
+    // Whatever arrived stays as a message; only a reply the user stopped carries the mark,
+    // and only a failed one the error with its tip.
+    void partialReplyIsKept_data()
     {
+        QTest::addColumn<bool>("userStops");
+        QTest::newRow("the stream fails") << false;
+        QTest::newRow("the user stops it") << true;
+    }
+
+    void partialReplyIsKept()
+    {
+        QFETCH(bool, userStops);
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({ssefixture::chunk(QStringLiteral("partial")), ssefixture::errorEvent(QStringLiteral("boom"))}));
+        ScriptedReply reply = ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("partial")),
+            userStops ? ssefixture::chunk(QStringLiteral("late")) : ssefixture::errorEvent(QStringLiteral("boom")) });
+        if (userStops) {
+            reply.pieces[1].pauseBefore = std::chrono::milliseconds(3000);
+        }
+        fixture.fake->on("POST", "/v1/chat/completions", reply);
         DevToolViewModel vm;
         vm.setApiManager(fixture.manager.get());
         vm.setInput(QStringLiteral("help"));
         vm.send();
+        if (userStops) {
+            QTRY_COMPARE(vm.streamedContent(), QStringLiteral("partial"));
+            vm.stop();
+        }
         QTRY_VERIFY(!vm.isProcessing());
+        QVERIFY(!vm.isStreaming());
         QCOMPARE(vm.messages()->count(), 2);
         QCOMPARE(vm.messages()->at(1).content, QStringLiteral("partial"));
-        QVERIFY(vm.errorMessage().contains(QStringLiteral("boom")));
-        QVERIFY(vm.errorMessage().endsWith(QStringLiteral("\n\nTip: Check your internet connection or try restarting the app.")));
-        QVERIFY(!vm.isStreaming());
+        QCOMPARE(vm.messages()->data(vm.messages()->index(1), ChatMessageListModel::IsStoppedRole).toBool(), userStops);
+        QVERIFY(!vm.messages()->data(vm.messages()->index(0), ChatMessageListModel::IsStoppedRole).toBool());
+        if (userStops) {
+            QVERIFY2(vm.errorMessage().isEmpty(), qPrintable(vm.errorMessage()));
+        } else {
+            QVERIFY(vm.errorMessage().contains(QStringLiteral("boom")));
+            QVERIFY(vm.errorMessage().endsWith(
+                QStringLiteral("\n\nTip: Check your internet connection or try restarting the app.")));
+        }
     }
 
     void blankInputDoesNothing()

@@ -127,7 +127,9 @@ private Q_SLOTS:
         if (QByteArray(build::openRouterKey).isEmpty()) {
             // Past the screen's check; only the build's missing key stops it.
             QCOMPARE(vm.errorMessage(),
-                     QStringLiteral("Failed to generate content: API key is missing. Please add it in Settings."));
+                QStringLiteral("Failed to generate content: The free models need a key built into the program, "
+                               "and this build carries none. Please choose another model in Settings."));
+            QVERIFY(!vm.errorOpensSettings()); // Settings has no field for the built-in key
         } else {
             QCOMPARE(vm.output(), QStringLiteral("free words"));
         }
@@ -230,9 +232,11 @@ private Q_SLOTS:
         fillSlogan(vm);
         vm.generate();
         QTRY_COMPARE(vm.output(), QStringLiteral("first"));
+        QVERIFY(!vm.wasStopped());
         vm.stop();
         QVERIFY(!vm.isGenerating());
         QVERIFY(vm.errorMessage().isEmpty());
+        QVERIFY(vm.wasStopped());
         QTest::qWait(100);
         QCOMPARE(vm.output(), QStringLiteral("first"));
     }

@@ -332,6 +332,36 @@ private Q_SLOTS:
     }
 
     // The screen may close while a picture is on its way.
+    // Cancel frees the screen at once; the abandoned answer, arriving later, changes nothing,
+    // and the next generation shows its own picture.
+    void cancelDropsTheAnswerUnderWay()
+    {
+        ImageFixture fixture(QStringLiteral("DALL-E"));
+        scriptOpenAI(fixture, onFake(fixture, "/late.png"));
+        ScriptedReply late = pictureReply(ImageFixture::picture("PNG", 64, 64));
+        late.pieces.first().pauseBefore = 300ms;
+        fixture.fake->on("GET", "/late.png", late);
+        ImageGeneratorViewModel vm;
+        vm.setApiManager(fixture.manager.get());
+        QCOMPARE(vm.modelName(), QStringLiteral("DALL-E"));
+        vm.setPrompt(QStringLiteral("p"));
+        vm.generate();
+        QTRY_COMPARE(fixture.fake->requestCount(), 2);
+        vm.cancel();
+        QVERIFY(!vm.isGenerating());
+        QVERIFY(vm.canGenerate());
+        QVERIFY(vm.progressText().isEmpty());
+        QTest::qWait(500);
+        QVERIFY(!vm.hasImage());
+        QVERIFY(!vm.isGenerating());
+
+        scriptOpenAI(fixture, onFake(fixture, "/next.png"));
+        fixture.fake->on("GET", "/next.png", pictureReply(ImageFixture::picture("PNG", 32, 16)));
+        vm.generate();
+        waitUntilIdle(vm);
+        QCOMPARE(vm.imageSize(), QSize(32, 16));
+    }
+
     void survivesClosingMidGeneration()
     {
         ImageFixture fixture(QStringLiteral("DALL-E"));
