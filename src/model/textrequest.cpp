@@ -123,7 +123,7 @@ QString refusalDetails(const HttpResult &result, const QString &key)
     constexpr qsizetype longest = 300;
     QString said = ChatError::serviceMessage(response->body).simplified();
     if (!key.isEmpty()) {
-        said.replace(key, QStringLiteral("[key]"));
+        said.replace(key, QStringLiteral("[KEY]"));
     }
     if (said.size() > longest) {
         said = said.left(longest - 1) + QChar(0x2026);

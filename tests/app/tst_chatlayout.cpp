@@ -231,7 +231,7 @@ private Q_SLOTS:
         QTest::newRow("429 quoting the key back")
             << 429 << QByteArray(R"({"error":{"message":"Rate limit for sk-layout-test reached"}})")
             << QStringLiteral("Invalid response received from the server.")
-            << QStringLiteral("Details: HTTP 429: Rate limit for [key] reached");
+            << QStringLiteral("Details: HTTP 429: Rate limit for [KEY] reached");
         QTest::newRow("500 with an empty body")
             << 500 << QByteArray() << QStringLiteral("No data received from the server.")
             << QStringLiteral("Details: HTTP 500");
