@@ -48,13 +48,11 @@ private:
 
     QString word()
     {
-        static const std::array<const char *, 48> words = {
-            "the",     "a",        "model",     "reply",   "stream",    "renders", "quickly",  "while",
-            "tokens",  "arrive",   "caf\u00e9", "\u00fcber", "data",      "server",  "client",   "request",
-            "value",   "config",   "build",     "test",    "result",    "simple",  "table",    "list",
-            "because", "therefore", "function", "returns", "parameter", "each",    "when",     "and",
-            "with",    "of",       "to",        "in",      "is",        "for",     "that",     "this",
-            "example", "approach", "memory",    "network", "performance", "user",  "settings", "\U0001F600"};
+        static const std::array<const char *, 48> words = { "the", "a", "model", "reply", "stream", "renders",
+            "quickly", "while", "tokens", "arrive", "caf\u00e9", "\u00fcber", "data", "server", "client", "request",
+            "value", "config", "build", "test", "result", "simple", "table", "list", "because", "therefore", "function",
+            "returns", "parameter", "each", "when", "and", "with", "of", "to", "in", "is", "for", "that", "this",
+            "example", "approach", "memory", "network", "performance", "user", "settings", "\U0001F600" };
         return QString::fromUtf8(words.at(size_t(pick(0, int(words.size()) - 1))));
     }
 
@@ -132,16 +130,17 @@ private:
             return list;
         }
         if (roll <= 80) {
-            static const std::array<const char *, 4> languages = {"cpp", "python", "bash", "json"};
+            static const std::array<const char *, 4> languages = { "cpp", "python", "bash", "json" };
             QString code = QStringLiteral("```%1\n").arg(QLatin1String(languages.at(size_t(pick(0, 3)))));
             for (int i = 0, n = pick(8, 35); i < n; ++i) {
                 code += QString(pick(0, 3) * 4, QLatin1Char(' '))
-                        + QStringLiteral("%1 = %2(%3, \"%4\");\n").arg(word(), word(), word(), sentence(1, 4, false));
+                    + QStringLiteral("%1 = %2(%3, \"%4\");\n").arg(word(), word(), word(), sentence(1, 4, false));
             }
             return code + QStringLiteral("```");
         }
         if (roll <= 88) {
-            QString table = QStringLiteral("| Option | Type | Default | Meaning |\n|:-------|:----:|--------:|:--------|\n");
+            QString table
+                = QStringLiteral("| Option | Type | Default | Meaning |\n|:-------|:----:|--------:|:--------|\n");
             for (int i = 0, n = pick(4, 8); i < n; ++i) {
                 table += QStringLiteral("| `%1` | %2 | %3 | %4 |\n")
                              .arg(word(), word())
@@ -157,7 +156,7 @@ private:
         return QStringLiteral("- [ ] %1\n- [x] %2\n\n---").arg(sentence(4, 10, true), sentence(4, 10, true));
     }
 
-    std::mt19937 m_random{20241121};
+    std::mt19937 m_random { 20241121 };
 };
 
 const QString &reply()
@@ -185,12 +184,13 @@ const std::vector<QStringView> &pieces()
 // CPU time of this thread: the machine may be shared, and waiting for a core is no work.
 double cpuSeconds()
 {
-    timespec now{};
+    timespec now {};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
 }
 
-struct StreamResult {
+struct StreamResult
+{
     double totalSeconds = 0;
     double firstTenthPerPiece = 0;
     double lastTenthPerPiece = 0;
@@ -198,8 +198,7 @@ struct StreamResult {
 
 // Runs the stream once; `feed` handles one piece. The first and the last tenth of the
 // pieces are timed on their own.
-template <typename Feed>
-StreamResult stream(Feed feed)
+template<typename Feed> StreamResult stream(Feed feed)
 {
     const std::vector<QStringView> &all = pieces();
     const size_t tenth = all.size() / 10;
@@ -216,12 +215,13 @@ StreamResult stream(Feed feed)
         feed(all[i]);
     }
     const double end = cpuSeconds();
-    return {end - start, (firstDone - start) / double(tenth), (end - lastStart) / double(tenth)};
+    return { end - start, (firstDone - start) / double(tenth), (end - lastStart) / double(tenth) };
 }
 
 // One final render timed right before and right after each stream, so that both see the
 // same machine; the summary takes the median of the per-run ratios.
-struct Sample {
+struct Sample
+{
     double oneRender = 0;
     StreamResult stream;
 };
@@ -236,12 +236,11 @@ double timeOneRender()
     return cpuSeconds() - start;
 }
 
-template <typename Feed>
-Sample sampleStream(Feed feed)
+template<typename Feed> Sample sampleStream(Feed feed)
 {
     const double before = timeOneRender();
     const StreamResult run = stream(feed);
-    return {std::min(before, timeOneRender()), run};
+    return { std::min(before, timeOneRender()), run };
 }
 
 void report(benchmark::State &state, const std::vector<Sample> &samples)
@@ -291,8 +290,7 @@ void rerenderEverything(benchmark::State &state)
     report(state, g_rerender);
 }
 
-template <typename Ratio>
-double median(const std::vector<Sample> &samples, Ratio ratio)
+template<typename Ratio> double median(const std::vector<Sample> &samples, Ratio ratio)
 {
     std::vector<double> values;
     for (const Sample &sample : samples) {
@@ -310,11 +308,11 @@ void printSummary(const char *name, const std::vector<Sample> &samples)
     const double oneRender = median(samples, [](const Sample &s) { return s.oneRender; });
     const double total = median(samples, [](const Sample &s) { return s.stream.totalSeconds; });
     const double ratio = median(samples, [](const Sample &s) { return s.stream.totalSeconds / s.oneRender; });
-    const double growth = median(
-        samples, [](const Sample &s) { return s.stream.lastTenthPerPiece / s.stream.firstTenthPerPiece; });
+    const double growth
+        = median(samples, [](const Sample &s) { return s.stream.lastTenthPerPiece / s.stream.firstTenthPerPiece; });
     std::printf("%s: total %.2f ms of CPU time for %zu pieces = %.2fx one render of the final text (%.2f ms); "
                 "per piece, last tenth / first tenth = %.2f (median of %zu runs)\n",
-                name, total * 1e3, pieces().size(), ratio, oneRender * 1e3, growth, samples.size());
+        name, total * 1e3, pieces().size(), ratio, oneRender * 1e3, growth, samples.size());
 }
 
 } // namespace
@@ -332,7 +330,7 @@ int main(int argc, char **argv)
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     std::printf("\nreply: %lld characters (%lld UTF-8 bytes) in %zu pieces\n", static_cast<long long>(reply().size()),
-                static_cast<long long>(reply().toUtf8().size()), pieces().size());
+        static_cast<long long>(reply().toUtf8().size()), pieces().size());
     printSummary("incremental", g_incremental);
     printSummary("re-render everything", g_rerender);
     std::printf("targets: incremental under 3x one render; per piece, last tenth no more than 2x the first\n");

@@ -29,15 +29,15 @@ bool registerTarget(const char *name, Entry entry);
 
 // Defines the entry function of a target and registers it under `name`, which is also the
 // name of its executable (fuzz_<name>) and of its corpus folder (corpus/<name>).
-#define ZENTRIK_FUZZ_TARGET(name)                                                                        \
-    static int zentrikFuzzOne_##name(const uint8_t *data, size_t size);                                  \
-    [[maybe_unused]] static const bool zentrikFuzzRegistered_##name                                      \
-        = zentrik::fuzz::registerTarget(#name, &zentrikFuzzOne_##name);                                  \
+#define ZENTRIK_FUZZ_TARGET(name)                                                                                      \
+    static int zentrikFuzzOne_##name(const uint8_t *data, size_t size);                                                \
+    [[maybe_unused]] static const bool zentrikFuzzRegistered_##name                                                    \
+        = zentrik::fuzz::registerTarget(#name, &zentrikFuzzOne_##name);                                                \
     static int zentrikFuzzOne_##name(const uint8_t *data, size_t size)
 
-#define FUZZ_CHECK(condition, what)                                                                      \
-    do {                                                                                                 \
-        if (!(condition)) {                                                                              \
-            zentrik::fuzz::propertyFailed(__FILE__, __LINE__, #condition, what);                         \
-        }                                                                                                \
+#define FUZZ_CHECK(condition, what)                                                                                    \
+    do {                                                                                                               \
+        if (!(condition)) {                                                                                            \
+            zentrik::fuzz::propertyFailed(__FILE__, __LINE__, #condition, what);                                       \
+        }                                                                                                              \
     } while (false)

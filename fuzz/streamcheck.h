@@ -11,8 +11,7 @@
 // or failed) after which nothing else comes, so a caller's completion runs exactly once.
 namespace zentrik::fuzz {
 
-template<typename Decoder>
-QList<typename Decoder::Event> decodeStream(const QList<QByteArrayView> &pieces)
+template<typename Decoder> QList<typename Decoder::Event> decodeStream(const QList<QByteArrayView> &pieces)
 {
     QList<typename Decoder::Event> events;
     Decoder decoder;
@@ -31,8 +30,7 @@ QList<typename Decoder::Event> decodeStream(const QList<QByteArrayView> &pieces)
     return events;
 }
 
-template<typename Decoder, typename Same>
-void checkStream(const uint8_t *data, size_t size, Same same)
+template<typename Decoder, typename Same> void checkStream(const uint8_t *data, size_t size, Same same)
 {
     using Kind = typename Decoder::Event::Kind;
     const QByteArrayView input(reinterpret_cast<const char *>(data), qsizetype(size));

@@ -59,8 +59,8 @@ void LicenseGate::start()
     }
     setMessage(tr("Checking license..."));
     setState(State::Checking);
-    keyService().read({ licenseAccountName }, this,
-                      [this](const KeyService::Outcome &outcome) { onStoredKey(outcome); });
+    keyService().read(
+        { licenseAccountName }, this, [this](const KeyService::Outcome &outcome) { onStoredKey(outcome); });
 }
 
 void LicenseGate::onStoredKey(const KeyService::Outcome &outcome)

@@ -14,31 +14,36 @@
 
 namespace zentrik {
 
-struct GeneratorViewModelForeign {
+struct GeneratorViewModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::GeneratorViewModel)
     QML_NAMED_ELEMENT(GeneratorViewModel)
 };
 
-struct AskMeAnythingViewModelForeign {
+struct AskMeAnythingViewModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::AskMeAnythingViewModel)
     QML_NAMED_ELEMENT(AskMeAnythingViewModel)
 };
 
-struct DevToolViewModelForeign {
+struct DevToolViewModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::DevToolViewModel)
     QML_NAMED_ELEMENT(DevToolViewModel)
 };
 
-struct PdfChatViewModelForeign {
+struct PdfChatViewModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::PdfChatViewModel)
     QML_NAMED_ELEMENT(PdfChatViewModel)
 };
 
-struct ChatToolViewModelForeign {
+struct ChatToolViewModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::ChatToolViewModel)
     QML_NAMED_ELEMENT(ChatToolViewModel)
@@ -46,7 +51,8 @@ struct ChatToolViewModelForeign {
 };
 
 // A conversation as a tool's view model hands it over.
-struct ChatMessageListModelForeign {
+struct ChatMessageListModelForeign
+{
     Q_GADGET
     QML_FOREIGN(zentrik::ChatMessageListModel)
     QML_NAMED_ELEMENT(ChatMessageListModel)

@@ -50,7 +50,7 @@ QString secretStoreMessage(int code)
 bool loadKeys(APIManager &manager, const QStringList &accounts)
 {
     manager.overrideUserKeys(qEnvironmentVariable(keyVariables[0]), qEnvironmentVariable(keyVariables[1]),
-                             qEnvironmentVariable(keyVariables[2]));
+        qEnvironmentVariable(keyVariables[2]));
     manager.readStoredKeys(accounts);
     if (manager.readingKeys()) {
         QEventLoop loop;
@@ -83,8 +83,8 @@ std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser, con
     return manager;
 }
 
-std::variant<std::optional<SendChoice>, int> parseSendChoice(const QCommandLineParser &parser,
-                                                             const SendOption &option, const QString &verb)
+std::variant<std::optional<SendChoice>, int> parseSendChoice(
+    const QCommandLineParser &parser, const SendOption &option, const QString &verb)
 {
     if (!parser.isSet(option.option)) {
         return std::optional<SendChoice>();
@@ -99,15 +99,16 @@ std::variant<std::optional<SendChoice>, int> parseSendChoice(const QCommandLineP
     return usageError(verb, QStringLiteral("--send takes original or redacted, not '%1'").arg(value));
 }
 
-std::variant<SendChoice, int> resolvePersonalInformation(std::optional<SendChoice> preset, const QString &original,
-                                                         const QString &redacted, const QString &verb)
+std::variant<SendChoice, int> resolvePersonalInformation(
+    std::optional<SendChoice> preset, const QString &original, const QString &redacted, const QString &verb)
 {
     if (preset) {
         return *preset;
     }
     if (!isInteractive()) {
-        return usageError(verb, QStringLiteral("personal information found; choose what to send with "
-                                               "--send original or --send redacted"));
+        return usageError(verb,
+            QStringLiteral("personal information found; choose what to send with "
+                           "--send original or --send redacted"));
     }
     printErr(QStringLiteral("Personal Information Detected\n"
                             "We've detected and redacted some potentially sensitive information in your message.\n\n"

@@ -15,9 +15,10 @@
 namespace zentrik::cli {
 
 // The options every verb that talks to a model shares.
-struct ModelOptions {
-    QCommandLineOption model{QStringLiteral("model"), QStringLiteral("Use this text model for this run."),
-                             QStringLiteral("ID")};
+struct ModelOptions
+{
+    QCommandLineOption model { QStringLiteral("model"), QStringLiteral("Use this text model for this run."),
+        QStringLiteral("ID") };
     void addTo(QCommandLineParser &parser) const { parser.addOption(model); }
 };
 
@@ -25,8 +26,7 @@ struct ModelOptions {
 // OPENAI_API_KEY, ANTHROPIC_API_KEY or FAL_KEY gives it (then the Secret Service is not
 // asked at all), and the --model choice when given. Null, with the reason printed, when a
 // key in the environment cannot be a key or the Secret Service failed to give a needed one.
-[[nodiscard]] std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser,
-                                                         const ModelOptions &options);
+[[nodiscard]] std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser, const ModelOptions &options);
 
 // False, with the reason printed, when OPENAI_API_KEY, ANTHROPIC_API_KEY or FAL_KEY holds
 // something that cannot be a key.
@@ -41,26 +41,24 @@ struct ModelOptions {
 // What to send when the privacy guard changed the text.
 enum class SendChoice { original, redacted };
 
-struct SendOption {
-    QCommandLineOption option{QStringLiteral("send"),
-                              QStringLiteral("When personal information is found, send the original or the "
-                                             "redacted text without asking."),
-                              QStringLiteral("original|redacted")};
+struct SendOption
+{
+    QCommandLineOption option { QStringLiteral("send"),
+        QStringLiteral("When personal information is found, send the original or the "
+                       "redacted text without asking."),
+        QStringLiteral("original|redacted") };
     void addTo(QCommandLineParser &parser) const { parser.addOption(option); }
 };
 
 // The --send value; std::nullopt when absent. A bad value yields the usage exit code.
-[[nodiscard]] std::variant<std::optional<SendChoice>, int> parseSendChoice(const QCommandLineParser &parser,
-                                                                           const SendOption &option,
-                                                                           const QString &verb);
+[[nodiscard]] std::variant<std::optional<SendChoice>, int> parseSendChoice(
+    const QCommandLineParser &parser, const SendOption &option, const QString &verb);
 
 // The choice for a text in which personal information was found: --send when given,
 // otherwise the user's answer on a terminal. Without either it prints why and gives the
 // usage exit code.
-[[nodiscard]] std::variant<SendChoice, int> resolvePersonalInformation(std::optional<SendChoice> preset,
-                                                                       const QString &original,
-                                                                       const QString &redacted,
-                                                                       const QString &verb);
+[[nodiscard]] std::variant<SendChoice, int> resolvePersonalInformation(
+    std::optional<SendChoice> preset, const QString &original, const QString &redacted, const QString &verb);
 
 // Answers a tool's privacy dialog, if its send opened it, with the user's choice, which
 // sends. Gives the exit code when the run ends here instead.

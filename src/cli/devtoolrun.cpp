@@ -24,8 +24,8 @@ int runDevTool(APIManager &manager, const QString &tool, const QString &suggesti
     devTool.send();
     waitWhile(devTool, &ChatToolViewModel::isProcessingChanged, [&] { return devTool.isProcessing(); });
     const ChatMessageListModel *messages = devTool.messages();
-    const bool replied = messages->count() > 0
-        && messages->at(messages->count() - 1).role == ChatMessageRecord::Role::assistant;
+    const bool replied
+        = messages->count() > 0 && messages->at(messages->count() - 1).role == ChatMessageRecord::Role::assistant;
     if (replied) {
         // A streamed reply is printed already; the rest of it (or the whole one-shot reply) now.
         printer.update(messages->at(messages->count() - 1).content);

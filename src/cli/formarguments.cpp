@@ -138,14 +138,14 @@ std::optional<QString> selectValue(const InputField &field, const QString &value
 
 } // namespace
 
-std::variant<FormSelection, int> parseFormArguments(const QString &verbName, const QString &title,
-                                                   const QStringList &assignments)
+std::variant<FormSelection, int> parseFormArguments(
+    const QString &verbName, const QString &title, const QStringList &assignments)
 {
     const Found found = findAssistant(title);
     if (found.assistant == nullptr) {
         return unknownAssistant(verbName, title);
     }
-    FormSelection selection{found.family, found.assistant, {}};
+    FormSelection selection { found.family, found.assistant, {} };
     for (const QString &assignment : assignments) {
         const qsizetype equals = assignment.indexOf(QLatin1Char('='));
         if (equals <= 0) {

@@ -9,7 +9,8 @@
 namespace zentrik::cli {
 
 // A form-driven assistant picked on the command line with its --field values.
-struct FormSelection {
+struct FormSelection
+{
     const AssistantFamily *family = nullptr;
     const FormAssistant *assistant = nullptr;
     FormInputs inputs;
@@ -18,7 +19,7 @@ struct FormSelection {
 // Finds the assistant by title (any case) and checks each LABEL=VALUE against its fields
 // (labels in any case; a select takes one of its options). On a mistake it prints the
 // usage error for `verb` and gives its exit code.
-[[nodiscard]] std::variant<FormSelection, int> parseFormArguments(const QString &verb, const QString &title,
-                                                                  const QStringList &assignments);
+[[nodiscard]] std::variant<FormSelection, int> parseFormArguments(
+    const QString &verb, const QString &title, const QStringList &assignments);
 
 } // namespace zentrik::cli

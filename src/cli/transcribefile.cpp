@@ -1,7 +1,7 @@
 #include "transcribefile.h"
 
-#include "model/apimanager.h"
 #include "clisession.h"
+#include "model/apimanager.h"
 #include "verb.h"
 
 #include <QEventLoop>

@@ -22,17 +22,16 @@ int fail(const QString &message)
 
 int usageError(const QString &verb, const QString &message)
 {
-    const QString help = verb.isEmpty() ? QStringLiteral("zentrik-cli --help")
-                                        : QStringLiteral("zentrik-cli %1 --help").arg(verb);
+    const QString help
+        = verb.isEmpty() ? QStringLiteral("zentrik-cli --help") : QStringLiteral("zentrik-cli %1 --help").arg(verb);
     printErr(QStringLiteral("zentrik-cli: %1 (see %2)\n").arg(message, help));
     return exitUsage;
 }
 
-std::optional<int> parseArguments(QCommandLineParser &parser, const QString &verb,
-                                  const QStringList &arguments)
+std::optional<int> parseArguments(QCommandLineParser &parser, const QString &verb, const QStringList &arguments)
 {
-    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
-                                        QStringLiteral("Show this help."));
+    const QCommandLineOption helpOption(
+        { QStringLiteral("h"), QStringLiteral("help") }, QStringLiteral("Show this help."));
     parser.addOption(helpOption);
     QStringList withProgram = arguments;
     withProgram.prepend(QStringLiteral("zentrik-cli %1").arg(verb));

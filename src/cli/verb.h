@@ -15,7 +15,8 @@ inline constexpr int exitSuccess = 0;
 inline constexpr int exitFailure = 1;
 inline constexpr int exitUsage = 2;
 
-struct Verb {
+struct Verb
+{
     QString name;
     QString summary;
     // Receives the arguments after the verb's name; returns the process exit code.
@@ -40,8 +41,7 @@ int usageError(const QString &verb, const QString &message);
 
 // Parses the verb's arguments. Handles --help itself (prints it and yields exitSuccess)
 // and unknown options (yields exitUsage); returns std::nullopt when the verb may go on.
-std::optional<int> parseArguments(QCommandLineParser &parser, const QString &verb,
-                                  const QStringList &arguments);
+std::optional<int> parseArguments(QCommandLineParser &parser, const QString &verb, const QStringList &arguments);
 
 // The text argument of a verb: the given text, or stdin when it is "-" or absent. A stdin
 // that cannot be read (a directory, a closed descriptor) is not taken as empty input: the

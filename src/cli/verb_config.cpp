@@ -10,7 +10,8 @@ using namespace zentrik::cli;
 namespace {
 
 const QString verbName = QStringLiteral("config");
-const QStringList settingNames{QStringLiteral("text-model"), QStringLiteral("image-model"), QStringLiteral("dark-mode")};
+const QStringList settingNames { QStringLiteral("text-model"), QStringLiteral("image-model"),
+    QStringLiteral("dark-mode") };
 
 std::optional<bool> parseBoolean(const QString &text)
 {
@@ -42,14 +43,14 @@ bool isKnownImageModel(const QString &id)
 int runConfig(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Reads or writes a preference.\n"
-        "  config get NAME\n"
-        "  config set NAME VALUE\n"
-        "NAME is text-model, image-model or dark-mode (true/false)."));
+    parser.setApplicationDescription(QStringLiteral("Reads or writes a preference.\n"
+                                                    "  config get NAME\n"
+                                                    "  config set NAME VALUE\n"
+                                                    "NAME is text-model, image-model or dark-mode (true/false)."));
     parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("get or set"));
     parser.addPositionalArgument(QStringLiteral("name"), QStringLiteral("text-model, image-model or dark-mode"));
-    parser.addPositionalArgument(QStringLiteral("value"), QStringLiteral("the new value (set only)"), QStringLiteral("[value]"));
+    parser.addPositionalArgument(
+        QStringLiteral("value"), QStringLiteral("the new value (set only)"), QStringLiteral("[value]"));
     if (auto exit = parseArguments(parser, verbName, arguments)) {
         return *exit;
     }
@@ -72,11 +73,16 @@ int runConfig(const QStringList &arguments)
             return usageError(verbName, QStringLiteral("config get takes one name"));
         }
         if (name == QStringLiteral("text-model")) {
-            printOut(preferences.string(QString::fromLatin1(APIManager::textModelPreference), ModelCatalog::defaultTextModel) + QLatin1Char('\n'));
+            printOut(
+                preferences.string(QString::fromLatin1(APIManager::textModelPreference), ModelCatalog::defaultTextModel)
+                + QLatin1Char('\n'));
         } else if (name == QStringLiteral("image-model")) {
-            printOut(preferences.string(QString::fromLatin1(APIManager::imageModelPreference), ModelCatalog::defaultImageModel) + QLatin1Char('\n'));
+            printOut(preferences.string(
+                         QString::fromLatin1(APIManager::imageModelPreference), ModelCatalog::defaultImageModel)
+                + QLatin1Char('\n'));
         } else {
-            printOut(preferences.boolean(QString::fromLatin1(darkModePreference), false) ? QStringLiteral("true\n") : QStringLiteral("false\n"));
+            printOut(preferences.boolean(QString::fromLatin1(darkModePreference), false) ? QStringLiteral("true\n")
+                                                                                         : QStringLiteral("false\n"));
         }
         return exitSuccess;
     }
@@ -87,14 +93,16 @@ int runConfig(const QStringList &arguments)
     const QString value = args.at(2);
     if (name == QStringLiteral("text-model")) {
         if (!isKnownTextModel(value)) {
-            return usageError(verbName, QStringLiteral("unknown text model '%1' (zentrik-cli models lists them)").arg(value));
+            return usageError(
+                verbName, QStringLiteral("unknown text model '%1' (zentrik-cli models lists them)").arg(value));
         }
         if (!preferences.setString(QString::fromLatin1(APIManager::textModelPreference), value)) {
             return fail(preferences.errorString());
         }
     } else if (name == QStringLiteral("image-model")) {
         if (!isKnownImageModel(value)) {
-            return usageError(verbName, QStringLiteral("unknown image model '%1' (zentrik-cli models lists them)").arg(value));
+            return usageError(
+                verbName, QStringLiteral("unknown image model '%1' (zentrik-cli models lists them)").arg(value));
         }
         if (!preferences.setString(QString::fromLatin1(APIManager::imageModelPreference), value)) {
             return fail(preferences.errorString());

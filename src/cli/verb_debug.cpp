@@ -24,12 +24,12 @@ int runDebug(const QStringList &arguments)
         QStringLiteral("Asks the Code Debugger about CODE (or stdin). Personal information is redacted "
                        "before sending; the reply streams for the free and OpenAI models."));
     const QCommandLineOption suggestionOption(QStringLiteral("suggestion"),
-                                              QStringLiteral("The kind of problem: %1.").arg(keys.join(QStringLiteral(", "))),
-                                              QStringLiteral("KEY"));
+        QStringLiteral("The kind of problem: %1.").arg(keys.join(QStringLiteral(", "))), QStringLiteral("KEY"));
     parser.addOption(suggestionOption);
     const ModelOptions modelOptions;
     modelOptions.addTo(parser);
-    parser.addPositionalArgument(QStringLiteral("TEXT"), QStringLiteral("The code or question; - or nothing reads stdin."));
+    parser.addPositionalArgument(
+        QStringLiteral("TEXT"), QStringLiteral("The code or question; - or nothing reads stdin."));
     if (auto exit = parseArguments(parser, verbName, arguments)) {
         return *exit;
     }
@@ -39,8 +39,9 @@ int runDebug(const QStringList &arguments)
     }
     const QString suggestion = parser.value(suggestionOption);
     if (!suggestion.isEmpty() && !findSuggestion(debuggerSuggestions(), suggestion)) {
-        return usageError(verbName, QStringLiteral("unknown suggestion '%1'; choose one of %2")
-                                        .arg(suggestion, keys.join(QStringLiteral(", "))));
+        return usageError(verbName,
+            QStringLiteral("unknown suggestion '%1'; choose one of %2")
+                .arg(suggestion, keys.join(QStringLiteral(", "))));
     }
     const std::optional<QString> input = textArgument(positional);
     if (!input) {

@@ -21,8 +21,7 @@ int runGenerate(const QStringList &arguments)
         QStringLiteral("Runs a form-driven assistant with the given field values and streams the reply. "
                        "'zentrik-cli assistants' lists the titles and their fields."));
     const QCommandLineOption fieldOption(QStringLiteral("field"),
-                                         QStringLiteral("A field's value; repeat for more fields."),
-                                         QStringLiteral("LABEL=VALUE"));
+        QStringLiteral("A field's value; repeat for more fields."), QStringLiteral("LABEL=VALUE"));
     parser.addOption(fieldOption);
     const ModelOptions modelOptions;
     modelOptions.addTo(parser);
@@ -58,8 +57,8 @@ int runGenerate(const QStringList &arguments)
     }
 
     IncrementalPrinter printer;
-    QObject::connect(&generator, &GeneratorViewModel::outputChanged, &generator,
-                     [&] { printer.update(generator.output()); });
+    QObject::connect(
+        &generator, &GeneratorViewModel::outputChanged, &generator, [&] { printer.update(generator.output()); });
     generator.generate();
     if (auto exit = settlePersonalInformation(generator, std::get<std::optional<SendChoice>>(send), verbName)) {
         return *exit;

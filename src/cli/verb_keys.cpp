@@ -20,17 +20,18 @@ namespace {
 
 const QString verbName = QStringLiteral("keys");
 
-struct ProviderKey {
+struct ProviderKey
+{
     QString provider;
     const char *account;
     const char *environment;
 };
 
-const std::array<ProviderKey, 3> providerKeys{{
-    {QStringLiteral("openai"), APIManager::openAIAccount, "OPENAI_API_KEY"},
-    {QStringLiteral("anthropic"), APIManager::claudeAccount, "ANTHROPIC_API_KEY"},
-    {QStringLiteral("fal"), APIManager::falAccount, "FAL_KEY"},
-}};
+const std::array<ProviderKey, 3> providerKeys { {
+    { QStringLiteral("openai"), APIManager::openAIAccount, "OPENAI_API_KEY" },
+    { QStringLiteral("anthropic"), APIManager::claudeAccount, "ANTHROPIC_API_KEY" },
+    { QStringLiteral("fal"), APIManager::falAccount, "FAL_KEY" },
+} };
 
 const ProviderKey *findProvider(const QString &name)
 {
@@ -53,7 +54,7 @@ std::optional<QString> readKey(const QString &provider)
 {
     Console &console = Console::current();
     const bool terminal = console.inputIsTerminal();
-    termios saved{};
+    termios saved {};
     if (terminal) {
         printErr(QStringLiteral("Enter the %1 key: ").arg(provider));
         tcgetattr(STDIN_FILENO, &saved);
@@ -85,14 +86,15 @@ std::optional<QString> readKey(const QString &provider)
 int runKeys(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Manages the API keys kept in the desktop's secret store.\n"
-        "  keys set PROVIDER      reads the key from stdin (never echoed, never printed)\n"
-        "  keys delete PROVIDER\n"
-        "  keys status            which keys are set\n"
-        "PROVIDER is openai, anthropic or fal."));
+    parser.setApplicationDescription(
+        QStringLiteral("Manages the API keys kept in the desktop's secret store.\n"
+                       "  keys set PROVIDER      reads the key from stdin (never echoed, never printed)\n"
+                       "  keys delete PROVIDER\n"
+                       "  keys status            which keys are set\n"
+                       "PROVIDER is openai, anthropic or fal."));
     parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("set, delete or status"));
-    parser.addPositionalArgument(QStringLiteral("provider"), QStringLiteral("openai, anthropic or fal"), QStringLiteral("[provider]"));
+    parser.addPositionalArgument(
+        QStringLiteral("provider"), QStringLiteral("openai, anthropic or fal"), QStringLiteral("[provider]"));
     const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Machine-readable status."));
     parser.addOption(jsonOption);
     if (auto exit = parseArguments(parser, verbName, arguments)) {
@@ -119,27 +121,27 @@ int runKeys(const QStringList &arguments)
             }
             QString source = fromEnvironment ? QString::fromLatin1(key.environment)
                                              : (stored ? QStringLiteral("secret store") : QString());
-            entries.append(QJsonObject{{QStringLiteral("provider"), key.provider},
-                                       {QStringLiteral("set"), stored || fromEnvironment},
-                                       {QStringLiteral("source"), source}});
+            entries.append(QJsonObject { { QStringLiteral("provider"), key.provider },
+                { QStringLiteral("set"), stored || fromEnvironment }, { QStringLiteral("source"), source } });
             text += QStringLiteral("%1 %2\n").arg(key.provider.leftJustified(10),
-                                                   source.isEmpty() ? QStringLiteral("not set")
-                                                                    : QStringLiteral("set (%1)").arg(source));
+                source.isEmpty() ? QStringLiteral("not set") : QStringLiteral("set (%1)").arg(source));
         }
         printOut(parser.isSet(jsonOption) ? QString::fromUtf8(QJsonDocument(entries).toJson()) : text);
         return exitSuccess;
     }
 
     if (action != QStringLiteral("set") && action != QStringLiteral("delete")) {
-        return usageError(verbName, action.isEmpty() ? QStringLiteral("say set, delete or status")
-                                                     : QStringLiteral("unknown action '%1'").arg(action));
+        return usageError(verbName,
+            action.isEmpty() ? QStringLiteral("say set, delete or status")
+                             : QStringLiteral("unknown action '%1'").arg(action));
     }
     if (args.size() != 2) {
         return usageError(verbName, QStringLiteral("keys %1 takes one provider: openai, anthropic or fal").arg(action));
     }
     const ProviderKey *key = findProvider(args.at(1));
     if (!key) {
-        return usageError(verbName, QStringLiteral("unknown provider '%1'; use openai, anthropic or fal").arg(args.at(1)));
+        return usageError(
+            verbName, QStringLiteral("unknown provider '%1'; use openai, anthropic or fal").arg(args.at(1)));
     }
     const QString account = QString::fromLatin1(key->account);
 
@@ -161,7 +163,8 @@ int runKeys(const QStringList &arguments)
     }
     const QString &value = *input;
     if (value.isEmpty()) {
-        return fail(QStringLiteral("no key on stdin; to remove a key use: zentrik-cli keys delete %1").arg(key->provider));
+        return fail(
+            QStringLiteral("no key on stdin; to remove a key use: zentrik-cli keys delete %1").arg(key->provider));
     }
     if (const std::optional<QString> problem = apiKeyProblem(value)) {
         return fail(QStringLiteral("the %1 key contains %2; an API key is printable ASCII without spaces (nothing was "

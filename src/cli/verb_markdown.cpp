@@ -23,7 +23,8 @@ QString tr(const char *text)
     return QCoreApplication::translate("zentrik-cli markdown", text);
 }
 
-struct Input {
+struct Input
+{
     QString text;
     QString error;
 };
@@ -33,17 +34,17 @@ Input readInput(const QStringList &positional)
     if (positional.size() < 2 || positional.at(1) == QStringLiteral("-")) {
         QString error;
         const std::optional<QByteArray> bytes = readStandardInput(error);
-        return {bytes ? QString::fromUtf8(*bytes) : QString(), error};
+        return { bytes ? QString::fromUtf8(*bytes) : QString(), error };
     }
     const QString path = positional.at(1);
     if (QFileInfo(path).isDir()) {
-        return {{}, tr("cannot read %1: it is a directory").arg(path)};
+        return { {}, tr("cannot read %1: it is a directory").arg(path) };
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        return {{}, tr("cannot read %1: %2").arg(path, file.errorString())};
+        return { {}, tr("cannot read %1: %2").arg(path, file.errorString()) };
     }
-    return {QString::fromUtf8(file.readAll()), {}};
+    return { QString::fromUtf8(file.readAll()), {} };
 }
 
 int runMarkdown(const QStringList &arguments)
@@ -53,8 +54,8 @@ int runMarkdown(const QStringList &arguments)
         tr("strip: prints the reply as plain text, the way Copy cleans it up.\n"
            "html: prints the reply rendered as HTML (raw HTML in the reply is left out)."));
     parser.addPositionalArgument(QStringLiteral("ACTION"), tr("strip or html."));
-    parser.addPositionalArgument(QStringLiteral("FILE"), tr("A Markdown file; - or nothing reads stdin."),
-                                 QStringLiteral("[FILE|-]"));
+    parser.addPositionalArgument(
+        QStringLiteral("FILE"), tr("A Markdown file; - or nothing reads stdin."), QStringLiteral("[FILE|-]"));
     if (const auto done = parseArguments(parser, verbName, arguments)) {
         return *done;
     }

@@ -29,31 +29,26 @@ int runModels(const QStringList &arguments)
 
     // The selections are read straight from the preferences: listing models needs no keys.
     const Preferences preferences;
-    const QString textModel =
-        preferences.string(QString::fromLatin1(APIManager::textModelPreference), ModelCatalog::defaultTextModel);
-    const QString imageModel =
-        preferences.string(QString::fromLatin1(APIManager::imageModelPreference), ModelCatalog::defaultImageModel);
+    const QString textModel
+        = preferences.string(QString::fromLatin1(APIManager::textModelPreference), ModelCatalog::defaultTextModel);
+    const QString imageModel
+        = preferences.string(QString::fromLatin1(APIManager::imageModelPreference), ModelCatalog::defaultImageModel);
 
     if (parser.isSet(jsonOption)) {
         QJsonArray text;
         for (const AIModel &model : ModelCatalog::textModels()) {
-            text.append(QJsonObject{{QStringLiteral("id"), model.id},
-                                    {QStringLiteral("name"), model.name},
-                                    {QStringLiteral("icon"), model.icon},
-                                    {QStringLiteral("usage"), model.usage},
-                                    {QStringLiteral("selected"), model.id == textModel}});
+            text.append(QJsonObject { { QStringLiteral("id"), model.id }, { QStringLiteral("name"), model.name },
+                { QStringLiteral("icon"), model.icon }, { QStringLiteral("usage"), model.usage },
+                { QStringLiteral("selected"), model.id == textModel } });
         }
         QJsonArray image;
         for (const ImageModel &model : ModelCatalog::imageModels()) {
-            image.append(QJsonObject{{QStringLiteral("id"), model.id},
-                                     {QStringLiteral("name"), model.name},
-                                     {QStringLiteral("features"), QJsonArray::fromStringList(model.features)},
-                                     {QStringLiteral("selected"), model.id == imageModel}});
+            image.append(QJsonObject { { QStringLiteral("id"), model.id }, { QStringLiteral("name"), model.name },
+                { QStringLiteral("features"), QJsonArray::fromStringList(model.features) },
+                { QStringLiteral("selected"), model.id == imageModel } });
         }
-        const QJsonObject root{{QStringLiteral("textModels"), text},
-                               {QStringLiteral("imageModels"), image},
-                               {QStringLiteral("selectedTextModel"), textModel},
-                               {QStringLiteral("selectedImageModel"), imageModel}};
+        const QJsonObject root { { QStringLiteral("textModels"), text }, { QStringLiteral("imageModels"), image },
+            { QStringLiteral("selectedTextModel"), textModel }, { QStringLiteral("selectedImageModel"), imageModel } };
         printOut(QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Indented)));
         return exitSuccess;
     }
@@ -62,16 +57,16 @@ int runModels(const QStringList &arguments)
     for (const AIModel &model : ModelCatalog::textModels()) {
         out += QStringLiteral("%1 %2 %3 %4 (%5)\n")
                    .arg(model.id == textModel ? QStringLiteral("*") : QStringLiteral(" "), model.icon,
-                        model.id.leftJustified(42), model.name, model.usage);
+                       model.id.leftJustified(42), model.name, model.usage);
     }
     out += QStringLiteral("\nImage models:\n");
     for (const ImageModel &model : ModelCatalog::imageModels()) {
         out += QStringLiteral("%1 %2 %3 (%4)\n")
-                   .arg(model.id == imageModel ? QStringLiteral("*") : QStringLiteral(" "),
-                        model.id.leftJustified(40), model.name, model.features.join(QStringLiteral(", ")));
+                   .arg(model.id == imageModel ? QStringLiteral("*") : QStringLiteral(" "), model.id.leftJustified(40),
+                       model.name, model.features.join(QStringLiteral(", ")));
     }
     if (!std::any_of(ModelCatalog::textModels().begin(), ModelCatalog::textModels().end(),
-                     [&](const AIModel &m) { return m.id == textModel; })) {
+            [&](const AIModel &m) { return m.id == textModel; })) {
         out += QStringLiteral("\nSelected text model %1 is not in the catalogue.\n").arg(textModel);
     }
     printOut(out);

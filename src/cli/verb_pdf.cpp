@@ -15,16 +15,16 @@ const QString verbName = QStringLiteral("pdf");
 int runPdf(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Chats with a PDF.\n"
-        "  pdf summary FILE            title, brief summary and key points\n"
-        "  pdf ask FILE QUESTION       an answer that cites the pages it used\n"
-        "Personal information in the question or the document is found first; on a terminal you choose "
-        "what to send, otherwise say it with --send."));
+    parser.setApplicationDescription(
+        QStringLiteral("Chats with a PDF.\n"
+                       "  pdf summary FILE            title, brief summary and key points\n"
+                       "  pdf ask FILE QUESTION       an answer that cites the pages it used\n"
+                       "Personal information in the question or the document is found first; on a terminal you choose "
+                       "what to send, otherwise say it with --send."));
     parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("summary or ask"));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The PDF."));
-    parser.addPositionalArgument(QStringLiteral("QUESTION"), QStringLiteral("ask only; - reads stdin"),
-                                 QStringLiteral("[QUESTION]"));
+    parser.addPositionalArgument(
+        QStringLiteral("QUESTION"), QStringLiteral("ask only; - reads stdin"), QStringLiteral("[QUESTION]"));
     const ModelOptions modelOptions;
     modelOptions.addTo(parser);
     const SendOption sendOption;
@@ -35,13 +35,14 @@ int runPdf(const QStringList &arguments)
     const QStringList args = parser.positionalArguments();
     const QString action = args.value(0);
     if (action != QStringLiteral("summary") && action != QStringLiteral("ask")) {
-        return usageError(verbName, action.isEmpty() ? QStringLiteral("say summary or ask")
-                                                     : QStringLiteral("unknown action '%1'").arg(action));
+        return usageError(verbName,
+            action.isEmpty() ? QStringLiteral("say summary or ask")
+                             : QStringLiteral("unknown action '%1'").arg(action));
     }
     if (action == QStringLiteral("summary") ? args.size() != 2 : (args.size() < 2 || args.size() > 3)) {
-        return usageError(verbName, action == QStringLiteral("summary")
-                                        ? QStringLiteral("pdf summary takes one FILE")
-                                        : QStringLiteral("pdf ask takes a FILE and one QUESTION (quote it)"));
+        return usageError(verbName,
+            action == QStringLiteral("summary") ? QStringLiteral("pdf summary takes one FILE")
+                                                : QStringLiteral("pdf ask takes a FILE and one QUESTION (quote it)"));
     }
     const auto send = parseSendChoice(parser, sendOption, verbName);
     if (const int *exit = std::get_if<int>(&send)) {
@@ -82,7 +83,8 @@ int runPdf(const QStringList &arguments)
             printOut(chat.summaryMarkdown().trimmed() + QLatin1Char('\n'));
             return exitSuccess;
         }
-        QString card = chat.summaryTitle() + QStringLiteral("\n\n") + chat.summaryText() + QStringLiteral("\n\nKey points:\n");
+        QString card
+            = chat.summaryTitle() + QStringLiteral("\n\n") + chat.summaryText() + QStringLiteral("\n\nKey points:\n");
         for (const QString &point : chat.keyPoints()) {
             card += QStringLiteral("- %1\n").arg(point);
         }

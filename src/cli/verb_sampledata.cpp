@@ -24,12 +24,12 @@ int runSampleData(const QStringList &arguments)
         QStringLiteral("Generates sample data from a description (TEXT or stdin) in the chosen format. "
                        "Personal information is redacted before sending."));
     const QCommandLineOption formatOption(QStringLiteral("format"),
-                                          QStringLiteral("The output format: %1.").arg(formats.join(QStringLiteral(", "))),
-                                          QStringLiteral("LABEL"));
+        QStringLiteral("The output format: %1.").arg(formats.join(QStringLiteral(", "))), QStringLiteral("LABEL"));
     parser.addOption(formatOption);
     const ModelOptions modelOptions;
     modelOptions.addTo(parser);
-    parser.addPositionalArgument(QStringLiteral("TEXT"), QStringLiteral("What the data is about; - or nothing reads stdin."));
+    parser.addPositionalArgument(
+        QStringLiteral("TEXT"), QStringLiteral("What the data is about; - or nothing reads stdin."));
     if (auto exit = parseArguments(parser, verbName, arguments)) {
         return *exit;
     }
@@ -47,8 +47,9 @@ int runSampleData(const QStringList &arguments)
         }
     }
     if (!format) {
-        return usageError(verbName, QStringLiteral("unknown format '%1'; choose one of %2")
-                                        .arg(parser.value(formatOption), formats.join(QStringLiteral(", "))));
+        return usageError(verbName,
+            QStringLiteral("unknown format '%1'; choose one of %2")
+                .arg(parser.value(formatOption), formats.join(QStringLiteral(", "))));
     }
     const std::optional<QString> input = textArgument(positional);
     if (!input) {

@@ -7,7 +7,8 @@ namespace zentrik {
 
 // A text model of the catalogue: the provider's id (sent in requests), the shown name, a
 // short badge (an emoji or "AI") and a one-line description.
-struct AIModel {
+struct AIModel
+{
     QString id;
     QString name;
     QString icon;
@@ -17,7 +18,8 @@ struct AIModel {
 };
 
 // An image model of the catalogue, with its feature tags.
-struct ImageModel {
+struct ImageModel
+{
     QString id;
     QString name;
     QStringList features;

@@ -19,8 +19,8 @@ QString APIError::message() const
         }
         return QCoreApplication::translate("APIError", "API key is missing. Please add it in Settings.");
     case unsupportedModel:
-        return QCoreApplication::translate("APIError",
-                                           "Unsupported model selected. Please choose a valid model in Settings.");
+        return QCoreApplication::translate(
+            "APIError", "Unsupported model selected. Please choose a valid model in Settings.");
     case noData:
         return QCoreApplication::translate("APIError", "No data received from the server.");
     case invalidResponse:
@@ -77,7 +77,7 @@ APIError APIError::fromTransportCode(int code, const QString &transportDescripti
     case -1001:
         return requestTimedOut;
     default:
-        return {generalNetworkError, transportDescription};
+        return { generalNetworkError, transportDescription };
     }
 }
 
@@ -96,12 +96,13 @@ APIError APIError::fromTransport(const TransportError &error)
     case TransportError::Kind::Other:
         break;
     }
-    return {generalNetworkError, error.description};
+    return { generalNetworkError, error.description };
 }
 
 QString connectionTip()
 {
-    return QCoreApplication::translate("APIError", "\n\nTip: Check your internet connection or try restarting the app.");
+    return QCoreApplication::translate(
+        "APIError", "\n\nTip: Check your internet connection or try restarting the app.");
 }
 
 } // namespace zentrik

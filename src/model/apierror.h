@@ -28,8 +28,7 @@ public:
     APIError(Kind kind, QString description = {}) // NOLINT(google-explicit-constructor): errors are values
         : m_kind(kind)
         , m_description(std::move(description))
-    {
-    }
+    { }
 
     // A request that needs a key this build was meant to carry (the free models) and does
     // not: Settings has no field for it, so the message must not send the user there.

@@ -10,14 +10,12 @@ namespace zentrik {
 
 namespace {
 const QStringList userKeyAccounts { QString::fromLatin1(APIManager::openAIAccount),
-                                    QString::fromLatin1(APIManager::claudeAccount),
-                                    QString::fromLatin1(APIManager::falAccount) };
+    QString::fromLatin1(APIManager::claudeAccount), QString::fromLatin1(APIManager::falAccount) };
 } // namespace
 
 APIManager::APIManager(QObject *parent)
     : APIManager(KeyReading::atStart, parent)
-{
-}
+{ }
 
 APIManager::APIManager(KeyReading reading, QObject *parent)
     : QObject(parent)
@@ -124,7 +122,8 @@ void APIManager::readSelections()
 {
     // A stored id that has left the catalogue is kept as it is; requests with it fail
     // with unsupportedModel unless it names a free model.
-    setSelectedTextModel(m_preferences.string(QString::fromLatin1(textModelPreference), ModelCatalog::defaultTextModel));
+    setSelectedTextModel(
+        m_preferences.string(QString::fromLatin1(textModelPreference), ModelCatalog::defaultTextModel));
     setSelectedImageModel(
         m_preferences.string(QString::fromLatin1(imageModelPreference), ModelCatalog::defaultImageModel));
 }

@@ -7,8 +7,8 @@
 #include "model/imageerror.h"
 #include "model/providerrouting.h"
 #include "net/httpclient.h"
-#include "settings/preferences.h"
 #include "settings/keyservice.h"
+#include "settings/preferences.h"
 
 #include <QList>
 #include <QObject>
@@ -36,9 +36,9 @@ class APIManager : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString selectedTextModel READ selectedTextModel WRITE setSelectedTextModel NOTIFY
-                   selectedTextModelChanged FINAL)
+            selectedTextModelChanged FINAL)
     Q_PROPERTY(QString selectedImageModel READ selectedImageModel WRITE setSelectedImageModel NOTIFY
-                   selectedImageModelChanged FINAL)
+            selectedImageModelChanged FINAL)
 
 public:
     // When the stored keys are read: at once (in the background: nothing waits for the
@@ -122,13 +122,13 @@ public:
     // OpenAI, the free FLUX model through Together, any other id as a fal application. The
     // completion runs exactly once, on this object's thread, never from inside this call and
     // never after `context` (when given) is destroyed.
-    void generateImage(const QString &prompt, QObject *context, ImageCompletion completion,
-        ImageProgress onProgress = {});
+    void generateImage(
+        const QString &prompt, QObject *context, ImageCompletion completion, ImageProgress onProgress = {});
     void generateOpenAIImage(const QString &prompt, QObject *context, ImageCompletion completion);
     // Writes the picture as a PNG file in the temporary directory and hands back its address.
     void generateTogetherImage(const QString &prompt, QObject *context, ImageCompletion completion);
-    void generateFalImage(const QString &modelId, const QString &prompt, QObject *context,
-        ImageCompletion completion, ImageProgress onProgress = {});
+    void generateFalImage(const QString &modelId, const QString &prompt, QObject *context, ImageCompletion completion,
+        ImageProgress onProgress = {});
     // How the fal path waits for its queue: the pause between two status requests and the
     // time limit (none waits for ever).
     void setFalPolling(std::chrono::nanoseconds interval, std::optional<std::chrono::nanoseconds> timeLimit);

@@ -10,28 +10,27 @@
 namespace zentrik {
 
 namespace {
-const std::array<const char16_t *, 3> openAITextModels{u"gpt-3.5-turbo-1106", u"gpt-4-turbo", u"gpt-4o-mini"};
-const std::array<const char16_t *, 4> anthropicTextModels{u"claude-instant", u"claude-3-5-sonnet-20240620",
-                                                          u"claude-3-opus-20240229", u"claude-3-haiku-20240307"};
-const std::array<const char16_t *, 5> freeTextModels{
-    u"meta-llama/llama-3.1-8b-instruct:free", u"google/gemma-2-9b-it:free", u"qwen/qwen-2-vl-7b-instruct:free",
-    u"nousresearch/hermes-3-llama-3.1-405b:free", u"mistralai/mistral-7b-instruct:free"};
+const std::array<const char16_t *, 3> openAITextModels { u"gpt-3.5-turbo-1106", u"gpt-4-turbo", u"gpt-4o-mini" };
+const std::array<const char16_t *, 4> anthropicTextModels { u"claude-instant", u"claude-3-5-sonnet-20240620",
+    u"claude-3-opus-20240229", u"claude-3-haiku-20240307" };
+const std::array<const char16_t *, 5> freeTextModels { u"meta-llama/llama-3.1-8b-instruct:free",
+    u"google/gemma-2-9b-it:free", u"qwen/qwen-2-vl-7b-instruct:free", u"nousresearch/hermes-3-llama-3.1-405b:free",
+    u"mistralai/mistral-7b-instruct:free" };
 
-template<size_t N>
-bool contains(const std::array<const char16_t *, N> &ids, const QString &id)
+template<size_t N> bool contains(const std::array<const char16_t *, N> &ids, const QString &id)
 {
-    return std::any_of(ids.begin(), ids.end(), [&id](const char16_t *candidate) {
-        return id == QStringView(candidate);
-    });
+    return std::any_of(
+        ids.begin(), ids.end(), [&id](const char16_t *candidate) { return id == QStringView(candidate); });
 }
 
 QString unsupportedModelMessage()
 {
-    return QCoreApplication::translate("APIManager",
-                                       "Unsupported model selected. Please choose a valid model in Settings.");
+    return QCoreApplication::translate(
+        "APIManager", "Unsupported model selected. Please choose a valid model in Settings.");
 }
 
-struct ProviderAddress {
+struct ProviderAddress
+{
     const char *variable;
     const char *fallback;
 };
@@ -40,15 +39,15 @@ ProviderAddress addressOf(Provider provider)
 {
     switch (provider) {
     case Provider::openAI:
-        return {"ZENTRIK_OPENAI_BASE_URL", "https://api.openai.com"};
+        return { "ZENTRIK_OPENAI_BASE_URL", "https://api.openai.com" };
     case Provider::anthropic:
-        return {"ZENTRIK_ANTHROPIC_BASE_URL", "https://api.anthropic.com"};
+        return { "ZENTRIK_ANTHROPIC_BASE_URL", "https://api.anthropic.com" };
     case Provider::openRouter:
-        return {"ZENTRIK_OPENROUTER_BASE_URL", "https://openrouter.ai"};
+        return { "ZENTRIK_OPENROUTER_BASE_URL", "https://openrouter.ai" };
     case Provider::together:
-        return {"ZENTRIK_TOGETHER_BASE_URL", "https://api.together.xyz"};
+        return { "ZENTRIK_TOGETHER_BASE_URL", "https://api.together.xyz" };
     }
-    return {"", ""};
+    return { "", "" };
 }
 } // namespace
 
@@ -98,15 +97,15 @@ bool isCatalogueTextModel(const QString &modelId)
     return std::any_of(models.begin(), models.end(), [&](const AIModel &model) { return model.id == modelId; });
 }
 
-std::optional<QString> preflightMessage(const QString &selectedTextModel, const QString &openAIKey,
-                                        const QString &claudeKey)
+std::optional<QString> preflightMessage(
+    const QString &selectedTextModel, const QString &openAIKey, const QString &claudeKey)
 {
     if (selectedTextModel.isEmpty()) {
         return QCoreApplication::translate("APIManager", "Please select a text model in Settings.");
     }
     if (!isCatalogueTextModel(selectedTextModel)) {
-        return QCoreApplication::translate("APIManager",
-                                           "Invalid model selected. Please choose a valid model in Settings.");
+        return QCoreApplication::translate(
+            "APIManager", "Invalid model selected. Please choose a valid model in Settings.");
     }
     if (isOpenAITextModel(selectedTextModel)) {
         if (openAIKey.isEmpty()) {

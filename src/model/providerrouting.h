@@ -28,9 +28,8 @@ enum class ImageProvider { openAI, together, fal };
 // The check every tool runs before it sends (the chats, the developer tools, the generators
 // and the CLI alike): std::nullopt when the selection can be used, otherwise the message to
 // show in place of a reply. A model passes whenever its provider's key is there.
-[[nodiscard]] std::optional<QString> preflightMessage(const QString &selectedTextModel,
-                                                      const QString &openAIKey,
-                                                      const QString &claudeKey);
+[[nodiscard]] std::optional<QString> preflightMessage(
+    const QString &selectedTextModel, const QString &openAIKey, const QString &claudeKey);
 
 // The fal client keeps its own two addresses.
 enum class Provider { openAI, anthropic, openRouter, together };

@@ -13,8 +13,7 @@ const QString openAIAccount = QString::fromLatin1(APIManager::openAIAccount);
 const QString claudeAccount = QString::fromLatin1(APIManager::claudeAccount);
 const QString falAccount = QString::fromLatin1(APIManager::falAccount);
 
-template<typename T>
-bool assign(T &field, const T &value)
+template<typename T> bool assign(T &field, const T &value)
 {
     if (field == value) {
         return false;
@@ -26,8 +25,7 @@ bool assign(T &field, const T &value)
 
 SettingsViewModel::SettingsViewModel(QObject *parent)
     : SettingsViewModel(nullptr, parent)
-{
-}
+{ }
 
 SettingsViewModel::SettingsViewModel(APIManager *apiManager, QObject *parent)
     : QObject(parent)
@@ -110,10 +108,8 @@ QVariantList SettingsViewModel::textModels()
 {
     QVariantList list;
     for (const AIModel &model : ModelCatalog::textModels()) {
-        list.append(QVariantMap{{QStringLiteral("id"), model.id},
-                                {QStringLiteral("name"), model.name},
-                                {QStringLiteral("icon"), model.icon},
-                                {QStringLiteral("usage"), model.usage}});
+        list.append(QVariantMap { { QStringLiteral("id"), model.id }, { QStringLiteral("name"), model.name },
+            { QStringLiteral("icon"), model.icon }, { QStringLiteral("usage"), model.usage } });
     }
     return list;
 }
@@ -122,9 +118,8 @@ QVariantList SettingsViewModel::imageModels()
 {
     QVariantList list;
     for (const ImageModel &model : ModelCatalog::imageModels()) {
-        list.append(QVariantMap{{QStringLiteral("id"), model.id},
-                                {QStringLiteral("name"), model.name},
-                                {QStringLiteral("features"), model.features}});
+        list.append(QVariantMap { { QStringLiteral("id"), model.id }, { QStringLiteral("name"), model.name },
+            { QStringLiteral("features"), model.features } });
     }
     return list;
 }
@@ -142,30 +137,30 @@ KeyService &SettingsViewModel::keyService()
 
 void SettingsViewModel::load()
 {
-    setSelectedTextModel(m_preferences.string(QString::fromLatin1(APIManager::textModelPreference),
-                                              ModelCatalog::defaultTextModel));
-    setSelectedImageModel(m_preferences.string(QString::fromLatin1(APIManager::imageModelPreference),
-                                               ModelCatalog::defaultImageModel));
+    setSelectedTextModel(
+        m_preferences.string(QString::fromLatin1(APIManager::textModelPreference), ModelCatalog::defaultTextModel));
+    setSelectedImageModel(
+        m_preferences.string(QString::fromLatin1(APIManager::imageModelPreference), ModelCatalog::defaultImageModel));
     setLoadingKeys(true);
     // A field the user types into before the stored keys arrive keeps what was typed.
     const QStringList typed { m_openAIKey, m_claudeKey, m_falAIKey };
-    keyService().read({ openAIAccount, claudeAccount, falAccount }, this,
-                      [this, typed](const KeyService::Outcome &outcome) {
-                          setLoadingKeys(false);
-                          showKeyStoreResult(outcome.code);
-                          if (!outcome.succeeded()) {
-                              return;
-                          }
-                          if (m_openAIKey == typed.at(0)) {
-                              setOpenAIKey(outcome.values.value(openAIAccount));
-                          }
-                          if (m_claudeKey == typed.at(1)) {
-                              setClaudeKey(outcome.values.value(claudeAccount));
-                          }
-                          if (m_falAIKey == typed.at(2)) {
-                              setFalAIKey(outcome.values.value(falAccount));
-                          }
-                      });
+    keyService().read(
+        { openAIAccount, claudeAccount, falAccount }, this, [this, typed](const KeyService::Outcome &outcome) {
+            setLoadingKeys(false);
+            showKeyStoreResult(outcome.code);
+            if (!outcome.succeeded()) {
+                return;
+            }
+            if (m_openAIKey == typed.at(0)) {
+                setOpenAIKey(outcome.values.value(openAIAccount));
+            }
+            if (m_claudeKey == typed.at(1)) {
+                setClaudeKey(outcome.values.value(claudeAccount));
+            }
+            if (m_falAIKey == typed.at(2)) {
+                setFalAIKey(outcome.values.value(falAccount));
+            }
+        });
 }
 
 void SettingsViewModel::showKeyStoreResult(int code)
@@ -183,8 +178,7 @@ void SettingsViewModel::save()
         return;
     }
     const QList<std::pair<QString, QString>> fields { { tr("OpenAI"), m_openAIKey.trimmed() },
-                                                      { tr("Fal AI"), m_falAIKey.trimmed() },
-                                                      { tr("Claude"), m_claudeKey.trimmed() } };
+        { tr("Fal AI"), m_falAIKey.trimmed() }, { tr("Claude"), m_claudeKey.trimmed() } };
     for (const auto &[provider, key] : fields) {
         if (const std::optional<QString> problem = apiKeyProblem(key)) {
             finishSave(tr("The %1 API key contains %2; API keys are printable ASCII characters without spaces. "
@@ -205,17 +199,16 @@ void SettingsViewModel::save()
     }
 
     setSaving(true);
-    keyService().write({ { openAIAccount, fields.at(0).second },
-                         { falAccount, fields.at(1).second },
-                         { claudeAccount, fields.at(2).second } },
-                       this, [this](const KeyService::Outcome &outcome) {
-                           setSaving(false);
-                           showKeyStoreResult(outcome.code);
-                           if (m_apiManager) {
-                               m_apiManager->reloadSettings();
-                           }
-                           finishSave(outcome.succeeded() ? QString() : KeyService::describe(outcome.code));
-                       });
+    keyService().write({ { openAIAccount, fields.at(0).second }, { falAccount, fields.at(1).second },
+                           { claudeAccount, fields.at(2).second } },
+        this, [this](const KeyService::Outcome &outcome) {
+            setSaving(false);
+            showKeyStoreResult(outcome.code);
+            if (m_apiManager) {
+                m_apiManager->reloadSettings();
+            }
+            finishSave(outcome.succeeded() ? QString() : KeyService::describe(outcome.code));
+        });
 }
 
 void SettingsViewModel::finishSave(const QString &error)

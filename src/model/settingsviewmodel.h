@@ -24,9 +24,9 @@ class SettingsViewModel : public QObject
     Q_OBJECT
     Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
     Q_PROPERTY(QString selectedTextModel READ selectedTextModel WRITE setSelectedTextModel NOTIFY
-                   selectedTextModelChanged FINAL)
+            selectedTextModelChanged FINAL)
     Q_PROPERTY(QString selectedImageModel READ selectedImageModel WRITE setSelectedImageModel NOTIFY
-                   selectedImageModelChanged FINAL)
+            selectedImageModelChanged FINAL)
     Q_PROPERTY(QString openAIKey READ openAIKey WRITE setOpenAIKey NOTIFY openAIKeyChanged FINAL)
     Q_PROPERTY(QString falAIKey READ falAIKey WRITE setFalAIKey NOTIFY falAIKeyChanged FINAL)
     Q_PROPERTY(QString claudeKey READ claudeKey WRITE setClaudeKey NOTIFY claudeKeyChanged FINAL)

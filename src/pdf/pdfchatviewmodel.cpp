@@ -6,8 +6,7 @@ namespace zentrik {
 
 PdfChatViewModel::PdfChatViewModel(QObject *parent)
     : AskMeAnythingViewModel(parent)
-{
-}
+{ }
 
 bool PdfChatViewModel::open(const QUrl &url)
 {
@@ -97,8 +96,8 @@ void PdfChatViewModel::summarize()
         setErrorMessage(*problem, hasDocument()); // with a document, the problem is the model or key
         return;
     }
-    const QString prompt =
-        pdfSummaryPrompt(m_text.title, m_text.pageCount(), buildDocumentContext(m_text.pages, QString()));
+    const QString prompt
+        = pdfSummaryPrompt(m_text.title, m_text.pageCount(), buildDocumentContext(m_text.pages, QString()));
     if (piiAlertVM()->checkForPII(prompt)) {
         m_pending = Pending::summary;
         return;

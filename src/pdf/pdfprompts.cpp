@@ -65,7 +65,7 @@ DocumentContext buildDocumentContext(const QStringList &pages, const QString &qu
         const int best = order.first();
         const QString marker = pageMarker(best + 1);
         context.text = marker + pages.at(best).trimmed().left(budget - marker.size());
-        context.pageNumbers = {best + 1};
+        context.pageNumbers = { best + 1 };
         return context;
     }
     std::sort(chosen.begin(), chosen.end());
@@ -95,19 +95,17 @@ QString describe(const QString &title, int pageCount, const DocumentContext &con
 
 QString pdfSummaryPrompt(const QString &title, int pageCount, const DocumentContext &context)
 {
-    return QStringLiteral(
-               "Summarize the document below. Reply with only a JSON object, no other text, in this form:\n"
-               "{\"title\": \"a short title\", \"summary\": \"a brief summary in two to four sentences\", "
-               "\"keyPoints\": [\"three to five key points\"]}\n\n%1\n\n%2")
+    return QStringLiteral("Summarize the document below. Reply with only a JSON object, no other text, in this form:\n"
+                          "{\"title\": \"a short title\", \"summary\": \"a brief summary in two to four sentences\", "
+                          "\"keyPoints\": [\"three to five key points\"]}\n\n%1\n\n%2")
         .arg(describe(title, pageCount, context), context.text);
 }
 
 QString pdfQuestionPrompt(const QString &title, int pageCount, const DocumentContext &context, const QString &question)
 {
-    return QStringLiteral(
-               "Answer the question using only the document text below. Each page starts with a line "
-               "\"--- Page N ---\". Cite the pages your answer relies on as (page N). If the text does not "
-               "hold the answer, say so.\n\n%1\n\n%2\n\nQuestion: %3")
+    return QStringLiteral("Answer the question using only the document text below. Each page starts with a line "
+                          "\"--- Page N ---\". Cite the pages your answer relies on as (page N). If the text does not "
+                          "hold the answer, say so.\n\n%1\n\n%2\n\nQuestion: %3")
         .arg(describe(title, pageCount, context), context.text, question);
 }
 
@@ -118,7 +116,7 @@ std::optional<PdfSummary> parsePdfSummary(const QString &reply)
     if (open < 0 || close <= open) {
         return std::nullopt;
     }
-    QJsonParseError error{};
+    QJsonParseError error {};
     const QJsonDocument document = QJsonDocument::fromJson(reply.mid(open, close - open + 1).toUtf8(), &error);
     if (error.error != QJsonParseError::NoError || !document.isObject()) {
         return std::nullopt;
@@ -128,7 +126,7 @@ std::optional<PdfSummary> parsePdfSummary(const QString &reply)
     summary.title = object.value(QStringLiteral("title")).toString().trimmed();
     summary.summary = object.value(QStringLiteral("summary")).toString().trimmed();
     const QJsonValue points = object.contains(QStringLiteral("keyPoints")) ? object.value(QStringLiteral("keyPoints"))
-                                                                          : object.value(QStringLiteral("key_points"));
+                                                                           : object.value(QStringLiteral("key_points"));
     for (const QJsonValue &point : points.toArray()) {
         if (point.isString() && !point.toString().trimmed().isEmpty()) {
             summary.keyPoints.append(point.toString().trimmed());

@@ -10,10 +10,11 @@ namespace zentrik {
 
 // The part of a document that goes with a request: whole when it fits the budget,
 // otherwise the pages that best match the question, each under its page number.
-struct DocumentContext {
+struct DocumentContext
+{
     QString text;
     QList<int> pageNumbers; // 1-based, in document order
-    bool complete = true;   // every page is included
+    bool complete = true; // every page is included
 };
 
 inline constexpr qsizetype pdfContextBudget = 60000;
@@ -22,15 +23,16 @@ inline constexpr qsizetype pdfContextBudget = 60000;
 // are ranked against `question` (for a summary, with no question, the leading pages are
 // taken) and the best are kept until the budget is spent; a single page larger than the
 // budget is cut at it.
-[[nodiscard]] DocumentContext buildDocumentContext(const QStringList &pages, const QString &question,
-                                                   qsizetype budget = pdfContextBudget);
+[[nodiscard]] DocumentContext buildDocumentContext(
+    const QStringList &pages, const QString &question, qsizetype budget = pdfContextBudget);
 
 [[nodiscard]] QString pdfSummaryPrompt(const QString &title, int pageCount, const DocumentContext &context);
-[[nodiscard]] QString pdfQuestionPrompt(const QString &title, int pageCount, const DocumentContext &context,
-                                        const QString &question);
+[[nodiscard]] QString pdfQuestionPrompt(
+    const QString &title, int pageCount, const DocumentContext &context, const QString &question);
 
 // The summary card: a title, a brief summary and three to five key points.
-struct PdfSummary {
+struct PdfSummary
+{
     QString title;
     QString summary;
     QStringList keyPoints;

@@ -18,8 +18,8 @@ QString PdfText::message() const
     case Problem::notPdf:
         return QCoreApplication::translate("PdfText", "This file is not a PDF.");
     case Problem::encrypted:
-        return QCoreApplication::translate("PdfText",
-                                           "This PDF is password-protected. Open an unprotected copy instead.");
+        return QCoreApplication::translate(
+            "PdfText", "This PDF is password-protected. Open an unprotected copy instead.");
     case Problem::noText:
         return QCoreApplication::translate(
             "PdfText", "This PDF has no text to read; it may be a scan. Try a PDF with selectable text.");

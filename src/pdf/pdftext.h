@@ -6,12 +6,13 @@
 namespace zentrik {
 
 // The text of every page of a PDF, or why there is none.
-struct PdfText {
+struct PdfText
+{
     enum class Problem { none, fileNotFound, notPdf, encrypted, noText, unreadable };
 
     Problem problem = Problem::none;
     QStringList pages; // page 1 first; a page without text is an empty string
-    QString title;     // the document's own title, or the file name
+    QString title; // the document's own title, or the file name
 
     [[nodiscard]] bool ok() const { return problem == Problem::none; }
     [[nodiscard]] int pageCount() const { return int(pages.size()); }

@@ -13,8 +13,8 @@ namespace {
 
 QString bulletFor(int depth)
 {
-    static const std::array<QString, 3> bullets = {QStringLiteral("\u2022"), QStringLiteral("\u25e6"),
-                                                   QStringLiteral("\u25aa")};
+    static const std::array<QString, 3> bullets
+        = { QStringLiteral("\u2022"), QStringLiteral("\u25e6"), QStringLiteral("\u25aa") };
     return bullets.at(size_t(depth) % bullets.size());
 }
 
@@ -74,7 +74,7 @@ MarkdownBlock BlockBuilder::build(cmark_node *node, QList<qsizetype> *itemEntrie
             fillTable(block, node);
         } else {
             // Raw HTML blocks (and anything else cmark may add) are shown as written.
-            const std::array<cmark_node *, 1> single = {node};
+            const std::array<cmark_node *, 1> single = { node };
             block.type = MarkdownBlock::Type::Paragraph;
             block.text = RichTextWriter::blocks(single);
         }
@@ -83,8 +83,8 @@ MarkdownBlock BlockBuilder::build(cmark_node *node, QList<qsizetype> *itemEntrie
     return block;
 }
 
-void BlockBuilder::appendListItems(QList<MarkdownListItem> &items, cmark_node *list, int depth,
-                                   QList<qsizetype> *itemEntries)
+void BlockBuilder::appendListItems(
+    QList<MarkdownListItem> &items, cmark_node *list, int depth, QList<qsizetype> *itemEntries)
 {
     const bool ordered = cmark_node_get_list_type(list) == CMARK_ORDERED_LIST;
     const cmark_delim_type delimiter = cmark_node_get_list_delim(list);
@@ -108,7 +108,7 @@ void BlockBuilder::appendListItems(QList<MarkdownListItem> &items, cmark_node *l
             if (emitted && pending.empty()) {
                 return;
             }
-            MarkdownListItem row = emitted ? MarkdownListItem{} : first;
+            MarkdownListItem row = emitted ? MarkdownListItem {} : first;
             row.depth = depth;
             row.text = RichTextWriter::blocks(pending);
             items.append(row);
@@ -133,9 +133,9 @@ void BlockBuilder::fillTable(MarkdownBlock &block, cmark_node *table)
     const uint8_t *alignments = cmark_gfm_extensions_get_table_alignments(table);
     for (int column = 0; column < columns; ++column) {
         const char alignment = alignments != nullptr ? char(alignments[column]) : '\0';
-        block.columnAlignments.append(alignment == 'c'   ? int(Qt::AlignHCenter)
-                                      : alignment == 'r' ? int(Qt::AlignRight)
-                                                         : int(Qt::AlignLeft));
+        block.columnAlignments.append(alignment == 'c' ? int(Qt::AlignHCenter)
+                : alignment == 'r'                     ? int(Qt::AlignRight)
+                                                       : int(Qt::AlignLeft));
     }
     for (cmark_node *row = cmark_node_first_child(table); row != nullptr; row = cmark_node_next(row)) {
         QStringList cells;

@@ -17,8 +17,8 @@ public:
     [[nodiscard]] static QString numberMarker(qint64 number, cmark_delim_type delimiter);
 
 private:
-    static void appendListItems(QList<MarkdownListItem> &items, cmark_node *list, int depth,
-                                QList<qsizetype> *itemEntries = nullptr);
+    static void appendListItems(
+        QList<MarkdownListItem> &items, cmark_node *list, int depth, QList<qsizetype> *itemEntries = nullptr);
     static void fillTable(MarkdownBlock &block, cmark_node *table);
 };
 

@@ -21,9 +21,9 @@ const std::array<cmark_syntax_extension *, 4> &extensions()
 {
     static const std::array<cmark_syntax_extension *, 4> found = [] {
         cmark_gfm_core_extensions_ensure_registered();
-        return std::array<cmark_syntax_extension *, 4>{
-            cmark_find_syntax_extension("table"), cmark_find_syntax_extension("strikethrough"),
-            cmark_find_syntax_extension("autolink"), cmark_find_syntax_extension("tasklist")};
+        return std::array<cmark_syntax_extension *, 4> { cmark_find_syntax_extension("table"),
+            cmark_find_syntax_extension("strikethrough"), cmark_find_syntax_extension("autolink"),
+            cmark_find_syntax_extension("tasklist") };
     }();
     return found;
 }
@@ -92,7 +92,8 @@ public:
     }
 
 private:
-    struct FreeChunk {
+    struct FreeChunk
+    {
         void operator()(std::byte *chunk) const { std::free(chunk); }
     };
 
@@ -135,10 +136,9 @@ void *arenaRealloc(void *pointer, size_t size)
 }
 
 void arenaFree(void * /*pointer*/)
-{
-}
+{ }
 
-cmark_mem arenaMemory = {arenaCalloc, arenaRealloc, arenaFree};
+cmark_mem arenaMemory = { arenaCalloc, arenaRealloc, arenaFree };
 
 // cmark-gfm's task list extension ticks an item when "[x]" appears anywhere on its first
 // line, so "- [ ] read arr[x]" came out checked, and a streamed item flipped to checked when

@@ -194,8 +194,8 @@ void IncrementalRenderer::renderTail()
     qsizetype openEntries = 0;
     if (m_openBlock) {
         // The tail starts at an item or row of the open block, so it parses into the rest.
-        const std::optional<MarkdownBlock> whole = parsed.isEmpty() ? std::nullopt
-                                                                    : m_openBlock->merged(parsed.first());
+        const std::optional<MarkdownBlock> whole
+            = parsed.isEmpty() ? std::nullopt : m_openBlock->merged(parsed.first());
         if (!whole) {
             restart();
             renderTail();
@@ -214,8 +214,8 @@ void IncrementalRenderer::renderTail()
 
 // Moves the start of the tail as far on as the blocks before it are final, and gets ready
 // to extend the last block without parsing it again.
-void IncrementalRenderer::cutTail(QStringView tail, const QList<SourceSpan> &spans, qsizetype first,
-                                  qsizetype openEntries)
+void IncrementalRenderer::cutTail(
+    QStringView tail, const QList<SourceSpan> &spans, qsizetype first, qsizetype openEntries)
 {
     const TailCuts cuts(tail);
     const qsizetype tailStart = m_tailStart;
@@ -230,7 +230,7 @@ void IncrementalRenderer::cutTail(QStringView tail, const QList<SourceSpan> &spa
         const qint64 number = (continued ? m_openBlock->nextNumber() : lastSpan.listStart) + item;
         const bool paren = continued ? m_openBlock->parenDelimiter() : lastSpan.parenDelimiter;
         m_openBlock = OpenBlock::list(m_blocks.at(first + last),
-                                      (continued ? openEntries : 0) + lastSpan.items.at(item).firstEntry, number, paren);
+            (continued ? openEntries : 0) + lastSpan.items.at(item).firstEntry, number, paren);
         m_stableCount = first + last + 1;
         m_tailStart = tailStart + cuts.lineStart(lastSpan.items.at(item).startLine);
         if (!unfinishedBreak) {
@@ -248,7 +248,7 @@ void IncrementalRenderer::cutTail(QStringView tail, const QList<SourceSpan> &spa
         } else {
             const qsizetype headerStart = cuts.lineStart(lastSpan.startLine);
             open = OpenBlock::table(m_blocks.at(first + last),
-                                    tail.sliced(headerStart, cuts.lineStart(lastSpan.startLine + 2) - headerStart));
+                tail.sliced(headerStart, cuts.lineStart(lastSpan.startLine + 2) - headerStart));
         }
         if (open) {
             m_openBlock = std::move(open);
@@ -278,18 +278,18 @@ void IncrementalRenderer::cutTail(QStringView tail, const QList<SourceSpan> &spa
     if (lastSpan.kind == SourceSpan::Kind::FencedCode && lastSpan.fenceOffset == 0 && lastSpan.startLine >= 1
         && lastSpan.startLine < cuts.lineCount()) {
         if (auto code = OpenCodeBlock::open(m_text, tailStart + cuts.lineStart(lastSpan.startLine + 1), renderEnd(),
-                                            lastSpan.fenceChar, lastSpan.fenceLength)) {
+                lastSpan.fenceChar, lastSpan.fenceLength)) {
             m_lastBlock = std::move(*code);
         }
     } else if (lastSpan.kind == SourceSpan::Kind::Paragraph && lastSpan.startLine >= 1
-               && lastSpan.endLine == cuts.lineCount()) {
+        && lastSpan.endLine == cuts.lineCount()) {
         if (auto paragraph = OpenParagraph::openTopLevel(m_text, spanStart, lastLineStart, renderEnd())) {
             m_lastBlock = std::move(*paragraph);
         }
     } else {
         const qsizetype itemStart = lastSpan.items.isEmpty() || lastSpan.items.last().startLine < 1
-                                        ? -1
-                                        : tailStart + cuts.lineStart(lastSpan.items.last().startLine);
+            ? -1
+            : tailStart + cuts.lineStart(lastSpan.items.last().startLine);
         prepareToExtend(lastSpan, m_tailStart, lastLineStart, itemStart);
     }
 }
@@ -302,8 +302,8 @@ void IncrementalRenderer::commitUpTo(qsizetype tailStart)
 
 // Gets ready to extend the paragraph at the end of a list or quote that ends the tail,
 // without parsing the tail again. itemStart: where the list's last item begins.
-void IncrementalRenderer::prepareToExtend(const SourceSpan &span, qsizetype spanStart, qsizetype lastLineStart,
-                                          qsizetype itemStart)
+void IncrementalRenderer::prepareToExtend(
+    const SourceSpan &span, qsizetype spanStart, qsizetype lastLineStart, qsizetype itemStart)
 {
     m_listMarker.reset();
     if (span.kind != SourceSpan::Kind::List && span.kind != SourceSpan::Kind::Quote) {
@@ -314,13 +314,13 @@ void IncrementalRenderer::prepareToExtend(const SourceSpan &span, qsizetype span
     if (span.kind == SourceSpan::Kind::List && itemStart >= 0 && itemStart < m_text.size()) {
         const QChar first = m_text.at(itemStart);
         if (first == QLatin1Char('-') || first == QLatin1Char('*') || first == QLatin1Char('+')) {
-            m_listMarker = ListMarker{first, false};
+            m_listMarker = ListMarker { first, false };
         } else if (first.isDigit()) {
-            m_listMarker = ListMarker{QChar(), span.parenDelimiter};
+            m_listMarker = ListMarker { QChar(), span.parenDelimiter };
         }
     }
-    const auto target = span.kind == SourceSpan::Kind::List ? OpenParagraph::Target::LastItemText
-                                                            : OpenParagraph::Target::BlockText;
+    const auto target
+        = span.kind == SourceSpan::Kind::List ? OpenParagraph::Target::LastItemText : OpenParagraph::Target::BlockText;
     if (auto paragraph = OpenParagraph::openNested(m_text, spanStart, lastLineStart, renderEnd(), target)) {
         m_lastBlock = std::move(*paragraph);
     }
@@ -335,8 +335,7 @@ bool IncrementalRenderer::extendLastBlock()
     if (auto *paragraph = std::get_if<OpenParagraph>(&m_lastBlock)) {
         MarkdownBlock &block = m_blocks.last();
         return paragraph->extend(m_text, end,
-                                 paragraph->target() == OpenParagraph::Target::LastItemText ? block.items.last().text
-                                                                                            : block.text);
+            paragraph->target() == OpenParagraph::Target::LastItemText ? block.items.last().text : block.text);
     }
     return false;
 }
@@ -407,8 +406,8 @@ bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
     } else if (blankLine) {
         // A line at the margin after a blank line ends the list, unless it starts an item.
         const QChar first = m_text.at(afterBlank);
-        if (LineText::isSpaceOrTab(first) || first == QLatin1Char('\n') || first == QLatin1Char('\r')
-            || first.isDigit() || first == QLatin1Char('-') || first == QLatin1Char('*') || first == QLatin1Char('+')) {
+        if (LineText::isSpaceOrTab(first) || first == QLatin1Char('\n') || first == QLatin1Char('\r') || first.isDigit()
+            || first == QLatin1Char('-') || first == QLatin1Char('*') || first == QLatin1Char('+')) {
             return false;
         }
         commitUpTo(afterBlank);
@@ -444,8 +443,8 @@ bool IncrementalRenderer::startAfterFinished(qsizetype end)
 {
     m_stableCount = m_blocks.size();
     QString text;
-    if (auto next = OpenParagraph::openLine(m_text, m_tailStart, m_tailStart, end, OpenParagraph::Target::BlockText,
-                                             text)) {
+    if (auto next
+        = OpenParagraph::openLine(m_text, m_tailStart, m_tailStart, end, OpenParagraph::Target::BlockText, text)) {
         MarkdownBlock started;
         started.text = text;
         m_blocks.append(started);
@@ -522,7 +521,7 @@ bool IncrementalRenderer::startsSiblingItem(QStringView text) const
     }
     ++at;
     return at < line.size() && (line.at(at) == QLatin1Char(' ') || line.at(at) == QLatin1Char('\t'))
-           && LineText::roleIsFixed(line);
+        && LineText::roleIsFixed(line);
 }
 
 // Shows a new item of the open list whose first line so far is paragraph text without
@@ -545,8 +544,8 @@ bool IncrementalRenderer::startPlainItem(qsizetype end)
         return false;
     }
     QString rich;
-    auto item = OpenParagraph::openLine(m_text, m_tailStart, m_tailStart + at + spaces, end,
-                                         OpenParagraph::Target::LastItemText, rich);
+    auto item = OpenParagraph::openLine(
+        m_text, m_tailStart, m_tailStart + at + spaces, end, OpenParagraph::Target::LastItemText, rich);
     if (!item) {
         return false;
     }

@@ -19,9 +19,9 @@ namespace zentrik {
 // kept, and each piece re-parses only the unfinished tail: the block being written (of a
 // long list or table, only its last item or row). A code block or paragraph that grows is
 // extended without parsing it again, the rows of a table are rendered without the table
-// around them, and a block that a piece completes is closed without parsing it again, so the work per piece follows the size of the piece, not the length of
-// the reply. After every piece, blocks() equals MarkdownRenderer::render() of the text so
-// far (less a trailing half of a surrogate pair, which waits for the rest).
+// around them, and a block that a piece completes is closed without parsing it again, so the work per piece follows the
+// size of the piece, not the length of the reply. After every piece, blocks() equals MarkdownRenderer::render() of the
+// text so far (less a trailing half of a surrogate pair, which waits for the rest).
 //
 // A reply that grows past what one parse may take (renderbudget.h) goes on as plain text:
 // the blocks so far stay, and the rest is shown escaped, with its line breaks, in paragraphs
@@ -49,7 +49,8 @@ private:
 
     // How the items of the list being written begin: a bullet character, or (null) a number
     // followed by "." or ")".
-    struct ListMarker {
+    struct ListMarker
+    {
         QChar bullet;
         bool parenDelimiter = false;
     };

@@ -42,8 +42,8 @@ qsizetype skipContainerMarker(QStringView line, qsizetype at)
 bool isContainerPrefix(QChar c)
 {
     return c == QLatin1Char(' ') || c == QLatin1Char('\t') || c == QLatin1Char('>') || c == QLatin1Char('-')
-           || c == QLatin1Char('+') || c == QLatin1Char('*') || c == QLatin1Char('.') || c == QLatin1Char(')')
-           || c.isDigit();
+        || c == QLatin1Char('+') || c == QLatin1Char('*') || c == QLatin1Char('.') || c == QLatin1Char(')')
+        || c.isDigit();
 }
 
 } // namespace
@@ -167,7 +167,7 @@ bool LineText::endsWithScheme(QStringView text)
         --start;
     }
     const QStringView letters = text.sliced(start);
-    for (const char *scheme : {"http", "https", "ftp", "mailto", "xmpp"}) {
+    for (const char *scheme : { "http", "https", "ftp", "mailto", "xmpp" }) {
         if (letters.endsWith(QLatin1StringView(scheme), Qt::CaseInsensitive)) {
             return true;
         }

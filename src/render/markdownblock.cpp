@@ -46,8 +46,7 @@ QDebug operator<<(QDebug debug, const MarkdownBlock &block)
         debug << ' ' << item.text << ']';
     }
     if (!block.tableHeader.isEmpty()) {
-        debug << " header=" << block.tableHeader << " rows=" << block.tableRows
-              << " align=" << block.columnAlignments;
+        debug << " header=" << block.tableHeader << " rows=" << block.tableRows << " align=" << block.columnAlignments;
     }
     return debug;
 }

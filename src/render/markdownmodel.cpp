@@ -51,8 +51,7 @@ QList<int> changedRoles(const MarkdownBlock &before, const MarkdownBlock &after)
 
 MarkdownModel::MarkdownModel(QObject *parent)
     : QAbstractListModel(parent)
-{
-}
+{ }
 
 int MarkdownModel::rowCount(const QModelIndex &parent) const
 {
@@ -79,10 +78,8 @@ QVariant MarkdownModel::data(const QModelIndex &index, int role) const
         QVariantList items;
         items.reserve(block.items.size());
         for (const MarkdownListItem &item : block.items) {
-            items.append(QVariantMap{{QStringLiteral("text"), item.text},
-                                     {QStringLiteral("marker"), item.marker},
-                                     {QStringLiteral("depth"), item.depth},
-                                     {QStringLiteral("task"), taskName(item.task)}});
+            items.append(QVariantMap { { QStringLiteral("text"), item.text }, { QStringLiteral("marker"), item.marker },
+                { QStringLiteral("depth"), item.depth }, { QStringLiteral("task"), taskName(item.task) } });
         }
         return items;
     }
@@ -111,14 +108,14 @@ QVariant MarkdownModel::data(const QModelIndex &index, int role) const
 QHash<int, QByteArray> MarkdownModel::roleNames() const
 {
     return {
-        {TypeRole, "type"},
-        {TextRole, "text"},
-        {LevelRole, "level"},
-        {LanguageRole, "language"},
-        {ItemsRole, "items"},
-        {TableHeaderRole, "tableHeader"},
-        {TableRowsRole, "tableRows"},
-        {ColumnAlignmentsRole, "columnAlignments"},
+        { TypeRole, "type" },
+        { TextRole, "text" },
+        { LevelRole, "level" },
+        { LanguageRole, "language" },
+        { ItemsRole, "items" },
+        { TableHeaderRole, "tableHeader" },
+        { TableRowsRole, "tableRows" },
+        { ColumnAlignmentsRole, "columnAlignments" },
     };
 }
 

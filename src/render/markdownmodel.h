@@ -18,14 +18,15 @@ class MarkdownModel : public QAbstractListModel
 
 public:
     enum Role {
-        TypeRole = Qt::UserRole + 1, // "paragraph", "heading", "bulletList", "orderedList", "quote", "code", "table", "rule"
-        TextRole,                    // rich text; the plain source of a code block
-        LevelRole,                   // heading level
-        LanguageRole,                // code language
-        ItemsRole,                   // list items: [{text, marker, depth, task: "", "checked" or "unchecked"}]
-        TableHeaderRole,             // header cells, rich text
-        TableRowsRole,               // rows of cells, rich text
-        ColumnAlignmentsRole,        // Qt::AlignLeft, Qt::AlignHCenter or Qt::AlignRight per column
+        TypeRole
+        = Qt::UserRole + 1, // "paragraph", "heading", "bulletList", "orderedList", "quote", "code", "table", "rule"
+        TextRole, // rich text; the plain source of a code block
+        LevelRole, // heading level
+        LanguageRole, // code language
+        ItemsRole, // list items: [{text, marker, depth, task: "", "checked" or "unchecked"}]
+        TableHeaderRole, // header cells, rich text
+        TableRowsRole, // rows of cells, rich text
+        ColumnAlignmentsRole, // Qt::AlignLeft, Qt::AlignHCenter or Qt::AlignRight per column
     };
     Q_ENUM(Role)
 

@@ -26,8 +26,7 @@ std::optional<OpenBlock> OpenBlock::table(const MarkdownBlock &table, QStringVie
     open.m_prefix = headerLines.toUtf8();
     const QList<MarkdownBlock> alone = MarkdownRenderer::render(headerLines.toString());
     if (alone.size() != 1 || alone.first().type != MarkdownBlock::Type::Table || !alone.first().tableRows.isEmpty()
-        || alone.first().tableHeader != table.tableHeader
-        || alone.first().columnAlignments != table.columnAlignments) {
+        || alone.first().tableHeader != table.tableHeader || alone.first().columnAlignments != table.columnAlignments) {
         return std::nullopt;
     }
     return open;
@@ -61,7 +60,8 @@ std::optional<MarkdownBlock> OpenBlock::merged(const MarkdownBlock &rest) const
     qint64 number = m_nextNumber;
     for (MarkdownListItem item : rest.items) {
         if (item.depth == 0 && !item.marker.isEmpty() && m_block.type == MarkdownBlock::Type::OrderedList) {
-            item.marker = BlockBuilder::numberMarker(number++, m_parenDelimiter ? CMARK_PAREN_DELIM : CMARK_PERIOD_DELIM);
+            item.marker
+                = BlockBuilder::numberMarker(number++, m_parenDelimiter ? CMARK_PAREN_DELIM : CMARK_PERIOD_DELIM);
         }
         whole.items.append(item);
     }

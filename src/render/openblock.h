@@ -17,8 +17,8 @@ class OpenBlock
 public:
     // A list whose first `entries` rows are final; the next top-level item is numbered
     // nextNumber.
-    [[nodiscard]] static OpenBlock list(const MarkdownBlock &list, qsizetype entries, qint64 nextNumber,
-                                        bool parenDelimiter);
+    [[nodiscard]] static OpenBlock list(
+        const MarkdownBlock &list, qsizetype entries, qint64 nextNumber, bool parenDelimiter);
     // A table whose rows but the last are final. The rows after them parse into a table only
     // behind its header and delimiter lines (headerLines, each ending with a line break).
     // Nothing when those lines alone do not give the table's header and alignments.

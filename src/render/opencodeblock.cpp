@@ -7,11 +7,10 @@ OpenCodeBlock::OpenCodeBlock(qsizetype contentStart, QChar fenceChar, int fenceL
     , m_lineStart(contentStart)
     , m_fenceChar(fenceChar)
     , m_fenceLength(fenceLength)
-{
-}
+{ }
 
-std::optional<OpenCodeBlock> OpenCodeBlock::open(QStringView text, qsizetype contentStart, qsizetype end,
-                                                 QChar fenceChar, int fenceLength)
+std::optional<OpenCodeBlock> OpenCodeBlock::open(
+    QStringView text, qsizetype contentStart, qsizetype end, QChar fenceChar, int fenceLength)
 {
     if (contentStart > end || fenceLength < 3) {
         return std::nullopt;
@@ -62,7 +61,7 @@ std::optional<OpenCodeBlock::Closed> OpenCodeBlock::close(QStringView text, qsiz
     }
     // The caller shows the block without the fence line, which may yet turn into code.
     m_written = fence;
-    return Closed{code(text, fence), next};
+    return Closed { code(text, fence), next };
 }
 
 QString OpenCodeBlock::code(QStringView text, qsizetype end) const

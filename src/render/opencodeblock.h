@@ -16,16 +16,17 @@ public:
     // contentStart: where the line after the opening fence begins in text; end: how far
     // the text is rendered. Nothing when the block is already closed, or holds characters
     // only cmark should judge (a carriage return, a NUL, half a surrogate pair).
-    [[nodiscard]] static std::optional<OpenCodeBlock> open(QStringView text, qsizetype contentStart, qsizetype end,
-                                                           QChar fenceChar, int fenceLength);
+    [[nodiscard]] static std::optional<OpenCodeBlock> open(
+        QStringView text, qsizetype contentStart, qsizetype end, QChar fenceChar, int fenceLength);
 
     // Brings the block's text, code, up to end: code is what this block wrote last (or what
     // the parse that opened it gave), so only the new text is appended to it. False when the
     // new text may close the block or needs cmark to decide.
     [[nodiscard]] bool extend(QStringView text, qsizetype end, QString &code);
 
-    struct Closed {
-        QString code;   // the block's final text
+    struct Closed
+    {
+        QString code; // the block's final text
         qsizetype next; // where the line after the closing fence begins; -1 while the
                         // fence's line is unfinished and may still turn into code
     };

@@ -66,9 +66,8 @@ bool isClean(cmark_node *paragraph)
 bool endsCleanWithMarker(cmark_node *paragraph)
 {
     cmark_node *last = cmark_node_last_child(paragraph);
-    const char *lastText = last != nullptr && cmark_node_get_type(last) == CMARK_NODE_TEXT
-                               ? cmark_node_get_literal(last)
-                               : nullptr;
+    const char *lastText
+        = last != nullptr && cmark_node_get_type(last) == CMARK_NODE_TEXT ? cmark_node_get_literal(last) : nullptr;
     const size_t markerLength = std::strlen(markerUtf8);
     if (lastText == nullptr || std::strlen(lastText) < markerLength
         || std::strcmp(lastText + std::strlen(lastText) - markerLength, markerUtf8) != 0) {
@@ -108,22 +107,21 @@ OpenParagraph::OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype
     , m_checked(end)
     , m_liveStart(liveStart)
     , m_target(target)
-{
-}
+{ }
 
-std::optional<OpenParagraph> OpenParagraph::openTopLevel(QStringView text, qsizetype paragraphStart,
-                                                         qsizetype lineStart, qsizetype end)
+std::optional<OpenParagraph> OpenParagraph::openTopLevel(
+    QStringView text, qsizetype paragraphStart, qsizetype lineStart, qsizetype end)
 {
     // A byte order mark would be dropped if the paragraph were parsed on its own.
-    if (paragraphStart < 0 || paragraphStart > lineStart || lineStart >= end
-        || text.at(paragraphStart) == QChar(0xfeff) || !LineText::roleIsFixed(text.sliced(lineStart, end - lineStart))) {
+    if (paragraphStart < 0 || paragraphStart > lineStart || lineStart >= end || text.at(paragraphStart) == QChar(0xfeff)
+        || !LineText::roleIsFixed(text.sliced(lineStart, end - lineStart))) {
         return std::nullopt;
     }
     return OpenParagraph(paragraphStart, lineStart, end, Target::BlockText);
 }
 
-std::optional<OpenParagraph> OpenParagraph::openNested(QStringView text, qsizetype tailStart, qsizetype lineStart,
-                                                       qsizetype end, Target target)
+std::optional<OpenParagraph> OpenParagraph::openNested(
+    QStringView text, qsizetype tailStart, qsizetype lineStart, qsizetype end, Target target)
 {
     if (tailStart < 0 || tailStart > lineStart || lineStart >= end || text.at(tailStart) == QChar(0xfeff)
         || !LineText::roleIsFixed(text.sliced(lineStart, end - lineStart))) {
@@ -154,8 +152,8 @@ std::optional<OpenParagraph> OpenParagraph::openNested(QStringView text, qsizety
     return open;
 }
 
-std::optional<OpenParagraph> OpenParagraph::openLine(QStringView text, qsizetype lineStart, qsizetype contentStart,
-                                                     qsizetype end, Target target, QString &richText)
+std::optional<OpenParagraph> OpenParagraph::openLine(
+    QStringView text, qsizetype lineStart, qsizetype contentStart, qsizetype end, Target target, QString &richText)
 {
     if (contentStart < lineStart || contentStart + 1 >= end || !LineText::startsText(text.sliced(contentStart))
         || !LineText::roleIsFixed(text.sliced(lineStart, end - lineStart))) {
@@ -298,9 +296,9 @@ void OpenParagraph::appendPlainly(QStringView text, qsizetype end)
             }
             m_live += added.sliced(run, at - run);
             m_live += c == '&' ? QLatin1StringView("&amp;")
-                      : c == '<' ? QLatin1StringView("&lt;")
-                      : c == '>' ? QLatin1StringView("&gt;")
-                                 : QLatin1StringView("&quot;");
+                : c == '<'     ? QLatin1StringView("&lt;")
+                : c == '>'     ? QLatin1StringView("&gt;")
+                               : QLatin1StringView("&quot;");
             run = at + 1;
         }
         m_live += added.sliced(run);
@@ -356,7 +354,7 @@ bool OpenParagraph::canAppendPlainly(QStringView text, qsizetype end) const
         --wordStart;
     }
     while (wordStart > m_liveStart && !LineText::isSpaceOrTab(text.at(wordStart - 1))
-           && text.at(wordStart - 1) != QLatin1Char('\n') && text.at(wordStart - 1) != QLatin1Char('\r')) {
+        && text.at(wordStart - 1) != QLatin1Char('\n') && text.at(wordStart - 1) != QLatin1Char('\r')) {
         --wordStart;
     }
     if (m_liveEnd > m_liveStart) {
@@ -468,8 +466,8 @@ bool OpenParagraph::frozenText(QStringView text, qsizetype point, QString &froze
         frozen += text.sliced(content, point - content);
         return clean;
     }
-    const CmarkDocument prefix(withMarker(text.sliced(m_liveStart, point - m_liveStart)),
-                               CmarkDocument::Extensions::Inline);
+    const CmarkDocument prefix(
+        withMarker(text.sliced(m_liveStart, point - m_liveStart)), CmarkDocument::Extensions::Inline);
     cmark_node *paragraph = soleNode(prefix);
     if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH
         || !endsCleanWithMarker(paragraph)) {

@@ -21,19 +21,18 @@ public:
 
     // A top-level paragraph starting at paragraphStart; all of it is live at first.
     // lineStart: where its last, unfinished line begins; end: how far the text is rendered.
-    [[nodiscard]] static std::optional<OpenParagraph> openTopLevel(QStringView text, qsizetype paragraphStart,
-                                                                   qsizetype lineStart, qsizetype end);
+    [[nodiscard]] static std::optional<OpenParagraph> openTopLevel(
+        QStringView text, qsizetype paragraphStart, qsizetype lineStart, qsizetype end);
     // The last paragraph inside the last block of the tail that starts at tailStart (a list
     // or a quote): parses the tail up to the last word of the line once to freeze the rest.
-    [[nodiscard]] static std::optional<OpenParagraph> openNested(QStringView text, qsizetype tailStart,
-                                                                 qsizetype lineStart, qsizetype end, Target target);
+    [[nodiscard]] static std::optional<OpenParagraph> openNested(
+        QStringView text, qsizetype tailStart, qsizetype lineStart, qsizetype end, Target target);
 
     // A paragraph that has just begun, on the line from lineStart (list marker included)
     // whose content, from contentStart to end, is paragraph text: its rich text comes from
     // that content alone, without the blocks around it. Sets richText.
-    [[nodiscard]] static std::optional<OpenParagraph> openLine(QStringView text, qsizetype lineStart,
-                                                               qsizetype contentStart, qsizetype end, Target target,
-                                                               QString &richText);
+    [[nodiscard]] static std::optional<OpenParagraph> openLine(
+        QStringView text, qsizetype lineStart, qsizetype contentStart, qsizetype end, Target target, QString &richText);
 
     [[nodiscard]] Target target() const { return m_target; }
 
@@ -46,7 +45,6 @@ public:
     // When the new text ends the paragraph's line: sets rich to the rich text as it is with
     // that line if the paragraph ends there, and returns where the next line begins.
     [[nodiscard]] std::optional<qsizetype> endLine(QStringView text, qsizetype end, QString &rich);
-
 
 private:
     OpenParagraph(qsizetype liveStart, qsizetype lineStart, qsizetype end, Target target);
@@ -61,10 +59,10 @@ private:
     void changedFrom(qsizetype position) { m_changedFrom = qMin(m_changedFrom, position); }
 
     qsizetype m_lineStart;
-    qsizetype m_checked;   // the text before this holds no line break
+    qsizetype m_checked; // the text before this holds no line break
     qsizetype m_liveStart; // parsed again on every piece
-    QString m_head;        // rich text before the live part
-    QString m_tail;        // rich text after it: closing tags of the containers
+    QString m_head; // rich text before the live part
+    QString m_tail; // rich text after it: closing tags of the containers
     // The live part's rich text as far as m_liveEnd, less its trailing white space, which
     // only shows once more text follows it.
     QString m_live;

@@ -22,8 +22,8 @@ QString escaped(const QString &text)
 // differ from the streamed one, which keeps it.
 QString fromUtf8KeepingBom(QByteArrayView utf8)
 {
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QStringDecoder decoder(
+        QStringDecoder::Utf8, QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
     return decoder.decode(utf8);
 }
 
@@ -101,7 +101,7 @@ bool RichTextWriter::isType(cmark_node *node, const char *typeString)
 bool RichTextWriter::isSafeUrl(const QString &url)
 {
     const QString trimmed = url.trimmed();
-    for (const char *scheme : {"javascript:", "vbscript:", "file:", "data:"}) {
+    for (const char *scheme : { "javascript:", "vbscript:", "file:", "data:" }) {
         if (trimmed.startsWith(QLatin1String(scheme), Qt::CaseInsensitive)) {
             return false;
         }
@@ -156,7 +156,7 @@ void RichTextWriter::appendInlines(QString &out, cmark_node *parent)
             }
             if (isSafeUrl(url) && !url.isEmpty()) {
                 out += QStringLiteral("<a href=\"") + escaped(url) + QStringLiteral("\">") + label
-                       + QStringLiteral("</a>");
+                    + QStringLiteral("</a>");
             } else {
                 out += label;
             }
@@ -213,7 +213,7 @@ void RichTextWriter::appendBlock(QString &out, cmark_node *node)
         break;
     case CMARK_NODE_HTML_BLOCK:
         out += QStringLiteral("<p>") + withLineBreaks(escaped(withoutFinalNewline(literal(node))))
-               + QStringLiteral("</p>");
+            + QStringLiteral("</p>");
         break;
     case CMARK_NODE_THEMATIC_BREAK:
         out += QStringLiteral("<hr>");
@@ -244,7 +244,7 @@ void RichTextWriter::appendBlock(QString &out, cmark_node *node)
                 out += QStringLiteral("<tr>");
                 for (cmark_node *cell = cmark_node_first_child(row); cell != nullptr; cell = cmark_node_next(cell)) {
                     out += (header ? QStringLiteral("<th>") : QStringLiteral("<td>")) + inlines(cell)
-                           + (header ? QStringLiteral("</th>") : QStringLiteral("</td>"));
+                        + (header ? QStringLiteral("</th>") : QStringLiteral("</td>"));
                 }
                 out += QStringLiteral("</tr>");
             }

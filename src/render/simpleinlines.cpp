@@ -84,10 +84,10 @@ void appendEscaped(QString &out, QStringView text)
             continue;
         }
         out += text.sliced(run, at - run);
-        out += c == '&'   ? QLatin1StringView("&amp;")
-               : c == '<' ? QLatin1StringView("&lt;")
-               : c == '>' ? QLatin1StringView("&gt;")
-                          : QLatin1StringView("&quot;");
+        out += c == '&' ? QLatin1StringView("&amp;")
+            : c == '<'  ? QLatin1StringView("&lt;")
+            : c == '>'  ? QLatin1StringView("&gt;")
+                        : QLatin1StringView("&quot;");
         run = at + 1;
     }
     out += text.sliced(run);
@@ -117,7 +117,7 @@ bool isAddressCharacter(QChar c)
     }
     const char ascii = char(c.unicode());
     return (ascii >= '0' && ascii <= '9') || (ascii >= 'a' && ascii <= 'z') || (ascii >= 'A' && ascii <= 'Z')
-           || std::strchr("-._~:/?#@!$'*+,;=%", ascii) != nullptr;
+        || std::strchr("-._~:/?#@!$'*+,;=%", ascii) != nullptr;
 }
 
 } // namespace
@@ -231,8 +231,8 @@ qsizetype SimpleInlines::emphasis(QStringView text, qsizetype at, QString &rich,
         return -1;
     }
     // Nothing before is left open, so a run that cannot open stays literal.
-    const bool canOpen = openAfter != Neighbour::Space
-                         && (openAfter != Neighbour::Punctuation || openBefore != Neighbour::Other);
+    const bool canOpen
+        = openAfter != Neighbour::Space && (openAfter != Neighbour::Punctuation || openBefore != Neighbour::Other);
     const qsizetype close = canOpen ? plainEnd(text, open) : open;
     if (!canOpen || close >= text.size()) {
         rich += text.sliced(at, length);
@@ -249,8 +249,8 @@ qsizetype SimpleInlines::emphasis(QStringView text, qsizetype at, QString &rich,
         return -1;
     }
     const QLatin1StringView tag = c == QLatin1Char('~') ? QLatin1StringView("s")
-                                  : length == 2          ? QLatin1StringView("b")
-                                                         : QLatin1StringView("i");
+        : length == 2                                   ? QLatin1StringView("b")
+                                                        : QLatin1StringView("i");
     rich += QLatin1Char('<') + tag + QLatin1Char('>');
     appendEscaped(rich, text.sliced(open, close - open));
     rich += QLatin1StringView("</") + tag + QLatin1Char('>');
@@ -301,8 +301,7 @@ qsizetype SimpleInlines::codeSpan(QStringView text, qsizetype at, QString &rich,
     for (qsizetype i = 0; i < code.size(); ++i) {
         const QChar c = code.at(i);
         if (c.unicode() < 0x20 || c.unicode() == 0xfeff
-            || (c.isSurrogate()
-                && !(c.isHighSurrogate() && i + 1 < code.size() && code.at(i + 1).isLowSurrogate()))) {
+            || (c.isSurrogate() && !(c.isHighSurrogate() && i + 1 < code.size() && code.at(i + 1).isLowSurrogate()))) {
             return -1;
         }
         if (c.isHighSurrogate()) {

@@ -132,7 +132,7 @@ std::optional<QList<QStringList>> TableRows::render(const QList<QStringView> &li
                     paragraphs += QLatin1String("\n\n");
                 }
                 paragraphs += cell;
-                places.append({rows.size(), column});
+                places.append({ rows.size(), column });
             }
             ++column;
         }

@@ -19,8 +19,7 @@ public:
     // a line is not a row that begins with "|", or holds what only a parse of the table can
     // judge: a backslash (which may escape a pipe), a tab or another control character, or a
     // cell that would not be a plain paragraph on its own.
-    [[nodiscard]] static std::optional<QList<QStringList>> render(const QList<QStringView> &lines,
-                                                                  qsizetype columns);
+    [[nodiscard]] static std::optional<QList<QStringList>> render(const QList<QStringView> &lines, qsizetype columns);
 
     // True when the text, alone on a line, makes a paragraph whatever it ends with: it
     // cannot open a heading, list, quote, fence, rule, HTML block or link definition.

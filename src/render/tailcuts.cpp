@@ -7,7 +7,7 @@ namespace zentrik {
 
 TailCuts::TailCuts(QStringView tail)
     : m_text(tail)
-    , m_starts{0}
+    , m_starts { 0 }
 {
     for (qsizetype i = 0; i < tail.size(); ++i) {
         const QChar c = tail.at(i);

@@ -61,12 +61,12 @@ Preferences::Preferences()
 {
     const QString dir = overrideDirectory();
     if (dir.isEmpty()) {
-        m_settings = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                                 QStringLiteral("Zentrik"), QStringLiteral("Zentrik"));
+        m_settings = std::make_unique<QSettings>(
+            QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Zentrik"), QStringLiteral("Zentrik"));
     } else {
         QDir().mkpath(dir);
-        m_settings = std::make_unique<QSettings>(QDir(dir).filePath(QStringLiteral("Zentrik.conf")),
-                                                 QSettings::IniFormat);
+        m_settings
+            = std::make_unique<QSettings>(QDir(dir).filePath(QStringLiteral("Zentrik.conf")), QSettings::IniFormat);
     }
     // Copies left by a write that was killed go as soon as nobody is writing.
     QLockFile lock(lockPath(fileName()));
@@ -226,7 +226,8 @@ bool Preferences::writeLocked(const QVariantMap &values)
         QStringList keys = reader.allKeys();
         keys.sort();
         if (reader.status() != QSettings::NoError || keys != QStringList(values.keys())) {
-            return failWith(QCoreApplication::translate("zentrik", "the written copy is incomplete (is the disk full?)"));
+            return failWith(
+                QCoreApplication::translate("zentrik", "the written copy is incomplete (is the disk full?)"));
         }
         for (const QString &key : keys) {
             if (canonical(reader.value(key)) != canonical(values.value(key))) {
@@ -263,7 +264,8 @@ void Preferences::removeLeftovers() const
     const QFileInfo target(fileName());
     const QDir dir = target.absoluteDir();
     const QString prefix = target.fileName() + QLatin1String(scratchInfix);
-    for (const QString &name : dir.entryList({ prefix + QLatin1Char('*') }, QDir::Files | QDir::Hidden | QDir::System)) {
+    for (const QString &name :
+        dir.entryList({ prefix + QLatin1Char('*') }, QDir::Files | QDir::Hidden | QDir::System)) {
         QFile::remove(dir.filePath(name));
     }
 }

@@ -30,8 +30,7 @@ public:
                 g_cancellable_cancel(m_cancellable);
             }
         })
-    {
-    }
+    { }
     ~Deadline()
     {
         {
@@ -103,20 +102,21 @@ const char *const attrSynchronizable = "synchronizable";
 const SecretSchema *genericPasswordSchema()
 {
     static const SecretSchema schema = [] {
-        SecretSchema s{};
+        SecretSchema s {};
         s.name = "app.zentrik.GenericPassword";
         s.flags = SECRET_SCHEMA_NONE;
-        s.attributes[0] = {attrAccount, SECRET_SCHEMA_ATTRIBUTE_STRING};
-        s.attributes[1] = {attrAccessible, SECRET_SCHEMA_ATTRIBUTE_STRING};
-        s.attributes[2] = {attrAccessGroup, SECRET_SCHEMA_ATTRIBUTE_STRING};
-        s.attributes[3] = {attrSynchronizable, SECRET_SCHEMA_ATTRIBUTE_STRING};
-        s.attributes[4] = {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING};
+        s.attributes[0] = { attrAccount, SECRET_SCHEMA_ATTRIBUTE_STRING };
+        s.attributes[1] = { attrAccessible, SECRET_SCHEMA_ATTRIBUTE_STRING };
+        s.attributes[2] = { attrAccessGroup, SECRET_SCHEMA_ATTRIBUTE_STRING };
+        s.attributes[3] = { attrSynchronizable, SECRET_SCHEMA_ATTRIBUTE_STRING };
+        s.attributes[4] = { nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING };
         return s;
     }();
     return &schema;
 }
 
-struct ErrorGuard {
+struct ErrorGuard
+{
     GError *error = nullptr;
     ~ErrorGuard()
     {
@@ -142,8 +142,7 @@ int classify(const GError *error, Deadline &deadline)
     if (error->domain == SECRET_ERROR && error->code == SECRET_ERROR_NO_SUCH_OBJECT) {
         return secretNotFound;
     }
-    if (error->domain == G_DBUS_ERROR || error->domain == G_IO_ERROR
-        || error->domain == G_SPAWN_ERROR) {
+    if (error->domain == G_DBUS_ERROR || error->domain == G_IO_ERROR || error->domain == G_SPAWN_ERROR) {
         return secretNoService;
     }
     return secretOtherFailure;
@@ -153,7 +152,9 @@ int classify(const GError *error, Deadline &deadline)
 class Attributes
 {
 public:
-    Attributes() : m_table(g_hash_table_new_full(g_str_hash, g_str_equal, g_free, g_free)) {}
+    Attributes()
+        : m_table(g_hash_table_new_full(g_str_hash, g_str_equal, g_free, g_free))
+    { }
     ~Attributes() { g_hash_table_unref(m_table); }
     Attributes(const Attributes &) = delete;
     Attributes &operator=(const Attributes &) = delete;
@@ -172,8 +173,8 @@ SecretService *connectService(Deadline &deadline, int &code);
 
 // Lookups, deletes and listings see the access group when one is set, and either only
 // local items or, for a synchronisable store, both kinds ("any": the attribute is left out).
-void addLookupScope(QVariantMap &query, Attributes &attributes, const std::optional<QString> &group,
-                    bool synchronizable)
+void addLookupScope(
+    QVariantMap &query, Attributes &attributes, const std::optional<QString> &group, bool synchronizable)
 {
     if (group) {
         query.insert(QStringLiteral("accessGroup"), *group);
@@ -194,8 +195,8 @@ bool deleteMatching(const Attributes &attributes, Deadline &deadline, int &code)
         return false;
     }
     ErrorGuard clearError;
-    const gboolean removed = secret_service_clear_sync(service, genericPasswordSchema(), attributes.table(),
-                                                       deadline.cancellable(), &clearError.error);
+    const gboolean removed = secret_service_clear_sync(
+        service, genericPasswordSchema(), attributes.table(), deadline.cancellable(), &clearError.error);
     g_object_unref(service);
     if (clearError.error) {
         code = classify(clearError.error, deadline);
@@ -256,10 +257,9 @@ bool SecretStore::set(const QByteArray &data, const QString &key, std::optional<
 
     const QString account = m_keyPrefix + key;
     const QString accessible = secretAccessOptionName(access.value_or(SecretAccessOption::accessibleWhenUnlocked));
-    QVariantMap query{{QStringLiteral("class"), QStringLiteral("genericPassword")},
-                      {QStringLiteral("account"), account},
-                      {QStringLiteral("valueLength"), data.size()},
-                      {QStringLiteral("accessible"), accessible}};
+    QVariantMap query { { QStringLiteral("class"), QStringLiteral("genericPassword") },
+        { QStringLiteral("account"), account }, { QStringLiteral("valueLength"), data.size() },
+        { QStringLiteral("accessible"), accessible } };
     Attributes attributes;
     attributes.insert(attrAccount, account);
     attributes.insert(attrAccessible, accessible);
@@ -302,8 +302,7 @@ bool SecretStore::set(const QByteArray &data, const QString &key, std::optional<
     const QByteArray label = QStringLiteral("Zentrik: %1").arg(account).toUtf8();
     ErrorGuard storeError;
     const gboolean stored = secret_service_store_sync(service, genericPasswordSchema(), attributes.table(),
-                                                      SECRET_COLLECTION_DEFAULT, label.constData(), value,
-                                                      deadline.cancellable(), &storeError.error);
+        SECRET_COLLECTION_DEFAULT, label.constData(), value, deadline.cancellable(), &storeError.error);
     secret_value_unref(value);
     g_object_unref(service);
     m_lastResultCode = stored ? secretSuccess : classify(storeError.error, deadline);
@@ -323,9 +322,8 @@ std::optional<QByteArray> SecretStore::getData(const QString &key, bool asRefere
 {
     std::lock_guard lock(m_lock);
     const QString account = m_keyPrefix + key;
-    QVariantMap query{{QStringLiteral("class"), QStringLiteral("genericPassword")},
-                      {QStringLiteral("account"), account},
-                      {QStringLiteral("matchLimit"), QStringLiteral("one")}};
+    QVariantMap query { { QStringLiteral("class"), QStringLiteral("genericPassword") },
+        { QStringLiteral("account"), account }, { QStringLiteral("matchLimit"), QStringLiteral("one") } };
     query.insert(asReference ? QStringLiteral("returnPersistentRef") : QStringLiteral("returnData"), true);
     Attributes attributes;
     attributes.insert(attrAccount, account);
@@ -340,8 +338,8 @@ std::optional<QByteArray> SecretStore::getData(const QString &key, bool asRefere
     }
     const auto flags = static_cast<SecretSearchFlags>(asReference ? SECRET_SEARCH_NONE : SECRET_SEARCH_LOAD_SECRETS);
     ErrorGuard searchError;
-    GList *items = secret_service_search_sync(service, genericPasswordSchema(), attributes.table(), flags,
-                                              deadline.cancellable(), &searchError.error);
+    GList *items = secret_service_search_sync(
+        service, genericPasswordSchema(), attributes.table(), flags, deadline.cancellable(), &searchError.error);
     g_object_unref(service);
     if (searchError.error) {
         m_lastResultCode = classify(searchError.error, deadline);
@@ -383,8 +381,8 @@ bool SecretStore::remove(const QString &key)
 bool SecretStore::removeLocked(const QString &key, Deadline &deadline)
 {
     const QString account = m_keyPrefix + key;
-    QVariantMap query{{QStringLiteral("class"), QStringLiteral("genericPassword")},
-                      {QStringLiteral("account"), account}};
+    QVariantMap query { { QStringLiteral("class"), QStringLiteral("genericPassword") },
+        { QStringLiteral("account"), account } };
     Attributes attributes;
     attributes.insert(attrAccount, account);
     addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
@@ -396,7 +394,7 @@ bool SecretStore::removeLocked(const QString &key, Deadline &deadline)
 bool SecretStore::clear()
 {
     std::lock_guard lock(m_lock);
-    QVariantMap query{{QStringLiteral("class"), QStringLiteral("genericPassword")}};
+    QVariantMap query { { QStringLiteral("class"), QStringLiteral("genericPassword") } };
     Attributes attributes;
     addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
@@ -409,11 +407,9 @@ bool SecretStore::clear()
 QStringList SecretStore::allKeys()
 {
     std::lock_guard lock(m_lock);
-    QVariantMap query{{QStringLiteral("class"), QStringLiteral("genericPassword")},
-                      {QStringLiteral("returnData"), true},
-                      {QStringLiteral("returnAttributes"), true},
-                      {QStringLiteral("returnPersistentRef"), true},
-                      {QStringLiteral("matchLimit"), QStringLiteral("all")}};
+    QVariantMap query { { QStringLiteral("class"), QStringLiteral("genericPassword") },
+        { QStringLiteral("returnData"), true }, { QStringLiteral("returnAttributes"), true },
+        { QStringLiteral("returnPersistentRef"), true }, { QStringLiteral("matchLimit"), QStringLiteral("all") } };
     Attributes attributes;
     addLookupScope(query, attributes, m_accessGroup, m_synchronizable);
     m_lastQueryParameters = query;
@@ -425,8 +421,8 @@ QStringList SecretStore::allKeys()
         return {};
     }
     ErrorGuard searchError;
-    GList *items = secret_service_search_sync(service, genericPasswordSchema(), attributes.table(),
-                                              SECRET_SEARCH_ALL, deadline.cancellable(), &searchError.error);
+    GList *items = secret_service_search_sync(service, genericPasswordSchema(), attributes.table(), SECRET_SEARCH_ALL,
+        deadline.cancellable(), &searchError.error);
     g_object_unref(service);
     if (searchError.error) {
         m_lastResultCode = classify(searchError.error, deadline);

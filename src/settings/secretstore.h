@@ -26,12 +26,12 @@ enum class SecretAccessOption {
 // Result codes of the last call; stable so that callers and logs can tell failures apart.
 enum SecretStoreResult : int {
     secretSuccess = 0,
-    secretNotFound = 1,     // no item matched
-    secretNoService = 2,    // no Secret Service reachable on the session bus (or it did not answer in time)
-    secretLocked = 3,       // the collection or item is locked and we do not prompt
+    secretNotFound = 1, // no item matched
+    secretNoService = 2, // no Secret Service reachable on the session bus (or it did not answer in time)
+    secretLocked = 3, // the collection or item is locked and we do not prompt
     secretOtherFailure = 4, // anything else the service reported
-    secretTimedOut = 5,     // a Secret Service owns the bus name but did not answer in time
-    secretNoKeyring = 6,    // the service has no default keyring to store an item in
+    secretTimedOut = 5, // a Secret Service owns the bus name but did not answer in time
+    secretNoKeyring = 6, // the service has no default keyring to store an item in
 };
 
 // API keys as generic-password items in the desktop's Secret Service (GNOME Keyring,
@@ -45,10 +45,8 @@ class SecretStore
 public:
     SecretStore() = default;
 
-    bool set(const QString &text, const QString &key,
-             std::optional<SecretAccessOption> access = std::nullopt);
-    bool set(const QByteArray &data, const QString &key,
-             std::optional<SecretAccessOption> access = std::nullopt);
+    bool set(const QString &text, const QString &key, std::optional<SecretAccessOption> access = std::nullopt);
+    bool set(const QByteArray &data, const QString &key, std::optional<SecretAccessOption> access = std::nullopt);
     [[nodiscard]] std::optional<QString> get(const QString &key);
     // With asReference the answer is the item's object path on the bus instead of its secret.
     [[nodiscard]] std::optional<QByteArray> getData(const QString &key, bool asReference = false);

@@ -9,8 +9,7 @@ namespace zentrik {
 AskMeAnythingViewModel::AskMeAnythingViewModel(QObject *parent)
     : ChatToolViewModel(parent)
     , m_piiAlert(new PiiAlertViewModel(this))
-{
-}
+{ }
 
 void AskMeAnythingViewModel::setNewMessage(const QString &text)
 {

@@ -7,7 +7,6 @@
 
 namespace zentrik {
 
-
 // The general chat. Each send validates the model choice, asks about personal information
 // when the redacted copy differs, puts the chosen suggestion's prefix before the text and
 // waits for the whole reply. The model sees only that one prompt, not the conversation.
@@ -16,7 +15,7 @@ class AskMeAnythingViewModel : public ChatToolViewModel
     Q_OBJECT
     Q_PROPERTY(QString newMessage READ newMessage WRITE setNewMessage NOTIFY newMessageChanged FINAL)
     Q_PROPERTY(QString selectedSuggestion READ selectedSuggestion WRITE setSelectedSuggestion NOTIFY
-                   selectedSuggestionChanged FINAL)
+            selectedSuggestionChanged FINAL)
     Q_PROPERTY(QStringList suggestions READ suggestions CONSTANT FINAL)
     Q_PROPERTY(bool isAIProcessing READ isProcessing NOTIFY isProcessingChanged FINAL)
     Q_PROPERTY(PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)

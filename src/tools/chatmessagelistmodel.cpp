@@ -9,8 +9,7 @@ namespace zentrik {
 
 ChatMessageListModel::ChatMessageListModel(QObject *parent)
     : QAbstractListModel(parent)
-{
-}
+{ }
 
 ChatMessageListModel::~ChatMessageListModel() = default;
 
@@ -101,9 +100,9 @@ void ChatMessageListModel::setCopiedId(const QString &id)
     }
     const int before = indexOf(m_copiedId);
     m_copiedId = id;
-    for (int row : {before, indexOf(id)}) {
+    for (int row : { before, indexOf(id) }) {
         if (row >= 0) {
-            Q_EMIT dataChanged(index(row), index(row), {IsCopiedRole});
+            Q_EMIT dataChanged(index(row), index(row), { IsCopiedRole });
         }
     }
 }

@@ -12,7 +12,8 @@ class MarkdownModel;
 
 // One message of a conversation: AskMeMessage, DebuggerMessage and the sample-data
 // generator's messages share this shape.
-struct ChatMessageRecord {
+struct ChatMessageRecord
+{
     enum class Role { user, assistant };
 
     QString id; // a fresh UUID string per message
@@ -67,7 +68,8 @@ Q_SIGNALS:
     void countChanged();
 
 private:
-    struct Entry {
+    struct Entry
+    {
         ChatMessageRecord record;
         std::unique_ptr<MarkdownModel> blocks;
         bool isRule = false;

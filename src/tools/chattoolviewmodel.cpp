@@ -40,8 +40,8 @@ void ChatToolViewModel::copyMessage(const QString &messageId)
         return;
     }
     const ChatMessageRecord &message = m_messages->at(row);
-    Q_EMIT copyRequested(message.role == ChatMessageRecord::Role::assistant ? stripMarkdown(message.content)
-                                                                            : message.content);
+    Q_EMIT copyRequested(
+        message.role == ChatMessageRecord::Role::assistant ? stripMarkdown(message.content) : message.content);
     m_messages->setCopiedId(messageId);
     Q_EMIT copiedMessageIdChanged();
     m_copiedTimer.start();

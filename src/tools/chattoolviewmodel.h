@@ -9,7 +9,6 @@
 
 namespace zentrik {
 
-
 // What the chat-style tools share: the shared APIManager, the conversation, the one-line
 // error, the busy flag and copying a message.
 class ChatToolViewModel : public QObject

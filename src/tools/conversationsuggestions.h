@@ -7,7 +7,8 @@ namespace zentrik {
 
 // A ready-made request of a conversational tool: the chip's label and the text it puts
 // before (Ask Me Anything) or above (the developer tools) what the user types.
-struct ConversationSuggestion {
+struct ConversationSuggestion
+{
     QString key; // stable name for the command line; the label for tools without keys
     QString label;
     QString prompt;
@@ -23,7 +24,7 @@ struct ConversationSuggestion {
 [[nodiscard]] const QList<ConversationSuggestion> &sampleDataFormats();
 
 // The entry whose key or label matches (keys first), or nullptr.
-[[nodiscard]] const ConversationSuggestion *findSuggestion(const QList<ConversationSuggestion> &table,
-                                                           const QString &keyOrLabel);
+[[nodiscard]] const ConversationSuggestion *findSuggestion(
+    const QList<ConversationSuggestion> &table, const QString &keyOrLabel);
 
 } // namespace zentrik

@@ -18,7 +18,7 @@ class DevToolViewModel : public ChatToolViewModel
     Q_PROPERTY(QString tool READ tool WRITE setTool NOTIFY toolChanged FINAL)
     Q_PROPERTY(QString input READ input WRITE setInput NOTIFY inputChanged FINAL)
     Q_PROPERTY(QString selectedSuggestion READ selectedSuggestion WRITE setSelectedSuggestion NOTIFY
-                   selectedSuggestionChanged FINAL)
+            selectedSuggestionChanged FINAL)
     Q_PROPERTY(QStringList suggestions READ suggestions NOTIFY toolChanged FINAL)
     Q_PROPERTY(bool isStreaming READ isStreaming NOTIFY isStreamingChanged FINAL)
     Q_PROPERTY(QString streamedContent READ streamedContent NOTIFY streamedContentChanged FINAL)

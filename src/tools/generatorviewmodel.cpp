@@ -125,10 +125,9 @@ QVariantList GeneratorViewModel::fields() const
         return list;
     }
     for (const InputField &field : assistant->inputs) {
-        list.append(QVariantMap{{QStringLiteral("label"), field.label},
-                                {QStringLiteral("type"), field.typeName()},
-                                {QStringLiteral("placeholder"), field.placeholder},
-                                {QStringLiteral("options"), field.options}});
+        list.append(
+            QVariantMap { { QStringLiteral("label"), field.label }, { QStringLiteral("type"), field.typeName() },
+                { QStringLiteral("placeholder"), field.placeholder }, { QStringLiteral("options"), field.options } });
     }
     return list;
 }

@@ -31,9 +31,8 @@ VoiceNotesViewModel::VoiceNotesViewModel(QObject *parent)
 {
     connect(m_manager, &VoiceNoteManager::notesChanged, this, &VoiceNotesViewModel::refreshNotes);
     connect(m_manager, &VoiceNoteManager::unreadableNotesFound, this, &VoiceNotesViewModel::storageWarningChanged);
-    connect(m_manager, &VoiceNoteManager::writeFailed, this, [this](const QString &message) {
-        setErrorMessage(tr("The voice notes could not be saved: %1").arg(message));
-    });
+    connect(m_manager, &VoiceNoteManager::writeFailed, this,
+        [this](const QString &message) { setErrorMessage(tr("The voice notes could not be saved: %1").arg(message)); });
     connect(m_recorder, &AudioRecorder::isRecordingChanged, this, &VoiceNotesViewModel::isRecordingChanged);
     connect(m_recorder, &AudioRecorder::isRecordingChanged, this, &VoiceNotesViewModel::canRecordChanged);
     connect(m_recorder, &AudioRecorder::isStartingChanged, this, &VoiceNotesViewModel::isStartingChanged);

@@ -53,7 +53,8 @@ class ImageStudioWindowTest : public QObject
         if (!app || !click(findItem(app->window(), QStringLiteral("sidebar:Image Creation Studio")))) {
             return nullptr;
         }
-        if (!QTest::qWaitFor([&] { return findItem(app->window(), QStringLiteral("imageGeneratorView")) != nullptr; })) {
+        if (!QTest::qWaitFor(
+                [&] { return findItem(app->window(), QStringLiteral("imageGeneratorView")) != nullptr; })) {
             return nullptr;
         }
         studio = qobject_cast<ImageGeneratorViewModel *>(
@@ -196,7 +197,8 @@ private Q_SLOTS:
         QVERIFY(visibleTexts(window).contains(QStringLiteral("E-commerce Banner")));
         QVERIFY(click(findItem(window, QStringLiteral("copyExample_Book Cover"))));
         const QString text = findItem(window, QStringLiteral("promptField"))->property("text").toString();
-        QVERIFY2(text.startsWith(QLatin1String("Design a captivating book cover for a fantasy novel")), qPrintable(text));
+        QVERIFY2(
+            text.startsWith(QLatin1String("Design a captivating book cover for a fantasy novel")), qPrintable(text));
         QCOMPARE(studio->copiedPromptIndex(), 4);
     }
 };

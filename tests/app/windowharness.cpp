@@ -126,8 +126,8 @@ void saveScreenshots(QQuickWindow *window, const QString &name)
         return;
     }
     const QSize original = window->size();
-    for (const auto &[size, suffix] : { std::pair { QSize(1280, 800), QString() },
-             std::pair { QSize(800, 600), QStringLiteral("-800x600") } }) {
+    for (const auto &[size, suffix] :
+        { std::pair { QSize(1280, 800), QString() }, std::pair { QSize(800, 600), QStringLiteral("-800x600") } }) {
         window->resize(size);
         QTest::qWait(300); // layouts and images settle over a few frames
         waitForFrame(window);

@@ -1,5 +1,5 @@
-#include "support/clirunner.h"
 #include "settings/secretstore.h"
+#include "support/clirunner.h"
 #include "support/testregistry.h"
 
 #include <QJsonArray>
@@ -72,9 +72,11 @@ private Q_SLOTS:
 
     void modelsJsonListsBothCataloguesAndSelection()
     {
-        QCOMPARE(runCli({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("image-model"),
-                         QStringLiteral("DALL-E")}).exitCode, 0);
-        const CliResult result = runCli({QStringLiteral("models"), QStringLiteral("--json")});
+        QCOMPARE(runCli({ QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("image-model"),
+                            QStringLiteral("DALL-E") })
+                     .exitCode,
+            0);
+        const CliResult result = runCli({ QStringLiteral("models"), QStringLiteral("--json") });
         QCOMPARE(result.exitCode, 0);
         const QJsonObject root = QJsonDocument::fromJson(result.out).object();
         const QJsonArray text = root.value(QStringLiteral("textModels")).toArray();
@@ -83,13 +85,15 @@ private Q_SLOTS:
         QCOMPARE(image.size(), 9);
         QCOMPARE(text.at(0).toObject().value(QStringLiteral("id")).toString(), QStringLiteral("gpt-3.5-turbo-1106"));
         QCOMPARE(text.at(11).toObject().value(QStringLiteral("usage")).toString(),
-                 QStringLiteral("High-performing 7.3B parameter model with optimizations for speed and context length"));
-        QCOMPARE(image.at(7).toObject().value(QStringLiteral("name")).toString().toUtf8(), QByteArray("PixArt-\xCE\xA3"));
+            QStringLiteral("High-performing 7.3B parameter model with optimizations for speed and context length"));
+        QCOMPARE(
+            image.at(7).toObject().value(QStringLiteral("name")).toString().toUtf8(), QByteArray("PixArt-\xCE\xA3"));
         int selectedText = 0;
         for (const QJsonValue &model : text) {
             const QJsonObject object = model.toObject();
-            QCOMPARE(object.keys(), (QStringList{QStringLiteral("icon"), QStringLiteral("id"), QStringLiteral("name"),
-                                                  QStringLiteral("selected"), QStringLiteral("usage")}));
+            QCOMPARE(object.keys(),
+                (QStringList { QStringLiteral("icon"), QStringLiteral("id"), QStringLiteral("name"),
+                    QStringLiteral("selected"), QStringLiteral("usage") }));
             if (object.value(QStringLiteral("selected")).toBool()) {
                 ++selectedText;
                 QCOMPARE(object.value(QStringLiteral("id")).toString(), QStringLiteral("gpt-4o-mini"));
@@ -110,7 +114,8 @@ private Q_SLOTS:
         QTest::newRow("any free model") << QStringLiteral("text-model") << QStringLiteral("new/model:free")
                                         << QStringLiteral("new/model:free");
         QTest::newRow("dark mode on") << QStringLiteral("dark-mode") << QStringLiteral("on") << QStringLiteral("true");
-        QTest::newRow("dark mode false") << QStringLiteral("dark-mode") << QStringLiteral("false") << QStringLiteral("false");
+        QTest::newRow("dark mode false") << QStringLiteral("dark-mode") << QStringLiteral("false")
+                                         << QStringLiteral("false");
     }
 
     void configRoundTrips()
@@ -118,8 +123,8 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, value);
         QFETCH(QString, readBack);
-        QCOMPARE(runCli({QStringLiteral("config"), QStringLiteral("set"), name, value}).exitCode, 0);
-        const CliResult result = runCli({QStringLiteral("config"), QStringLiteral("get"), name});
+        QCOMPARE(runCli({ QStringLiteral("config"), QStringLiteral("set"), name, value }).exitCode, 0);
+        const CliResult result = runCli({ QStringLiteral("config"), QStringLiteral("get"), name });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, readBack.toUtf8() + '\n');
     }
@@ -127,12 +132,13 @@ private Q_SLOTS:
     void keysAreStoredButNeverPrinted()
     {
         const QByteArray secret("sk-very-secret-value-123");
-        CliResult set = runCli({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai")}, secret + "\n");
+        CliResult set
+            = runCli({ QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai") }, secret + "\n");
         QCOMPARE(set.exitCode, 0);
         QVERIFY(!set.out.contains(secret) && !set.err.contains(secret));
         QCOMPARE(SecretStore().get(QStringLiteral("openAIKey")), std::optional<QString>(QString::fromUtf8(secret)));
 
-        const CliResult status = runCli({QStringLiteral("keys"), QStringLiteral("status")});
+        const CliResult status = runCli({ QStringLiteral("keys"), QStringLiteral("status") });
         QCOMPARE(status.exitCode, 0);
         QVERIFY(!status.out.contains(secret));
         QVERIFY2(status.out.contains("openai     set (secret store)"), status.out.constData());
@@ -140,17 +146,18 @@ private Q_SLOTS:
 
         QProcessEnvironment env;
         env.insert(QStringLiteral("FAL_KEY"), QStringLiteral("env-secret"));
-        const CliResult json = runCli({QStringLiteral("keys"), QStringLiteral("status"), QStringLiteral("--json")}, {}, env);
+        const CliResult json
+            = runCli({ QStringLiteral("keys"), QStringLiteral("status"), QStringLiteral("--json") }, {}, env);
         QVERIFY(!json.out.contains("env-secret"));
         const QJsonArray entries = QJsonDocument::fromJson(json.out).array();
         QCOMPARE(entries.size(), 3);
         QCOMPARE(entries.at(2).toObject().value(QStringLiteral("source")).toString(), QStringLiteral("FAL_KEY"));
 
-        QCOMPARE(runCli({QStringLiteral("keys"), QStringLiteral("delete"), QStringLiteral("openai")}).exitCode, 0);
+        QCOMPARE(runCli({ QStringLiteral("keys"), QStringLiteral("delete"), QStringLiteral("openai") }).exitCode, 0);
         QVERIFY(!SecretStore().get(QStringLiteral("openAIKey")).has_value());
         // Deleting again is not an error, and an empty stdin stores nothing.
-        QCOMPARE(runCli({QStringLiteral("keys"), QStringLiteral("delete"), QStringLiteral("openai")}).exitCode, 0);
-        QCOMPARE(runCli({QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("fal")}, "\n").exitCode, 1);
+        QCOMPARE(runCli({ QStringLiteral("keys"), QStringLiteral("delete"), QStringLiteral("openai") }).exitCode, 0);
+        QCOMPARE(runCli({ QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("fal") }, "\n").exitCode, 1);
     }
 
     void keysFailCleanlyWithoutSecretService()

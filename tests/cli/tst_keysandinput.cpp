@@ -133,8 +133,8 @@ private Q_SLOTS:
     // Only the line break that ends stdin is not part of the key.
     void keysSetKeepsTheKeyWithoutItsLineBreak()
     {
-        QCOMPARE(runCliProcess({ QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai") }, "sk-line\r\n",
-                     environment())
+        QCOMPARE(runCliProcess({ QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai") },
+                     "sk-line\r\n", environment())
                      .exitCode,
             0);
         QCOMPARE(SecretStore().get(QStringLiteral("openAIKey")), std::optional<QString>(QStringLiteral("sk-line")));

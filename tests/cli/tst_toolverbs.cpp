@@ -15,8 +15,9 @@ namespace {
 
 QByteArray chunk(const QString &text)
 {
-    const QJsonObject object{{"id", "c"}, {"object", "chat.completion.chunk"}, {"created", 1}, {"model", "m"},
-                             {"choices", QJsonArray{QJsonObject{{"index", 0}, {"delta", QJsonObject{{"content", text}}}}}}};
+    const QJsonObject object { { "id", "c" }, { "object", "chat.completion.chunk" }, { "created", 1 }, { "model", "m" },
+        { "choices",
+            QJsonArray { QJsonObject { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } } } } };
     return "data: " + QJsonDocument(object).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
@@ -78,7 +79,7 @@ private Q_SLOTS:
         const QString invalid = "Invalid model selected. Please choose a valid model in Settings.";
         const QString openAIMissing = "OpenAI API key is missing. Please add it in Settings.";
         const QString claudeMissing = "Claude API key is missing. Please add it in Settings.";
-        const QList<QStringList> verbs{ { "debug", "x = 1 +" }, { "sample-data", "--format", "JSON", "x = 1 +" } };
+        const QList<QStringList> verbs { { "debug", "x = 1 +" }, { "sample-data", "--format", "JSON", "x = 1 +" } };
         for (const QStringList &verb : verbs) {
             const QByteArray name = verb.first().toUtf8();
             QTest::newRow(name + " no selection") << verb << QString() << true << noSelection;
@@ -88,15 +89,18 @@ private Q_SLOTS:
                 const bool claude = entry.id.startsWith("claude-");
                 const QByteArray row = name + " " + entry.id.toUtf8();
                 QTest::newRow(row + " with key") << verb << entry.id << true << QString();
-                QTest::newRow(row + " without key")
-                    << verb << entry.id << false << (openAI ? openAIMissing : claude ? claudeMissing : QString());
+                QTest::newRow(row + " without key") << verb << entry.id << false
+                                                    << (openAI          ? openAIMissing
+                                                               : claude ? claudeMissing
+                                                                        : QString());
             }
         }
         // The generators take every model whose key is there, gpt-4o-mini included.
-        QTest::newRow("generate gpt-4o-mini") << QStringList{ "generate", "Slogan Generator", "--field",
-            "Brand/Product Name=Acme" } << "gpt-4o-mini" << true << QString();
+        QTest::newRow("generate gpt-4o-mini")
+            << QStringList { "generate", "Slogan Generator", "--field", "Brand/Product Name=Acme" } << "gpt-4o-mini"
+            << true << QString();
         QTest::newRow("generate claude without key")
-            << QStringList{ "generate", "Slogan Generator" } << "claude-instant" << false << claudeMissing;
+            << QStringList { "generate", "Slogan Generator" } << "claude-instant" << false << claudeMissing;
     }
 
     void everyVerbChecksTheModelAndKeyFirst()
@@ -113,7 +117,7 @@ private Q_SLOTS:
             env.insert("OPENAI_API_KEY", "");
             env.insert("ANTHROPIC_API_KEY", "");
         }
-        const CliResult result = runCli(verb + QStringList{ "--model", model }, {}, env);
+        const CliResult result = runCli(verb + QStringList { "--model", model }, {}, env);
         if (!refusal.isEmpty()) {
             QCOMPARE(result.err, "zentrik-cli: " + refusal.toUtf8() + "\n");
             QCOMPARE(result.exitCode, 1);
@@ -140,16 +144,18 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("sentHas");
-        const QStringList generate{"generate", "Slogan Generator", "--model", "gpt-3.5-turbo-1106", "--field",
-                                   "Brand/Product Name=mail bob@example.com"};
+        const QStringList generate { "generate", "Slogan Generator", "--model", "gpt-3.5-turbo-1106", "--field",
+            "Brand/Product Name=mail bob@example.com" };
         QTest::newRow("generate without --send") << generate << 2 << QString();
-        QTest::newRow("generate redacted") << (generate + QStringList{"--send", "redacted"}) << 0 << "mail [EMAIL_ADDRESS]";
-        QTest::newRow("generate original") << (generate + QStringList{"--send", "original"}) << 0 << "mail bob@example.com";
-        const QStringList ask{"ask", "--model", "gpt-4o-mini", "write to bob@example.com"};
+        QTest::newRow("generate redacted")
+            << (generate + QStringList { "--send", "redacted" }) << 0 << "mail [EMAIL_ADDRESS]";
+        QTest::newRow("generate original")
+            << (generate + QStringList { "--send", "original" }) << 0 << "mail bob@example.com";
+        const QStringList ask { "ask", "--model", "gpt-4o-mini", "write to bob@example.com" };
         QTest::newRow("ask without --send") << ask << 2 << QString();
-        QTest::newRow("ask redacted, streamed") << (ask + QStringList{"--send", "redacted", "--stream"}) << 0
-                                                << "write to [EMAIL_ADDRESS]";
-        QTest::newRow("bad --send") << (ask + QStringList{"--send", "maybe"}) << 2 << QString();
+        QTest::newRow("ask redacted, streamed")
+            << (ask + QStringList { "--send", "redacted", "--stream" }) << 0 << "write to [EMAIL_ADDRESS]";
+        QTest::newRow("bad --send") << (ask + QStringList { "--send", "maybe" }) << 2 << QString();
     }
 
     void personalInformationNeedsAChoice()
@@ -245,11 +251,12 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("sent");
-        QTest::newRow("csv") << QStringList{"sample-data", "--format", "csv", "--model", "gpt-4o-mini", "three customers"} << 0
-                             << "Create sample data in CSV format with the following information:\n\nthree customers";
-        QTest::newRow("no format") << QStringList{"sample-data", "three users"} << 2 << QString();
-        QTest::newRow("unknown format") << QStringList{"sample-data", "--format", "TOML", "x"} << 2 << QString();
-        QTest::newRow("unknown debug key") << QStringList{"debug", "--suggestion", "typo", "x"} << 2 << QString();
+        QTest::newRow("csv") << QStringList {
+            "sample-data", "--format", "csv", "--model", "gpt-4o-mini", "three customers"
+        } << 0 << "Create sample data in CSV format with the following information:\n\nthree customers";
+        QTest::newRow("no format") << QStringList { "sample-data", "three users" } << 2 << QString();
+        QTest::newRow("unknown format") << QStringList { "sample-data", "--format", "TOML", "x" } << 2 << QString();
+        QTest::newRow("unknown debug key") << QStringList { "debug", "--suggestion", "typo", "x" } << 2 << QString();
     }
 
     void sampleDataFormats()

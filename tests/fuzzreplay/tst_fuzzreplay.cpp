@@ -89,8 +89,9 @@ private Q_SLOTS:
         QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
         const QByteArray input = file.readAll();
         try {
-            zentrik::fuzz::targets().at(size_t(target)).entry(
-                reinterpret_cast<const uint8_t *>(input.constData()), size_t(input.size()));
+            zentrik::fuzz::targets()
+                .at(size_t(target))
+                .entry(reinterpret_cast<const uint8_t *>(input.constData()), size_t(input.size()));
         } catch (const PropertyFailure &failure) {
             QFAIL(failure.what());
         }

@@ -44,7 +44,7 @@ private Q_SLOTS:
         QCOMPARE(models.first().id, QStringLiteral("DALL-E"));
         QCOMPARE(models.at(7).name.toUtf8(), QByteArray("PixArt-\xCE\xA3"));
         QCOMPARE(models.last().features,
-                 (QStringList{QStringLiteral("text-to-image"), QStringLiteral("inference"), QStringLiteral("free")}));
+            (QStringList { QStringLiteral("text-to-image"), QStringLiteral("inference"), QStringLiteral("free") }));
         for (const ImageModel &model : models) {
             QCOMPARE(model.features.first(), QStringLiteral("text-to-image"));
         }
@@ -56,7 +56,8 @@ private Q_SLOTS:
         QTest::addColumn<int>("provider"); // -1: no provider
         QTest::newRow("openai") << QStringLiteral("gpt-4o-mini") << int(TextProvider::openAI);
         QTest::newRow("anthropic") << QStringLiteral("claude-3-haiku-20240307") << int(TextProvider::anthropic);
-        QTest::newRow("catalogue free") << QStringLiteral("mistralai/mistral-7b-instruct:free") << int(TextProvider::openRouter);
+        QTest::newRow("catalogue free") << QStringLiteral("mistralai/mistral-7b-instruct:free")
+                                        << int(TextProvider::openRouter);
         QTest::newRow("unknown free") << QStringLiteral("someone/new-model:free") << int(TextProvider::openRouter);
         QTest::newRow("bare suffix") << QStringLiteral(":free") << int(TextProvider::openRouter);
         QTest::newRow("gpt-4o not in catalogue") << QStringLiteral("gpt-4o") << -1;
@@ -78,7 +79,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("id");
         QTest::addColumn<int>("provider");
         QTest::newRow("dall-e") << QStringLiteral("DALL-E") << int(ImageProvider::openAI);
-        QTest::newRow("together") << QStringLiteral("black-forest-labs/FLUX.1-schnell-Free") << int(ImageProvider::together);
+        QTest::newRow("together") << QStringLiteral("black-forest-labs/FLUX.1-schnell-Free")
+                                  << int(ImageProvider::together);
         QTest::newRow("fal") << QStringLiteral("fal-ai/flux-pro") << int(ImageProvider::fal);
         QTest::newRow("anything else is fal") << QStringLiteral("fal-ai/new-thing") << int(ImageProvider::fal);
     }
@@ -98,7 +100,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("claudeKey");
         QTest::addColumn<QString>("message");
         const QString none;
-        QTest::newRow("empty selection") << QString() << none << none << QStringLiteral("Please select a text model in Settings.");
+        QTest::newRow("empty selection") << QString() << none << none
+                                         << QStringLiteral("Please select a text model in Settings.");
         QTest::newRow("not in catalogue, even if free")
             << QStringLiteral("other/model:free") << none << none
             << QStringLiteral("Invalid model selected. Please choose a valid model in Settings.");
@@ -141,11 +144,15 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");
-        const QString dns = QStringLiteral("Unable to find the server. Please check your internet connection or try again later.");
-        QTest::newRow("-1009") << -1009 << QStringLiteral("No internet connection. Please check your network settings.");
+        const QString dns
+            = QStringLiteral("Unable to find the server. Please check your internet connection or try again later.");
+        QTest::newRow("-1009") << -1009
+                               << QStringLiteral("No internet connection. Please check your network settings.");
         QTest::newRow("-1006") << -1006 << dns;
         QTest::newRow("-1003") << -1003 << dns;
-        QTest::newRow("-1005") << -1005 << QStringLiteral("The network connection was lost. Please check your internet connection and try again.");
+        QTest::newRow("-1005")
+            << -1005
+            << QStringLiteral("The network connection was lost. Please check your internet connection and try again.");
         QTest::newRow("-1001") << -1001 << QStringLiteral("The request timed out. Please try again.");
         QTest::newRow("-1004 falls through") << -1004 << QStringLiteral("A network error occurred: transport text");
         QTest::newRow("-1002 falls through") << -1002 << QStringLiteral("A network error occurred: transport text");
@@ -163,21 +170,22 @@ private Q_SLOTS:
     {
         QCOMPARE(APIError(APIError::generalNetworkError).message(), QStringLiteral("A network error occurred: "));
         QCOMPARE(APIError(APIError::jsonParsingFailed, QStringLiteral("x")).message(),
-                 QStringLiteral("Failed to parse the server response: x"));
+            QStringLiteral("Failed to parse the server response: x"));
         QCOMPARE(APIError(APIError::requestTimedOut).message() + connectionTip(),
-                 QStringLiteral("The request timed out. Please try again.\n\nTip: Check your internet connection or try restarting the app."));
+            QStringLiteral("The request timed out. Please try again.\n\nTip: Check your internet connection or try "
+                           "restarting the app."));
     }
 
     void providerAddressesFollowEnvironment()
     {
         qputenv("ZENTRIK_ANTHROPIC_BASE_URL", "http://127.0.0.1:8080");
         QCOMPARE(providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")),
-                 QUrl(QStringLiteral("http://127.0.0.1:8080/v1/messages")));
+            QUrl(QStringLiteral("http://127.0.0.1:8080/v1/messages")));
         qputenv("ZENTRIK_ANTHROPIC_BASE_URL", "not a url");
         QVERIFY(!providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")).isValid());
         qunsetenv("ZENTRIK_ANTHROPIC_BASE_URL");
         QCOMPARE(providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")).host(),
-                 QStringLiteral("api.anthropic.com"));
+            QStringLiteral("api.anthropic.com"));
         QCOMPARE(providerUrl(Provider::anthropic, QStringLiteral("/v1/messages")).scheme(), QStringLiteral("https"));
     }
 };

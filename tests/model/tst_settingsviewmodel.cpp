@@ -70,7 +70,7 @@ private Q_SLOTS:
         QCOMPARE(manager.openRouterChatUrl().path(), QStringLiteral("/api/v1/chat/completions"));
         QCOMPARE(manager.openRouterModelsUrl().path(), QStringLiteral("/api/v1/models"));
         QCOMPARE(manager.preflightMessage().value_or(QString()),
-                 QStringLiteral("OpenAI API key is missing. Please add it in Settings."));
+            QStringLiteral("OpenAI API key is missing. Please add it in Settings."));
     }
 
     void settingsRoundTrip()
@@ -150,7 +150,7 @@ private Q_SLOTS:
         QCOMPARE(manager.selectedImageModel(), QStringLiteral("fal-ai/retired"));
         QVERIFY(!routeTextModel(manager.selectedTextModel()).has_value());
         QCOMPARE(manager.preflightMessage().value_or(QString()),
-                 QStringLiteral("Invalid model selected. Please choose a valid model in Settings."));
+            QStringLiteral("Invalid model selected. Please choose a valid model in Settings."));
         SettingsViewModel settings(&manager);
         QCOMPARE(settings.selectedTextModel(), QStringLiteral("retired-model"));
     }
@@ -169,7 +169,7 @@ private Q_SLOTS:
         QVERIFY(settings.secretStoreAvailable());
         QCOMPARE(settings.textModels().size(), 12);
         QCOMPARE(settings.imageModels().at(7).toMap().value(QStringLiteral("name")).toString().toUtf8(),
-                 QByteArray("PixArt-\xCE\xA3"));
+            QByteArray("PixArt-\xCE\xA3"));
     }
 
     void invalidOpenRouterAddressLeavesNoChatClient()
@@ -188,11 +188,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("openAI");
         QTest::addColumn<QString>("claude");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("space inside") << QStringLiteral("sk-abc def") << QString() << QStringLiteral("OpenAI API key contains a space");
+        QTest::newRow("space inside") << QStringLiteral("sk-abc def") << QString()
+                                      << QStringLiteral("OpenAI API key contains a space");
         QTest::newRow("header injection") << QStringLiteral("sk-abc\r\nX-Evil: 1") << QString()
                                           << QStringLiteral("OpenAI API key contains a control character");
-        QTest::newRow("tab") << QString() << QStringLiteral("sk-ant\tx") << QStringLiteral("Claude API key contains a control character");
-        QTest::newRow("typographic dash") << QString() << QStringLiteral("sk\u2013ant") << QStringLiteral("Claude API key contains a non-ASCII character");
+        QTest::newRow("tab") << QString() << QStringLiteral("sk-ant\tx")
+                             << QStringLiteral("Claude API key contains a control character");
+        QTest::newRow("typographic dash") << QString() << QStringLiteral("sk\u2013ant")
+                                          << QStringLiteral("Claude API key contains a non-ASCII character");
     }
 
     void saveRefusesKeysThatCannotBeKeys()
@@ -214,7 +217,7 @@ private Q_SLOTS:
         QCOMPARE(store.get(QStringLiteral("openAIKey")), std::optional<QString>(QStringLiteral("sk-kept")));
         QVERIFY(!store.get(QStringLiteral("claudeKey")).has_value());
         QCOMPARE(Preferences().string(QStringLiteral("selectedTextModel"), QStringLiteral("unset")),
-                 QStringLiteral("unset"));
+            QStringLiteral("unset"));
     }
 
     // Pasted keys keep their surrounding blanks out of the store.
@@ -248,12 +251,14 @@ private Q_SLOTS:
             env = service->environment();
             env.insert(QStringLiteral("ZENTRIK_EXPECT_HUNG"), QStringLiteral("1"));
         } else {
-            env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
+            env.insert(
+                QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
         }
         env.insert(QStringLiteral("ZENTRIK_CONFIG_DIR"), m_dir->path());
         const test::ChildRun run = test::runTestClassInChild(QStringLiteral("SettingsWithoutKeyringTest"), env);
         QVERIFY2(run.finished && run.exitCode == 0, run.output.constData());
-        QVERIFY2(run.output.contains("PASS   : SettingsWithoutKeyringTest::saveShowsTheFailure()"), run.output.constData());
+        QVERIFY2(
+            run.output.contains("PASS   : SettingsWithoutKeyringTest::saveShowsTheFailure()"), run.output.constData());
     }
 
 private:
@@ -283,7 +288,7 @@ private Q_SLOTS:
             // A service is running; it is slow, and the screen says that, not that it is absent.
             QVERIFY(settings.secretStoreAvailable());
             QVERIFY2(settings.keyStoreProblem().contains(QStringLiteral("Secret Service did not answer")),
-                     qPrintable(settings.keyStoreProblem()));
+                qPrintable(settings.keyStoreProblem()));
             QCOMPARE(manager.keyStoreResult(), int(secretTimedOut));
         } else {
             QVERIFY(!settings.secretStoreAvailable());

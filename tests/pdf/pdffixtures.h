@@ -59,8 +59,9 @@ inline bool encryptWithQpdf(const QString &input, const QString &output)
         return false;
     }
     QProcess process;
-    process.start(qpdf, {QStringLiteral("--encrypt"), QStringLiteral("secret"), QStringLiteral("owner"),
-                         QStringLiteral("256"), QStringLiteral("--"), input, output});
+    process.start(qpdf,
+        { QStringLiteral("--encrypt"), QStringLiteral("secret"), QStringLiteral("owner"), QStringLiteral("256"),
+            QStringLiteral("--"), input, output });
     return process.waitForFinished(30000) && process.exitCode() == 0;
 }
 

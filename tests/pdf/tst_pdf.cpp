@@ -20,10 +20,10 @@ namespace {
 
 QString filler(int page, int words)
 {
-    static const QStringList vocabulary{QStringLiteral("report"), QStringLiteral("quarter"), QStringLiteral("market"),
-                                        QStringLiteral("growth"),  QStringLiteral("team"),    QStringLiteral("plan"),
-                                        QStringLiteral("budget"),  QStringLiteral("review"),  QStringLiteral("office")};
-    QRandomGenerator random{quint32(page)};
+    static const QStringList vocabulary { QStringLiteral("report"), QStringLiteral("quarter"), QStringLiteral("market"),
+        QStringLiteral("growth"), QStringLiteral("team"), QStringLiteral("plan"), QStringLiteral("budget"),
+        QStringLiteral("review"), QStringLiteral("office") };
+    QRandomGenerator random { quint32(page) };
     QStringList text;
     for (int i = 0; i < words; ++i) {
         text.append(vocabulary.at(random.bounded(vocabulary.size())));
@@ -33,8 +33,8 @@ QString filler(int page, int words)
 
 QByteArray completion(const QString &text)
 {
-    const QJsonObject message{{"role", "assistant"}, {"content", text}};
-    return QJsonDocument(QJsonObject{{"choices", QJsonArray{QJsonObject{{"message", message}}}}}).toJson();
+    const QJsonObject message { { "role", "assistant" }, { "content", text } };
+    return QJsonDocument(QJsonObject { { "choices", QJsonArray { QJsonObject { { "message", message } } } } }).toJson();
 }
 
 QString sentText(const test::RecordedRequest &request)
@@ -56,8 +56,9 @@ private Q_SLOTS:
     void extractsTextPerPage()
     {
         const QString file = path(QStringLiteral("three.pdf"));
-        QVERIFY(pdffixtures::writeTextPdf(file, {QStringLiteral("Alpha page"), QString(), QStringLiteral("Gamma page")},
-                                          QStringLiteral("Quarterly Report")));
+        QVERIFY(
+            pdffixtures::writeTextPdf(file, { QStringLiteral("Alpha page"), QString(), QStringLiteral("Gamma page") },
+                QStringLiteral("Quarterly Report")));
         const PdfText text = extractPdfText(file);
         QVERIFY2(text.ok(), qPrintable(text.message()));
         QCOMPARE(text.pageCount(), 3);
@@ -91,7 +92,7 @@ private Q_SLOTS:
             QVERIFY(pdffixtures::writeScannedPdf(file));
         } else if (kind == QStringLiteral("encrypted")) {
             const QString plain = path(QStringLiteral("plain.pdf"));
-            QVERIFY(pdffixtures::writeTextPdf(plain, {QStringLiteral("secret plans")}));
+            QVERIFY(pdffixtures::writeTextPdf(plain, { QStringLiteral("secret plans") }));
             if (!pdffixtures::encryptWithQpdf(plain, file)) {
                 QFAIL("qpdf is needed to make an encrypted PDF (scripts/setup installs it)");
             }
@@ -128,8 +129,8 @@ private Q_SLOTS:
         // A document that fits is sent whole, and a page over the budget is cut at it.
         const DocumentContext whole = buildDocumentContext(pages.mid(0, 3), question, 20000);
         QVERIFY(whole.complete);
-        QCOMPARE(whole.pageNumbers, (QList<int>{1, 2, 3}));
-        const DocumentContext cut = buildDocumentContext({QString(5000, QLatin1Char('x'))}, question, 1000);
+        QCOMPARE(whole.pageNumbers, (QList<int> { 1, 2, 3 }));
+        const DocumentContext cut = buildDocumentContext({ QString(5000, QLatin1Char('x')) }, question, 1000);
         QCOMPARE(cut.text.size(), 1000);
     }
 
@@ -160,10 +161,12 @@ private Q_SLOTS:
         const QString json = QStringLiteral(R"({"title":"Q3","summary":"Sales grew.","keyPoints":["a","b","c"]})");
         QTest::newRow("bare json") << json << true << 3;
         QTest::newRow("fenced json") << QStringLiteral("```json\n") + json + QStringLiteral("\n```") << true << 3;
-        QTest::newRow("words around") << QStringLiteral("Here it is: ") + json + QStringLiteral(" Hope it helps.") << true << 3;
+        QTest::newRow("words around") << QStringLiteral("Here it is: ") + json + QStringLiteral(" Hope it helps.")
+                                      << true << 3;
         QTest::newRow("too many points are cut to five")
             << QStringLiteral(R"({"title":"T","summary":"S","keyPoints":["1","2","3","4","5","6","7"]})") << true << 5;
-        QTest::newRow("snake case key") << QStringLiteral(R"({"title":"T","summary":"S","key_points":["x"]})") << true << 1;
+        QTest::newRow("snake case key") << QStringLiteral(R"({"title":"T","summary":"S","key_points":["x"]})") << true
+                                        << 1;
         QTest::newRow("markdown") << QStringLiteral("# Summary\n\n- one\n- two") << false << 0;
         QTest::newRow("broken json") << QStringLiteral(R"({"title": "T", "summary": )") << false << 0;
         QTest::newRow("no key points") << QStringLiteral(R"({"title":"T","summary":"S","keyPoints":[]})") << false << 0;
@@ -186,11 +189,11 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("answer");
         QTest::addColumn<QList<int>>("pages");
-        QTest::newRow("one") << QStringLiteral("It is on page 4.") << QList<int>{4};
-        QTest::newRow("several") << QStringLiteral("See pages 2 and 7 (page 2).") << QList<int>{2, 7};
-        QTest::newRow("abbreviated") << QStringLiteral("(p. 3), pp. 5-6") << QList<int>{3, 5, 6};
-        QTest::newRow("out of range") << QStringLiteral("page 0 and page 99") << QList<int>{};
-        QTest::newRow("none") << QStringLiteral("No citation, 42 things.") << QList<int>{};
+        QTest::newRow("one") << QStringLiteral("It is on page 4.") << QList<int> { 4 };
+        QTest::newRow("several") << QStringLiteral("See pages 2 and 7 (page 2).") << QList<int> { 2, 7 };
+        QTest::newRow("abbreviated") << QStringLiteral("(p. 3), pp. 5-6") << QList<int> { 3, 5, 6 };
+        QTest::newRow("out of range") << QStringLiteral("page 0 and page 99") << QList<int> {};
+        QTest::newRow("none") << QStringLiteral("No citation, 42 things.") << QList<int> {};
     }
 
     void citedPagesAreFound()
@@ -205,16 +208,16 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         const QString file = path(QStringLiteral("doc.pdf"));
-        QVERIFY(pdffixtures::writeTextPdf(file, {QStringLiteral("Introduction to turbines"),
-                                                 QStringLiteral("Blades are stored in the north warehouse")},
-                                          QStringLiteral("Turbines")));
+        QVERIFY(pdffixtures::writeTextPdf(file,
+            { QStringLiteral("Introduction to turbines"), QStringLiteral("Blades are stored in the north warehouse") },
+            QStringLiteral("Turbines")));
         PdfChatViewModel chat;
         chat.setApiManager(fixture.manager.get());
         QVERIFY(chat.openFile(file));
 
         fixture.fake->enqueue("POST", "/v1/chat/completions",
-                              ScriptedReply::json(completion(QStringLiteral(
-                                  "```json\n{\"title\":\"Turbines\",\"summary\":\"About blades.\",\"keyPoints\":[\"a\",\"b\",\"c\"]}\n```"))));
+            ScriptedReply::json(completion(QStringLiteral("```json\n{\"title\":\"Turbines\",\"summary\":\"About "
+                                                          "blades.\",\"keyPoints\":[\"a\",\"b\",\"c\"]}\n```"))));
         chat.summarize();
         QVERIFY(chat.isSummarizing());
         QTRY_VERIFY(!chat.isSummarizing());
@@ -222,7 +225,8 @@ private Q_SLOTS:
         QCOMPARE(chat.keyPoints().size(), 3);
         QVERIFY(sentText(fixture.fake->lastRequest()).contains(QStringLiteral("--- Page 2 ---")));
 
-        fixture.fake->enqueue("POST", "/v1/chat/completions", ScriptedReply::json(completion(QStringLiteral("Not JSON at all"))));
+        fixture.fake->enqueue(
+            "POST", "/v1/chat/completions", ScriptedReply::json(completion(QStringLiteral("Not JSON at all"))));
         chat.summarize();
         QTRY_VERIFY(!chat.isSummarizing());
         QVERIFY(chat.keyPoints().isEmpty());
@@ -230,14 +234,14 @@ private Q_SLOTS:
         QVERIFY(chat.hasSummary());
 
         fixture.fake->enqueue("POST", "/v1/chat/completions",
-                              ScriptedReply::json(completion(QStringLiteral("In the north warehouse (page 2)."))));
+            ScriptedReply::json(completion(QStringLiteral("In the north warehouse (page 2)."))));
         chat.setNewMessage(QStringLiteral("Where are the blades?"));
         chat.send();
         QTRY_VERIFY(!chat.isProcessing());
         QCOMPARE(chat.messages()->count(), 2);
         QCOMPARE(chat.messages()->at(0).content, QStringLiteral("Where are the blades?"));
         const QString answer = chat.messages()->at(1).content;
-        QCOMPARE(chat.citedPages(answer), (QList<int>{2}));
+        QCOMPARE(chat.citedPages(answer), (QList<int> { 2 }));
         chat.setCurrentPage(chat.citedPages(answer).first() - 1);
         QCOMPARE(chat.currentPage(), 1);
         chat.setCurrentPage(500);
@@ -258,7 +262,7 @@ private Q_SLOTS:
         QCOMPARE(chat.errorMessage(), QStringLiteral("Open a PDF first."));
 
         const QString file = path(QStringLiteral("short.pdf"));
-        QVERIFY(pdffixtures::writeTextPdf(file, {QStringLiteral("Short text")}));
+        QVERIFY(pdffixtures::writeTextPdf(file, { QStringLiteral("Short text") }));
         QVERIFY(chat.openFile(file));
         QVERIFY(chat.errorMessage().isEmpty());
         chat.setNewMessage(QStringLiteral("   "));
@@ -273,7 +277,7 @@ private Q_SLOTS:
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::json(completion(QStringLiteral("ok"))));
         const QString file = path(QStringLiteral("contacts.pdf"));
-        QVERIFY(pdffixtures::writeTextPdf(file, {QStringLiteral("Contact: ops@example.com for access")}));
+        QVERIFY(pdffixtures::writeTextPdf(file, { QStringLiteral("Contact: ops@example.com for access") }));
         PdfChatViewModel chat;
         chat.setApiManager(fixture.manager.get());
         QVERIFY(chat.openFile(file));

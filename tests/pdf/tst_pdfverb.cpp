@@ -22,7 +22,7 @@ class PdfVerbTest : public QObject
 
     void reply(const QString &text)
     {
-        const QJsonObject message{{"role", "assistant"}, {"content", text}};
+        const QJsonObject message { { "role", "assistant" }, { "content", text } };
         m_cli->fake.enqueue("POST", "/v1/chat/completions",
             ScriptedReply::json(
                 QJsonDocument(QJsonObject { { "choices", QJsonArray { QJsonObject { { "message", message } } } } })
@@ -36,17 +36,18 @@ private Q_SLOTS:
     void summaryPrintsTheCard()
     {
         const QString file = m_dir.filePath("doc.pdf");
-        QVERIFY(pdffixtures::writeTextPdf(file, {"Budget for the year", "Hiring plan"}));
+        QVERIFY(pdffixtures::writeTextPdf(file, { "Budget for the year", "Hiring plan" }));
         reply(R"({"title":"Plans","summary":"Budget and hiring.","keyPoints":["Budget","Hiring","Timeline"]})");
         const CliResult result = runCli({ "pdf", "summary", file, "--model", "gpt-4o-mini" });
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(result.out, QByteArray("Plans\n\nBudget and hiring.\n\nKey points:\n- Budget\n- Hiring\n- Timeline\n"));
+        QCOMPARE(
+            result.out, QByteArray("Plans\n\nBudget and hiring.\n\nKey points:\n- Budget\n- Hiring\n- Timeline\n"));
     }
 
     void askPrintsTheAnswer()
     {
         const QString file = m_dir.filePath("doc2.pdf");
-        QVERIFY(pdffixtures::writeTextPdf(file, {"Intro", "The office opens at nine"}));
+        QVERIFY(pdffixtures::writeTextPdf(file, { "Intro", "The office opens at nine" }));
         reply("At nine (page 2).");
         const CliResult result = runCli({ "pdf", "ask", file, "When does the office open?", "--model", "gpt-4o-mini" });
         QCOMPARE(result.exitCode, 0);
@@ -73,12 +74,12 @@ private Q_SLOTS:
         out.open(QIODevice::WriteOnly);
         out.write("plain text");
         out.close();
-        QTest::newRow("not a pdf") << QStringList{"pdf", "summary", notPdf} << 1
+        QTest::newRow("not a pdf") << QStringList { "pdf", "summary", notPdf } << 1
                                    << QByteArray("zentrik-cli: This file is not a PDF.\n");
-        QTest::newRow("missing") << QStringList{"pdf", "ask", m_dir.filePath("none.pdf"), "q"} << 1
+        QTest::newRow("missing") << QStringList { "pdf", "ask", m_dir.filePath("none.pdf"), "q" } << 1
                                  << QByteArray("zentrik-cli: The file could not be found.\n");
-        QTest::newRow("empty question") << QStringList{"pdf", "ask", notPdf, "  "} << 2 << QByteArray();
-        QTest::newRow("unknown action") << QStringList{"pdf", "print", notPdf} << 2 << QByteArray();
+        QTest::newRow("empty question") << QStringList { "pdf", "ask", notPdf, "  " } << 2 << QByteArray();
+        QTest::newRow("unknown action") << QStringList { "pdf", "print", notPdf } << 2 << QByteArray();
     }
 
     void problems()

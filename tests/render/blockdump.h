@@ -35,7 +35,7 @@ inline QString dump(const QList<MarkdownBlock> &blocks)
             line += QLatin1Char(' ') + item.text;
         }
         if (block.type == MarkdownBlock::Type::Table) {
-            QStringList rows{block.tableHeader.join(QLatin1Char('|'))};
+            QStringList rows { block.tableHeader.join(QLatin1Char('|')) };
             for (const QStringList &row : block.tableRows) {
                 rows.append(row.join(QLatin1Char('|')));
             }
@@ -44,7 +44,7 @@ inline QString dump(const QList<MarkdownBlock> &blocks)
                 alignments.append(QString::number(alignment));
             }
             line += QStringLiteral(": ") + rows.join(QStringLiteral(" / ")) + QStringLiteral(" align ")
-                    + alignments.join(QLatin1Char(','));
+                + alignments.join(QLatin1Char(','));
         }
         lines.append(line);
     }

@@ -56,8 +56,10 @@ QString firstDifference(const QString &reply, const QList<qsizetype> &cuts)
                 lastCuts.append(QString::number(cuts.at(i)));
             }
             lastCuts = lastCuts.mid(qMax<qsizetype>(0, lastCuts.size() - 8));
-            qInfo().noquote() << "text so far:\n" << shown(sofar) << "\n--- expected:\n" << dump(expected)
-                              << "\n--- got:\n" << dump(renderer.blocks());
+            qInfo().noquote() << "text so far:\n"
+                              << shown(sofar) << "\n--- expected:\n"
+                              << dump(expected) << "\n--- got:\n"
+                              << dump(renderer.blocks());
             return QStringLiteral("blocks differ after %1 of %2 characters in %3 pieces (cuts ending %4)")
                 .arg(end)
                 .arg(reply.size())
@@ -89,17 +91,15 @@ QList<qsizetype> randomCuts(QRandomGenerator &random, qsizetype length)
 // underlines, lines that only later show what they are, addresses, entities and escapes.
 QString generatedReply(QRandomGenerator &random)
 {
-    static const QStringList inlines = {
-        "word", "text", "été", "😀", "*em*", "**bold**", "_u_", "snake_case", "`code`",
-        "[link](page)", "[site](https://x.org/a_b)", "www.example.com", "a@b.co", "&amp;", "&copy", "\\*",
-        "<b>", "<span class=\"x y\">", "~~gone~~", "*open", "close*", "__", "[", "]", "(", ")", "!", "![i](p.png)",
-        "<https://a.b>", "12", "1.", "#", "-", "|", ":", "a\tb", "two  spaces", "x]", "(y)", "**", "`", "~"};
-    static const QStringList starts = {
-        "", "", "", "", "- ", "* ", "+ ", "1. ", "2) ", "  - ", "    ", "- [ ] ", "- [x] ", "> ", "> - ", "# ",
-        "### ", "12", "2024 ", "| ", "\t", ">"};
-    static const QStringList wholeLines = {
-        "", "", "", "===", "---", "***", "- - -", "```", "```python", "~~~", "| a | b |", "|---|:-:|", "<div>",
-        "</div>", "    indented code", "1.", "-", "#", "``", "> ", "[x]: https://x.org"};
+    static const QStringList inlines = { "word", "text", "été", "😀", "*em*", "**bold**", "_u_", "snake_case", "`code`",
+        "[link](page)", "[site](https://x.org/a_b)", "www.example.com", "a@b.co", "&amp;", "&copy", "\\*", "<b>",
+        "<span class=\"x y\">", "~~gone~~", "*open", "close*", "__", "[", "]", "(", ")", "!", "![i](p.png)",
+        "<https://a.b>", "12", "1.", "#", "-", "|", ":", "a\tb", "two  spaces", "x]", "(y)", "**", "`", "~" };
+    static const QStringList starts = { "", "", "", "", "- ", "* ", "+ ", "1. ", "2) ", "  - ", "    ", "- [ ] ",
+        "- [x] ", "> ", "> - ", "# ", "### ", "12", "2024 ", "| ", "\t", ">" };
+    static const QStringList wholeLines
+        = { "", "", "", "===", "---", "***", "- - -", "```", "```python", "~~~", "| a | b |", "|---|:-:|", "<div>",
+              "</div>", "    indented code", "1.", "-", "#", "``", "> ", "[x]: https://x.org" };
     QString reply;
     const int lines = random.bounded(15, 60);
     for (int line = 0; line < lines; ++line) {
@@ -180,7 +180,7 @@ void IncrementalRendererTest::everySplitPoint()
 {
     QFETCH(QString, reply);
     for (qsizetype cut = 1; cut < reply.size(); ++cut) {
-        const QString difference = firstDifference(reply, {cut});
+        const QString difference = firstDifference(reply, { cut });
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 }

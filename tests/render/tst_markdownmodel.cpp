@@ -31,16 +31,16 @@ public:
         });
         connect(model, &QAbstractItemModel::modelReset, this, [this] { entries.append(QStringLiteral("reset")); });
         connect(model, &QAbstractItemModel::dataChanged, this,
-                [this, names](const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) {
-                    QStringList roleList;
-                    for (const int role : roles) {
-                        roleList.append(QString::fromLatin1(names.value(role)));
-                    }
-                    const QString rows = topLeft.row() == bottomRight.row()
-                                             ? QString::number(topLeft.row())
-                                             : QStringLiteral("%1-%2").arg(topLeft.row()).arg(bottomRight.row());
-                    entries.append(QStringLiteral("change %1 %2").arg(rows, roleList.join(QLatin1Char(','))));
-                });
+            [this, names](const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) {
+                QStringList roleList;
+                for (const int role : roles) {
+                    roleList.append(QString::fromLatin1(names.value(role)));
+                }
+                const QString rows = topLeft.row() == bottomRight.row()
+                    ? QString::number(topLeft.row())
+                    : QStringLiteral("%1-%2").arg(topLeft.row()).arg(bottomRight.row());
+                entries.append(QStringLiteral("change %1 %2").arg(rows, roleList.join(QLatin1Char(','))));
+            });
     }
 
     QStringList entries;
@@ -104,20 +104,33 @@ void MarkdownModelTest::updates_data()
     QTest::addColumn<QString>("piece");
     QTest::addColumn<QStringList>("log");
 
-    QTest::newRow("first piece") << "" << "Hello" << QStringList{"insert 0-0"};
-    QTest::newRow("growing paragraph") << "Hello" << " **world**" << QStringList{"change 0 text"};
-    QTest::newRow("new block") << "Hello\n\n" << "# Title" << QStringList{"insert 1-1"};
-    QTest::newRow("earlier rows stay quiet") << "one\n\ntwo\n\nthree" << " more" << QStringList{"change 2 text"};
-    QTest::newRow("setext underline") << "Title\n" << "===" << QStringList{"change 0 type,level"};
-    QTest::newRow("list item added") << "- a" << "\n- b" << QStringList{"change 0 items"};
-    QTest::newRow("code language completes") << "```" << "py\nx = 1" << QStringList{"change 0 text,language"};
-    QTest::newRow("code grows") << "```py\nx = 1" << "\ny = 2" << QStringList{"change 0 text"};
-    QTest::newRow("table row added") << "a|b\n-|-\n1|2" << "\n3|4" << QStringList{"change 0 tableRows"};
-    QTest::newRow("paragraph becomes a table") << "a|b\n" << ":-|-:"
-                                               << QStringList{"change 0 type,text,tableHeader,columnAlignments"};
-    QTest::newRow("rule taken back into a paragraph") << "x\n***" << "b" << QStringList{"change 0 text", "remove 1-1"};
-    QTest::newRow("two blocks at once") << "a" << "\n\n## b\n\n> c" << QStringList{"insert 1-2"};
-    QTest::newRow("empty piece") << "a" << "" << QStringList{};
+    QTest::newRow("first piece") << ""
+                                 << "Hello" << QStringList { "insert 0-0" };
+    QTest::newRow("growing paragraph") << "Hello"
+                                       << " **world**" << QStringList { "change 0 text" };
+    QTest::newRow("new block") << "Hello\n\n"
+                               << "# Title" << QStringList { "insert 1-1" };
+    QTest::newRow("earlier rows stay quiet") << "one\n\ntwo\n\nthree"
+                                             << " more" << QStringList { "change 2 text" };
+    QTest::newRow("setext underline") << "Title\n"
+                                      << "===" << QStringList { "change 0 type,level" };
+    QTest::newRow("list item added") << "- a"
+                                     << "\n- b" << QStringList { "change 0 items" };
+    QTest::newRow("code language completes") << "```"
+                                             << "py\nx = 1" << QStringList { "change 0 text,language" };
+    QTest::newRow("code grows") << "```py\nx = 1"
+                                << "\ny = 2" << QStringList { "change 0 text" };
+    QTest::newRow("table row added") << "a|b\n-|-\n1|2"
+                                     << "\n3|4" << QStringList { "change 0 tableRows" };
+    QTest::newRow("paragraph becomes a table")
+        << "a|b\n"
+        << ":-|-:" << QStringList { "change 0 type,text,tableHeader,columnAlignments" };
+    QTest::newRow("rule taken back into a paragraph") << "x\n***"
+                                                      << "b" << QStringList { "change 0 text", "remove 1-1" };
+    QTest::newRow("two blocks at once") << "a"
+                                        << "\n\n## b\n\n> c" << QStringList { "insert 1-2" };
+    QTest::newRow("empty piece") << "a"
+                                 << "" << QStringList {};
 }
 
 void MarkdownModelTest::updates()
@@ -144,7 +157,7 @@ void MarkdownModelTest::roleData()
     for (int row = 0; row < model.rowCount(); ++row) {
         types.append(value(row, MarkdownModel::TypeRole).toString());
     }
-    QCOMPARE(types, (QStringList{"heading", "bulletList", "code", "table", "rule", "quote"}));
+    QCOMPARE(types, (QStringList { "heading", "bulletList", "code", "table", "rule", "quote" }));
 
     QCOMPARE(value(0, MarkdownModel::LevelRole).toInt(), 2);
     QCOMPARE(value(0, MarkdownModel::TextRole).toString(), QStringLiteral("Title"));
@@ -163,12 +176,12 @@ void MarkdownModelTest::roleData()
     QCOMPARE(value(2, MarkdownModel::LanguageRole).toString(), QStringLiteral("rust"));
     QCOMPARE(value(2, MarkdownModel::TextRole).toString(), QStringLiteral("fn main() {}"));
 
-    QCOMPARE(value(3, MarkdownModel::TableHeaderRole).toStringList(), (QStringList{"a", "b"}));
+    QCOMPARE(value(3, MarkdownModel::TableHeaderRole).toStringList(), (QStringList { "a", "b" }));
     const QVariantList rows = value(3, MarkdownModel::TableRowsRole).toList();
     QCOMPARE(rows.size(), 1);
-    QCOMPARE(rows.first().toStringList(), (QStringList{"<i>1</i>", "2"}));
+    QCOMPARE(rows.first().toStringList(), (QStringList { "<i>1</i>", "2" }));
     QCOMPARE(value(3, MarkdownModel::ColumnAlignmentsRole).toList(),
-             (QVariantList{int(Qt::AlignHCenter), int(Qt::AlignRight)}));
+        (QVariantList { int(Qt::AlignHCenter), int(Qt::AlignRight) }));
 
     QCOMPARE(value(5, MarkdownModel::TextRole).toString(), QStringLiteral("q"));
     QVERIFY(!model.data(model.index(6), MarkdownModel::TextRole).isValid());
@@ -195,7 +208,7 @@ void MarkdownModelTest::setTextAndClear()
     {
         const UpdateLog updates(&model);
         model.setText(QStringLiteral("one\n\ntwo three"));
-        QCOMPARE(updates.entries, QStringList{"change 1 text"});
+        QCOMPARE(updates.entries, QStringList { "change 1 text" });
     }
     QCOMPARE(textSpy.count(), 2);
 

@@ -15,7 +15,8 @@ namespace {
 
 // What cmark makes of the line as a reply of its own: the rich text of its one paragraph,
 // and whether a literal delimiter, backtick or bracket is left in its text.
-struct Parsed {
+struct Parsed
+{
     QString rich;
     bool clean = true;
     bool paragraph = false;
@@ -88,8 +89,8 @@ void SimpleInlinesTest::agreesWithCmark_data()
     QTest::newRow("backticks of another length inside") << "`a``b` c" << true;
     QTest::newRow("unclosed code span") << "an `unclosed code" << true;
     QTest::newRow("closed then unclosed") << "`a` and ``b" << true;
-    QTest::newRow("longest run that opens") << "a " + QString(80, QLatin1Char('`')) + "x" + QString(80, QLatin1Char('`'))
-                                            << true;
+    QTest::newRow("longest run that opens")
+        << "a " + QString(80, QLatin1Char('`')) + "x" + QString(80, QLatin1Char('`')) << true;
     QTest::newRow("emphasis kinds") << "**bold** and *em* and ~~gone~~ here" << true;
     QTest::newRow("strong at the start") << "**Note:** text" << true;
     QTest::newRow("closer after punctuation") << "**Note:**" << true;
@@ -137,8 +138,8 @@ void SimpleInlinesTest::agreesWithCmark_data()
     // cmark leaves the last span literal: the search for the second span's closer passes a
     // run of three and makes cmark forget the later one.
     QTest::newRow("unclosed then a run passed over") << "x `` `a```b` ```x```" << false;
-    QTest::newRow("run too long to open") << "a " + QString(81, QLatin1Char('`')) + "x" + QString(81, QLatin1Char('`'))
-                                          << false;
+    QTest::newRow("run too long to open")
+        << "a " + QString(81, QLatin1Char('`')) + "x" + QString(81, QLatin1Char('`')) << false;
     QTest::newRow("control character in code") << "a `b\u0001` c" << false;
     QTest::newRow("single tilde") << "a ~b~ c" << false;
     QTest::newRow("three tildes") << "a ~~~b~~~ c" << false;
@@ -171,10 +172,9 @@ void SimpleInlinesTest::agreesWithCmark()
 // the shortcut takes on must come out as cmark has it.
 void SimpleInlinesTest::randomLinesAgree()
 {
-    static const QStringList tokens = {
-        "a", "word", "\u00e9", "\U0001F600", " ", " ", "  ", "*", "**", "~~", "~", "`", "``", "[", "]", "(", ")",
-        "[t](u)", "[t](https://x.y/z)", ":", "http", "!", ".", ",", "\"", ">", "_", "<", "&", "\\", "w", "ww",
-        "-", "\t", "1"};
+    static const QStringList tokens = { "a", "word", "\u00e9", "\U0001F600", " ", " ", "  ", "*", "**", "~~", "~", "`",
+        "``", "[", "]", "(", ")", "[t](u)", "[t](https://x.y/z)", ":", "http", "!", ".", ",", "\"", ">", "_", "<", "&",
+        "\\", "w", "ww", "-", "\t", "1" };
     QRandomGenerator random(4242);
     int rendered = 0;
     constexpr int lines = 20000;

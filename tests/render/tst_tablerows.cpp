@@ -59,7 +59,7 @@ void TableRowsTest::matchesTheTableParse()
     const QString header = QStringLiteral("| h1 | h2 | h3 |\n|:---|:-:|--:|\n");
     const QList<MarkdownBlock> parsed = MarkdownRenderer::render(header + row);
 
-    const std::optional<QList<QStringList>> rows = TableRows::render({QStringView(row)}, 3);
+    const std::optional<QList<QStringList>> rows = TableRows::render({ QStringView(row) }, 3);
     QCOMPARE(rows.has_value(), rendered);
     if (rows) {
         QCOMPARE(parsed.size(), 1);
@@ -68,7 +68,7 @@ void TableRowsTest::matchesTheTableParse()
 
     // Two rows at once, the finished one first, land in the right cells.
     const QString finished = QStringLiteral("| x **y** | 7 |");
-    const std::optional<QList<QStringList>> both = TableRows::render({QStringView(finished), QStringView(row)}, 3);
+    const std::optional<QList<QStringList>> both = TableRows::render({ QStringView(finished), QStringView(row) }, 3);
     QCOMPARE(both.has_value(), rendered);
     if (both) {
         const QList<MarkdownBlock> twoRows = MarkdownRenderer::render(header + finished + QLatin1Char('\n') + row);

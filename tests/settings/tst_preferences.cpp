@@ -49,7 +49,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QByteArray>("data");
         QTest::newRow("plain") << QStringLiteral("gpt-4o-mini") << QByteArray("[]");
-        QTest::newRow("non-ascii and separators") << QStringLiteral("PixArt-Σ / ünïcode = ; ,") << QByteArray("[{\"a\":\"ü\"}]");
+        QTest::newRow("non-ascii and separators")
+            << QStringLiteral("PixArt-Σ / ünïcode = ; ,") << QByteArray("[{\"a\":\"ü\"}]");
         QTest::newRow("binary data") << QStringLiteral("x") << QByteArray("\x00\x01\x02\xff", 4);
     }
 
@@ -91,7 +92,7 @@ private Q_SLOTS:
         QVERIFY(preferences.setString(QStringLiteral("selectedTextModel"), QStringLiteral("gpt-4o")));
         QCOMPARE(QFileInfo(folder).permissions() & QFileDevice::Permissions(0x0777), QFileDevice::Permissions(0x0700));
         QCOMPARE(QFileInfo(preferences.fileName()).permissions() & QFileDevice::Permissions(0x0777),
-                 QFileDevice::Permissions(0x0600));
+            QFileDevice::Permissions(0x0600));
     }
 
     // Copies left by a write that was killed go at the next write; other files stay.
@@ -101,8 +102,7 @@ private Q_SLOTS:
         QVERIFY(preferences.setString(QStringLiteral("a"), QStringLiteral("1")));
         const QDir dir(m_dir->path());
         const QStringList leftovers { QStringLiteral("Zentrik.conf.write-4242-0.w"),
-                                      QStringLiteral("Zentrik.conf.write-4242-0.c"),
-                                      QStringLiteral("Zentrik.conf.write-4242-1.w.Xy12Ab") };
+            QStringLiteral("Zentrik.conf.write-4242-0.c"), QStringLiteral("Zentrik.conf.write-4242-1.w.Xy12Ab") };
         for (const QString &name : leftovers + QStringList { QStringLiteral("Zentrik.conf.bak") }) {
             QFile file(dir.filePath(name));
             QVERIFY(file.open(QIODevice::WriteOnly));
@@ -132,8 +132,8 @@ private Q_SLOTS:
         QVERIFY(first.errorString().isEmpty());
         QCOMPARE(readAll(first.fileName()), before);
         QVERIFY(first.update([](QVariantMap &values) {
-            values.insert(QStringLiteral("c"), values.value(QStringLiteral("a")).toString()
-                                                   + values.value(QStringLiteral("b")).toString());
+            values.insert(QStringLiteral("c"),
+                values.value(QStringLiteral("a")).toString() + values.value(QStringLiteral("b")).toString());
             return true;
         }));
         QCOMPARE(second.string(QStringLiteral("c")), QStringLiteral("12"));
@@ -155,7 +155,8 @@ private Q_SLOTS:
         QVERIFY2(run.finished && run.exitCode == 0, run.output.constData());
         QVERIFY2(run.output.contains("PASS   : PreferencesFullDiskChild::writesFail()"), run.output.constData());
         QCOMPARE(readAll(file), before);
-        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList { QStringLiteral("Zentrik.conf") });
+        QCOMPARE(
+            QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList { QStringLiteral("Zentrik.conf") });
     }
 
     // A writer killed at any moment leaves either the old file or the new one, whole.
@@ -172,7 +173,7 @@ private Q_SLOTS:
             env.insert(QStringLiteral("ZENTRIK_CONFIG_DIR"), m_dir->path());
             child.setProcessEnvironment(env);
             child.start(QCoreApplication::applicationFilePath(),
-                        { QStringLiteral("-class"), QStringLiteral("PreferencesBusyWriterChild") });
+                { QStringLiteral("-class"), QStringLiteral("PreferencesBusyWriterChild") });
             QVERIFY(child.waitForStarted());
             QTest::qWait(150 + 40 * round);
             child.kill();
@@ -180,10 +181,10 @@ private Q_SLOTS:
             Preferences reader;
             const QByteArray notes = reader.data(QStringLiteral("voiceNotes"));
             QVERIFY2(notes == QByteArray(1000, 'o') || notes == QByteArray(4000000, 'w'),
-                     qPrintable(QString::number(notes.size())));
+                qPrintable(QString::number(notes.size())));
             QVERIFY(reader.setString(QStringLiteral("after"), QString::number(round)));
             QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden),
-                     QStringList { QStringLiteral("Zentrik.conf") });
+                QStringList { QStringLiteral("Zentrik.conf") });
             QVERIFY(reader.setData(QStringLiteral("voiceNotes"), QByteArray(1000, 'o')));
         }
         Q_UNUSED(file);

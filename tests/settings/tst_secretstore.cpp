@@ -43,7 +43,7 @@ private Q_SLOTS:
         QVERIFY(store.set(QStringLiteral("second"), QStringLiteral("openAIKey")));
         QCOMPARE(store.lastResultCode(), int(secretSuccess));
         QCOMPARE(store.get(QStringLiteral("openAIKey")), std::optional<QString>(QStringLiteral("second")));
-        QCOMPARE(store.allKeys(), QStringList{QStringLiteral("openAIKey")});
+        QCOMPARE(store.allKeys(), QStringList { QStringLiteral("openAIKey") });
     }
 
     void getOfMissingKeyIsAbsentWithNonZeroCode()
@@ -92,9 +92,9 @@ private Q_SLOTS:
         SecretStore prefixed;
         prefixed.setKeyPrefix(QStringLiteral("test_"));
         QVERIFY(prefixed.set(QStringLiteral("secret"), QStringLiteral("openAIKey")));
-        QCOMPARE(prefixed.allKeys(), QStringList{QStringLiteral("test_openAIKey")});
+        QCOMPARE(prefixed.allKeys(), QStringList { QStringLiteral("test_openAIKey") });
         QCOMPARE(prefixed.lastQueryParameters().value(QStringLiteral("class")).toString(),
-                 QStringLiteral("genericPassword"));
+            QStringLiteral("genericPassword"));
 
         SecretStore plain;
         QVERIFY(!plain.get(QStringLiteral("openAIKey")).has_value());
@@ -113,8 +113,8 @@ private Q_SLOTS:
         QCOMPARE(synced.get(QStringLiteral("syncedKey")), std::optional<QString>(QStringLiteral("synced value")));
         // A store that is not synchronisable sees only local items.
         QVERIFY(!local.get(QStringLiteral("syncedKey")).has_value());
-        QCOMPARE(synced.lastQueryParameters().value(QStringLiteral("synchronizable")).toString(),
-                 QStringLiteral("any"));
+        QCOMPARE(
+            synced.lastQueryParameters().value(QStringLiteral("synchronizable")).toString(), QStringLiteral("any"));
     }
 
     void accessGroupSeparatesItems()
@@ -126,17 +126,18 @@ private Q_SLOTS:
         QVERIFY(groupA.set(QStringLiteral("a"), QStringLiteral("shared")));
         QVERIFY(!groupB.get(QStringLiteral("shared")).has_value());
         QCOMPARE(groupA.get(QStringLiteral("shared")), std::optional<QString>(QStringLiteral("a")));
-        QCOMPARE(groupA.lastQueryParameters().value(QStringLiteral("accessGroup")).toString(), QStringLiteral("group.a"));
+        QCOMPARE(
+            groupA.lastQueryParameters().value(QStringLiteral("accessGroup")).toString(), QStringLiteral("group.a"));
     }
 
     void accessOptionIsStoredAndSecretNeverRecorded()
     {
         SecretStore store;
         QVERIFY(store.set(QStringLiteral("do-not-keep-me"), QStringLiteral("k"),
-                          SecretAccessOption::accessibleAfterFirstUnlockThisDeviceOnly));
+            SecretAccessOption::accessibleAfterFirstUnlockThisDeviceOnly));
         const QVariantMap query = store.lastQueryParameters();
         QCOMPARE(query.value(QStringLiteral("accessible")).toString(),
-                 QStringLiteral("accessibleAfterFirstUnlockThisDeviceOnly"));
+            QStringLiteral("accessibleAfterFirstUnlockThisDeviceOnly"));
         for (const QVariant &value : query) {
             QVERIFY(!value.toString().contains(QStringLiteral("do-not-keep-me")));
         }
@@ -173,7 +174,8 @@ private Q_SLOTS:
         for (int t = 0; t < 4; ++t) {
             threads.append(QThread::create([&store, &written, t] {
                 for (int i = 0; i < 5; ++i) {
-                    written[t][i] = store.set(QStringLiteral("v%1").arg(i), QStringLiteral("thread%1_%2").arg(t).arg(i));
+                    written[t][i]
+                        = store.set(QStringLiteral("v%1").arg(i), QStringLiteral("thread%1_%2").arg(t).arg(i));
                 }
             }));
             threads.last()->start();
@@ -208,7 +210,7 @@ private Q_SLOTS:
             = test::runTestClassInChild(QStringLiteral("HungSecretServiceTest"), hung.environment());
         QVERIFY2(run.finished && run.exitCode == 0, run.output.constData());
         QVERIFY2(run.output.contains("PASS   : HungSecretServiceTest::destroyingTheServiceCancelsARead()"),
-                 run.output.constData());
+            run.output.constData());
     }
 
     // The key service against the working keyring: a write then a read in one queue, in order.
@@ -217,15 +219,15 @@ private Q_SLOTS:
         KeyService service;
         std::optional<KeyService::Outcome> written;
         std::optional<KeyService::Outcome> read;
-        service.write({ { QStringLiteral("openAIKey"), QStringLiteral("sk-one") },
-                        { QStringLiteral("claudeKey"), QString() } },
-                      this, [&](const KeyService::Outcome &outcome) { written = outcome; });
+        service.write(
+            { { QStringLiteral("openAIKey"), QStringLiteral("sk-one") }, { QStringLiteral("claudeKey"), QString() } },
+            this, [&](const KeyService::Outcome &outcome) { written = outcome; });
         service.read({ QStringLiteral("openAIKey"), QStringLiteral("claudeKey") }, this,
-                     [&](const KeyService::Outcome &outcome) {
-                         // Completions come in the order asked.
-                         QVERIFY(written.has_value());
-                         read = outcome;
-                     });
+            [&](const KeyService::Outcome &outcome) {
+                // Completions come in the order asked.
+                QVERIFY(written.has_value());
+                read = outcome;
+            });
         QVERIFY(!written && !read); // never from inside the call
         QTRY_VERIFY(read.has_value());
         QVERIFY(written->succeeded());
@@ -239,7 +241,8 @@ private Q_SLOTS:
         KeyService service;
         bool called = false;
         auto context = std::make_unique<QObject>();
-        service.read({ QStringLiteral("openAIKey") }, context.get(), [&](const KeyService::Outcome &) { called = true; });
+        service.read(
+            { QStringLiteral("openAIKey") }, context.get(), [&](const KeyService::Outcome &) { called = true; });
         context.reset();
         bool after = false;
         service.read({ QStringLiteral("openAIKey") }, this, [&](const KeyService::Outcome &) { after = true; });
@@ -267,7 +270,7 @@ private Q_SLOTS:
         QVERIFY2(run.finished && run.exitCode == 0, run.output.constData());
         // The child must really have run its cases, not skipped them.
         QVERIFY2(run.output.contains("PASS   : NoSecretServiceTest::everyOperationFailsQuickly(allKeys)"),
-                 run.output.constData());
+            run.output.constData());
     }
 };
 ZENTRIK_TEST(SecretStoreTest)
@@ -297,12 +300,24 @@ private Q_SLOTS:
         timer.start();
         bool succeeded = true;
         switch (operation) {
-        case 0: succeeded = store.set(QStringLiteral("v"), QStringLiteral("k")); break;
-        case 1: succeeded = store.get(QStringLiteral("k")).has_value(); break;
-        case 2: succeeded = store.getData(QStringLiteral("k"), true).has_value(); break;
-        case 3: succeeded = store.remove(QStringLiteral("k")); break;
-        case 4: succeeded = store.clear(); break;
-        case 5: succeeded = !store.allKeys().isEmpty(); break;
+        case 0:
+            succeeded = store.set(QStringLiteral("v"), QStringLiteral("k"));
+            break;
+        case 1:
+            succeeded = store.get(QStringLiteral("k")).has_value();
+            break;
+        case 2:
+            succeeded = store.getData(QStringLiteral("k"), true).has_value();
+            break;
+        case 3:
+            succeeded = store.remove(QStringLiteral("k"));
+            break;
+        case 4:
+            succeeded = store.clear();
+            break;
+        case 5:
+            succeeded = !store.allKeys().isEmpty();
+            break;
         }
         QVERIFY(!succeeded);
         QCOMPARE(store.lastResultCode(), int(secretNoService));
@@ -344,13 +359,27 @@ private Q_SLOTS:
         timer.start();
         bool succeeded = true;
         switch (operation) {
-        case 0: succeeded = store.set(QStringLiteral("v"), QStringLiteral("k")); break;
-        case 1: succeeded = store.get(QStringLiteral("k")).has_value(); break;
-        case 2: succeeded = store.getData(QStringLiteral("k"), true).has_value(); break;
-        case 3: succeeded = store.remove(QStringLiteral("k")); break;
-        case 4: succeeded = store.clear(); break;
-        case 5: succeeded = !store.allKeys().isEmpty(); break;
-        case 6: succeeded = store.isAvailable(); break;
+        case 0:
+            succeeded = store.set(QStringLiteral("v"), QStringLiteral("k"));
+            break;
+        case 1:
+            succeeded = store.get(QStringLiteral("k")).has_value();
+            break;
+        case 2:
+            succeeded = store.getData(QStringLiteral("k"), true).has_value();
+            break;
+        case 3:
+            succeeded = store.remove(QStringLiteral("k"));
+            break;
+        case 4:
+            succeeded = store.clear();
+            break;
+        case 5:
+            succeeded = !store.allKeys().isEmpty();
+            break;
+        case 6:
+            succeeded = store.isAvailable();
+            break;
         }
         const qint64 elapsed = timer.elapsed();
         QVERIFY(!succeeded);
@@ -383,15 +412,15 @@ private Q_SLOTS:
         qint64 readAt = 0;
         qint64 writtenAt = 0;
         service.read({ QStringLiteral("openAIKey"), QStringLiteral("claudeKey"), QStringLiteral("falAIKey") }, this,
-                     [&](const KeyService::Outcome &outcome) {
-                         read = outcome;
-                         readAt = timer.elapsed();
-                     });
-        service.write({ { QStringLiteral("openAIKey"), QStringLiteral("sk-x") } }, this,
-                      [&](const KeyService::Outcome &outcome) {
-                          written = outcome;
-                          writtenAt = timer.elapsed();
-                      });
+            [&](const KeyService::Outcome &outcome) {
+                read = outcome;
+                readAt = timer.elapsed();
+            });
+        service.write(
+            { { QStringLiteral("openAIKey"), QStringLiteral("sk-x") } }, this, [&](const KeyService::Outcome &outcome) {
+                written = outcome;
+                writtenAt = timer.elapsed();
+            });
         QVERIFY2(timer.elapsed() < 50, qPrintable(QString::number(timer.elapsed())));
         QTRY_VERIFY_WITH_TIMEOUT(written.has_value(), 10000);
         QVERIFY(read.has_value());

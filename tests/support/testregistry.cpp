@@ -9,7 +9,8 @@
 namespace zentrik::test {
 
 namespace {
-struct Entry {
+struct Entry
+{
     const char *name;
     TestFactory factory;
     bool childOnly;
@@ -24,7 +25,7 @@ std::vector<Entry> &registry()
 
 bool registerTestClass(const char *name, TestFactory factory, bool childOnly)
 {
-    registry().push_back({name, std::move(factory), childOnly});
+    registry().push_back({ name, std::move(factory), childOnly });
     return true;
 }
 

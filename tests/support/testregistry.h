@@ -20,15 +20,15 @@ int runRegisteredTests(int argc, char **argv);
 } // namespace zentrik::test
 
 // Use in a tst_*.cpp after the class definition: ZENTRIK_TEST(MyTest)
-#define ZENTRIK_TEST(Class)                                                                   \
-    namespace {                                                                               \
-    [[maybe_unused]] const bool registered_##Class = zentrik::test::registerTestClass(        \
-        #Class, [] { return std::unique_ptr<QObject>(new Class); });                          \
+#define ZENTRIK_TEST(Class)                                                                                            \
+    namespace {                                                                                                        \
+    [[maybe_unused]] const bool registered_##Class                                                                     \
+        = zentrik::test::registerTestClass(#Class, [] { return std::unique_ptr<QObject>(new Class); });                \
     }
 
 // The child half of a test (see registerTestClass); never run with the rest.
-#define ZENTRIK_CHILD_TEST(Class)                                                             \
-    namespace {                                                                               \
-    [[maybe_unused]] const bool registered_##Class = zentrik::test::registerTestClass(        \
-        #Class, [] { return std::unique_ptr<QObject>(new Class); }, true);                    \
+#define ZENTRIK_CHILD_TEST(Class)                                                                                      \
+    namespace {                                                                                                        \
+    [[maybe_unused]] const bool registered_##Class = zentrik::test::registerTestClass(                                 \
+        #Class, [] { return std::unique_ptr<QObject>(new Class); }, true);                                             \
     }

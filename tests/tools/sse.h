@@ -11,20 +11,18 @@ namespace ssefixture {
 
 inline QByteArray chunk(const QString &text)
 {
-    const QJsonObject choice{{QStringLiteral("index"), 0},
-                             {QStringLiteral("delta"), QJsonObject{{QStringLiteral("content"), text}}},
-                             {QStringLiteral("finish_reason"), QJsonValue()}};
-    const QJsonObject object{{QStringLiteral("id"), QStringLiteral("c1")},
-                             {QStringLiteral("object"), QStringLiteral("chat.completion.chunk")},
-                             {QStringLiteral("created"), 1},
-                             {QStringLiteral("model"), QStringLiteral("m")},
-                             {QStringLiteral("choices"), QJsonArray{choice}}};
+    const QJsonObject choice { { QStringLiteral("index"), 0 },
+        { QStringLiteral("delta"), QJsonObject { { QStringLiteral("content"), text } } },
+        { QStringLiteral("finish_reason"), QJsonValue() } };
+    const QJsonObject object { { QStringLiteral("id"), QStringLiteral("c1") },
+        { QStringLiteral("object"), QStringLiteral("chat.completion.chunk") }, { QStringLiteral("created"), 1 },
+        { QStringLiteral("model"), QStringLiteral("m") }, { QStringLiteral("choices"), QJsonArray { choice } } };
     return "data: " + QJsonDocument(object).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
 inline QByteArray errorEvent(const QString &message)
 {
-    const QJsonObject object{{QStringLiteral("error"), QJsonObject{{QStringLiteral("message"), message}}}};
+    const QJsonObject object { { QStringLiteral("error"), QJsonObject { { QStringLiteral("message"), message } } } };
     return "data: " + QJsonDocument(object).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
@@ -32,15 +30,18 @@ inline const QByteArray done = "data: [DONE]\n\n";
 
 inline QByteArray completion(const QString &text)
 {
-    const QJsonObject message{{QStringLiteral("role"), QStringLiteral("assistant")}, {QStringLiteral("content"), text}};
-    const QJsonObject object{{QStringLiteral("choices"), QJsonArray{QJsonObject{{QStringLiteral("message"), message}}}}};
+    const QJsonObject message { { QStringLiteral("role"), QStringLiteral("assistant") },
+        { QStringLiteral("content"), text } };
+    const QJsonObject object { { QStringLiteral("choices"),
+        QJsonArray { QJsonObject { { QStringLiteral("message"), message } } } } };
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
 inline QByteArray anthropicReply(const QString &text)
 {
-    const QJsonObject block{{QStringLiteral("type"), QStringLiteral("text")}, {QStringLiteral("text"), text}};
-    return QJsonDocument(QJsonObject{{QStringLiteral("content"), QJsonArray{block}}}).toJson(QJsonDocument::Compact);
+    const QJsonObject block { { QStringLiteral("type"), QStringLiteral("text") }, { QStringLiteral("text"), text } };
+    return QJsonDocument(QJsonObject { { QStringLiteral("content"), QJsonArray { block } } })
+        .toJson(QJsonDocument::Compact);
 }
 
 } // namespace ssefixture

@@ -16,7 +16,7 @@ using test::ScriptedReply;
 namespace {
 QString lastUserContent(const test::RecordedRequest &request)
 {
-        return ssefixture::lastMessageText(request.json());
+    return ssefixture::lastMessageText(request.json());
 }
 } // namespace
 
@@ -31,8 +31,8 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({ssefixture::chunk(QStringLiteral("Missing ")),
-                                             ssefixture::chunk(QStringLiteral("operand.")), ssefixture::done}));
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Missing ")),
+                ssefixture::chunk(QStringLiteral("operand.")), ssefixture::done }));
         DevToolViewModel vm;
         QAbstractItemModelTester tester(vm.messages(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         vm.setApiManager(fixture.manager.get());
@@ -59,7 +59,8 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::sse({ssefixture::chunk(QStringLiteral("ok")), ssefixture::done}));
+        fixture.fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("ok")), ssefixture::done }));
         DevToolViewModel vm;
         vm.setApiManager(fixture.manager.get());
         vm.setTool(QStringLiteral("sampleData"));
@@ -74,7 +75,8 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("claude-3-haiku-20240307"));
-        fixture.fake->on("POST", "/v1/messages", ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Whole reply"))));
+        fixture.fake->on(
+            "POST", "/v1/messages", ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Whole reply"))));
         DevToolViewModel vm;
         vm.setApiManager(fixture.manager.get());
         QSignalSpy streaming(&vm, &DevToolViewModel::isStreamingChanged);
@@ -174,7 +176,8 @@ private Q_SLOTS:
         QTest::newRow("nothing detected") << QStringLiteral("  What is Qt?  ") << 0 << QStringLiteral("What is Qt?");
         QTest::newRow("original") << QStringLiteral("Which user can pass the login?") << 1
                                   << QStringLiteral("Which user can pass the login?");
-        QTest::newRow("redacted") << QStringLiteral("write to a@b.io") << 2 << QStringLiteral("write to [EMAIL_ADDRESS]");
+        QTest::newRow("redacted") << QStringLiteral("write to a@b.io") << 2
+                                  << QStringLiteral("write to [EMAIL_ADDRESS]");
     }
 
     void askConfirmationPaths()
@@ -184,7 +187,8 @@ private Q_SLOTS:
         QFETCH(QString, shown);
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::json(ssefixture::completion(QStringLiteral("Answer"))));
+        fixture.fake->on(
+            "POST", "/v1/chat/completions", ScriptedReply::json(ssefixture::completion(QStringLiteral("Answer"))));
         AskMeAnythingViewModel vm;
         QAbstractItemModelTester tester(vm.messages(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         vm.setApiManager(fixture.manager.get());
@@ -204,7 +208,7 @@ private Q_SLOTS:
         QCOMPARE(vm.messages()->at(0).content, shown);
         QCOMPARE(vm.messages()->at(1).content, QStringLiteral("Answer"));
         QCOMPARE(lastUserContent(fixture.fake->lastRequest()),
-                 QStringLiteral("Please check the following text for grammatical errors and provide corrections: ") + shown);
+            QStringLiteral("Please check the following text for grammatical errors and provide corrections: ") + shown);
         QVERIFY(vm.newMessage().isEmpty());
     }
 
@@ -231,8 +235,9 @@ private Q_SLOTS:
         vm.setNewMessage(QStringLiteral("hello"));
         vm.send();
         QTRY_VERIFY(!vm.isProcessing());
-        QCOMPARE(vm.errorMessage(), QStringLiteral("Invalid response received from the server.\n\nTip: Check your internet "
-                                                   "connection or try restarting the app."));
+        QCOMPARE(vm.errorMessage(),
+            QStringLiteral("Invalid response received from the server.\n\nTip: Check your internet "
+                           "connection or try restarting the app."));
         QCOMPARE(vm.messages()->count(), 1);
     }
 
@@ -266,7 +271,8 @@ private Q_SLOTS:
         QVERIFY(list.data(list.index(0), ChatMessageListModel::IsRuleRole).toBool());
         QVERIFY(!list.data(list.index(1), ChatMessageListModel::IsRuleRole).toBool());
         QVERIFY(!list.data(list.index(2), ChatMessageListModel::IsRuleRole).toBool());
-        QCOMPARE(list.data(list.index(2), ChatMessageListModel::SymbolRole).toString(), QStringLiteral("person.circle.fill"));
+        QCOMPARE(list.data(list.index(2), ChatMessageListModel::SymbolRole).toString(),
+            QStringLiteral("person.circle.fill"));
         QVERIFY(list.data(list.index(2), ChatMessageListModel::BlocksRole).value<QObject *>() == nullptr);
     }
 };

@@ -36,8 +36,8 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
         fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({ssefixture::chunk(QStringLiteral("# Acme\n\n")),
-                                             ssefixture::chunk(QStringLiteral("Built to **last**.")), ssefixture::done}));
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("# Acme\n\n")),
+                ssefixture::chunk(QStringLiteral("Built to **last**.")), ssefixture::done }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm);
@@ -63,7 +63,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
         fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({ssefixture::chunk(QStringLiteral("**Bold** move")), ssefixture::done}));
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("**Bold** move")), ssefixture::done }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm);
@@ -92,8 +92,9 @@ private Q_SLOTS:
         QTest::newRow("marketing") << QStringLiteral("marketing") << QStringLiteral("Slogan Generator") << refused;
         QTest::newRow("sales") << QStringLiteral("sales") << QString() << refused;
         QTest::newRow("hr") << QStringLiteral("human-resources") << QString() << refused;
-        QTest::newRow("customer support") << QStringLiteral("customer-support") << QString()
-                                          << QStringLiteral("Failed to generate content: API key is missing. Please add it in Settings.");
+        QTest::newRow("customer support")
+            << QStringLiteral("customer-support") << QString()
+            << QStringLiteral("Failed to generate content: API key is missing. Please add it in Settings.");
     }
 
     void modelAndKeyCheckPerFamily()
@@ -118,7 +119,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("mistralai/mistral-7b-instruct:free"), QString(), QString());
         fixture.fake->on("POST", "/api/v1/chat/completions",
-                         ScriptedReply::sse({ssefixture::chunk(QStringLiteral("free words")), ssefixture::done}));
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("free words")), ssefixture::done }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm);
@@ -141,11 +142,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("choice"); // 0: nothing detected, 1: send original, 2: send redacted
         QTest::addColumn<QString>("sentHas");
         QTest::addColumn<QString>("sentLacks");
-        QTest::newRow("nothing detected") << QStringLiteral("Acme") << 0 << QStringLiteral("Acme") << QStringLiteral("[EMAIL_ADDRESS]");
+        QTest::newRow("nothing detected")
+            << QStringLiteral("Acme") << 0 << QStringLiteral("Acme") << QStringLiteral("[EMAIL_ADDRESS]");
         QTest::newRow("original") << QStringLiteral("mail bob@example.com") << 1 << QStringLiteral("bob@example.com")
                                   << QStringLiteral("[EMAIL_ADDRESS]");
-        QTest::newRow("redacted") << QStringLiteral("mail bob@example.com") << 2 << QStringLiteral("mail [EMAIL_ADDRESS]")
-                                  << QStringLiteral("bob@example.com");
+        QTest::newRow("redacted") << QStringLiteral("mail bob@example.com") << 2
+                                  << QStringLiteral("mail [EMAIL_ADDRESS]") << QStringLiteral("bob@example.com");
     }
 
     void personalInformationPaths()
@@ -156,7 +158,8 @@ private Q_SLOTS:
         QFETCH(QString, sentLacks);
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
-        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::sse({ssefixture::chunk(QStringLiteral("ok")), ssefixture::done}));
+        fixture.fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("ok")), ssefixture::done }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm, brand);
@@ -183,7 +186,8 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::sse({ssefixture::chunk(QStringLiteral("ok")), ssefixture::done}));
+        fixture.fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("ok")), ssefixture::done }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         vm.setFamily(QStringLiteral("customer-support"));
@@ -203,15 +207,16 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
         fixture.fake->on("POST", "/v1/chat/completions",
-                         ScriptedReply::sse({ssefixture::chunk(QStringLiteral("one ")), ssefixture::chunk(QStringLiteral("two")),
-                                             ssefixture::errorEvent(QStringLiteral("Rate limit exceeded"))}));
+            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("one ")), ssefixture::chunk(QStringLiteral("two")),
+                ssefixture::errorEvent(QStringLiteral("Rate limit exceeded")) }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm);
         vm.generate();
         QTRY_VERIFY(!vm.isGenerating());
         QCOMPARE(vm.output(), QStringLiteral("one two"));
-        QVERIFY2(vm.errorMessage().startsWith(QStringLiteral("Failed to generate content: ")), qPrintable(vm.errorMessage()));
+        QVERIFY2(vm.errorMessage().startsWith(QStringLiteral("Failed to generate content: ")),
+            qPrintable(vm.errorMessage()));
         QVERIFY(vm.errorMessage().contains(QStringLiteral("Rate limit exceeded")));
         QVERIFY(!vm.isStreaming());
         // The form stays and can be sent again.
@@ -223,8 +228,8 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
-        ScriptedReply reply = ScriptedReply::sse({ssefixture::chunk(QStringLiteral("first")), ssefixture::chunk(QStringLiteral("late")),
-                                                 ssefixture::done});
+        ScriptedReply reply = ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("first")),
+            ssefixture::chunk(QStringLiteral("late")), ssefixture::done });
         reply.pieces[1].pauseBefore = 3000ms;
         fixture.fake->on("POST", "/v1/chat/completions", reply);
         GeneratorViewModel vm;

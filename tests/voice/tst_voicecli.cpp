@@ -273,7 +273,8 @@ private Q_SLOTS:
         {
             VoiceNoteManager window;
             for (int i = 0; i < 5; ++i) {
-                QVERIFY(window.add(VoiceNote::create(QStringLiteral("Note %1").arg(i), QString(5000, QLatin1Char('a' + i)))));
+                QVERIFY(window.add(
+                    VoiceNote::create(QStringLiteral("Note %1").arg(i), QString(5000, QLatin1Char('a' + i)))));
             }
             firstId = window.notes().first().id;
         }
@@ -321,7 +322,7 @@ private Q_SLOTS:
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.err.count(QLatin1Char('\n')), 1);
         QVERIFY2(result.err.startsWith(QStringLiteral("zentrik-cli: ")) && result.err.contains(conf),
-                 qPrintable(result.err));
+            qPrintable(result.err));
         QCOMPARE(readAll(conf), before);
         QCOMPARE(dir.entryList(QDir::Files | QDir::Hidden), filesBefore);
     }
@@ -346,7 +347,8 @@ private Q_SLOTS:
             auto process = std::make_unique<QProcess>();
             QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
             env.insert(QStringLiteral("OPENAI_API_KEY"), QStringLiteral("sk-cli"));
-            env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
+            env.insert(
+                QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
             process->setProcessEnvironment(env);
             process->start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
             processes.push_back(std::move(process));
@@ -379,7 +381,7 @@ private Q_SLOTS:
             }
         }
         qInfo("Of 20 parallel writers: %d of 10 adds, %d of 6 edits, %d of 4 deletes kept", added, edited,
-              4 - deletedLeft);
+            4 - deletedLeft);
         QCOMPARE(added, 10);
         QCOMPARE(edited, 6);
         QCOMPARE(deletedLeft, 0);
