@@ -6,21 +6,14 @@
 
 #include "chat/anthropicstreamdecoder.h"
 #include "chat/chatstreamdecoder.h"
+#include "support/chunkline.h"
 #include "support/testregistry.h"
 
 using namespace zentrik;
 
-namespace {
+using test::chunkLine;
 
-// One "data: " line of a chat completion chunk carrying text and, optionally, a finish reason.
-QByteArray chunkLine(const QString &text, const QString &finishReason = {})
-{
-    QJsonObject choice { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } };
-    choice.insert("finish_reason", finishReason.isEmpty() ? QJsonValue() : QJsonValue(finishReason));
-    const QJsonObject chunk { { "id", "gen-1" }, { "object", "chat.completion.chunk" }, { "created", 1 },
-        { "model", "m" }, { "choices", QJsonArray { choice } } };
-    return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
-}
+namespace {
 
 struct Decoded
 {

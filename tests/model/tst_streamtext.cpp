@@ -6,6 +6,7 @@
 
 #include "buildconfig.h"
 #include "providerfixture.h"
+#include "support/chunkline.h"
 #include "support/testregistry.h"
 
 using namespace zentrik;
@@ -13,16 +14,9 @@ using namespace std::chrono_literals;
 using test::Clock;
 using test::ScriptedReply;
 
-namespace {
+using test::chunkLine;
 
-QByteArray chunkLine(const QString &text, const QString &finishReason = {})
-{
-    QJsonObject choice { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } };
-    choice.insert("finish_reason", finishReason.isEmpty() ? QJsonValue() : QJsonValue(finishReason));
-    const QJsonObject chunk { { "id", "gen-1" }, { "object", "chat.completion.chunk" }, { "created", 1 },
-        { "model", "m" }, { "choices", QJsonArray { choice } } };
-    return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
-}
+namespace {
 
 QByteArray anthropicEvent(const char *type, const QJsonObject &fields = {})
 {
