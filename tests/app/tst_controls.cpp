@@ -116,8 +116,8 @@ class ControlsTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<ScopedConfigDir> m_config;
-    std::unique_ptr<FakeProvider> m_fake;
+    std::unique_ptr<WindowTestEnvironment> m_environment;
+    FakeProvider *m_fake = nullptr;
 
     static QQuickItem *focused(QQuickWindow *window) { return window->activeFocusItem(); }
 
@@ -158,18 +158,14 @@ class ControlsTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_config = std::make_unique<ScopedConfigDir>();
-        m_fake = std::make_unique<FakeProvider>();
-        qputenv(LicenseGate::urlVariable, QByteArray());
-        qputenv("ZENTRIK_OPENAI_BASE_URL", m_fake->baseUrl().toString().toUtf8());
+        m_environment = std::make_unique<WindowTestEnvironment>();
+        m_fake = &m_environment->fake();
     }
 
     void cleanup()
     {
-        qunsetenv("ZENTRIK_OPENAI_BASE_URL");
-        qunsetenv(LicenseGate::urlVariable);
-        m_fake.reset();
-        m_config.reset();
+        m_fake = nullptr;
+        m_environment.reset();
     }
 
     void popupsHaveOpaqueBodies_data()

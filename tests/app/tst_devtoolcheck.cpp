@@ -23,8 +23,8 @@ class DevToolCheckTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<ScopedConfigDir> m_config;
-    std::unique_ptr<FakeProvider> m_fake;
+    std::unique_ptr<WindowTestEnvironment> m_environment;
+    FakeProvider *m_fake = nullptr;
 
     struct Case
     {
@@ -55,27 +55,17 @@ class DevToolCheckTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_config = std::make_unique<ScopedConfigDir>();
-        m_fake = std::make_unique<FakeProvider>();
+        m_environment = std::make_unique<WindowTestEnvironment>();
+        m_fake = &m_environment->fake();
         m_fake->on("POST", "/v1/chat/completions",
             ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Fixed.")), ssefixture::done }));
         m_fake->on("POST", "/v1/messages", ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Fixed."))));
-        qputenv(LicenseGate::urlVariable, QByteArray());
-        for (const char *variable :
-            { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL", "ZENTRIK_OPENROUTER_BASE_URL" }) {
-            qputenv(variable, m_fake->baseUrl().toString().toUtf8());
-        }
     }
 
     void cleanup()
     {
-        for (const char *variable :
-            { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL", "ZENTRIK_OPENROUTER_BASE_URL" }) {
-            qunsetenv(variable);
-        }
-        qunsetenv(LicenseGate::urlVariable);
-        m_fake.reset();
-        m_config.reset();
+        m_fake = nullptr;
+        m_environment.reset();
     }
 
     void checksEveryModelBeforeSending_data()

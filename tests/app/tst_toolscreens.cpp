@@ -29,8 +29,8 @@ class ToolScreensTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<ScopedConfigDir> m_config;
-    std::unique_ptr<FakeProvider> m_fake;
+    std::unique_ptr<WindowTestEnvironment> m_environment;
+    FakeProvider *m_fake = nullptr;
     QTemporaryDir m_files;
 
     static ContentViewModel *navigationOf(const ZentrikApp &app)
@@ -69,21 +69,14 @@ class ToolScreensTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_config = std::make_unique<ScopedConfigDir>();
-        m_fake = std::make_unique<FakeProvider>();
-        qputenv(LicenseGate::urlVariable, QByteArray());
-        for (const char *variable : { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL" }) {
-            qputenv(variable, m_fake->baseUrl().toString().toUtf8());
-        }
+        m_environment = std::make_unique<WindowTestEnvironment>();
+        m_fake = &m_environment->fake();
     }
 
     void cleanup()
     {
-        qunsetenv("ZENTRIK_OPENAI_BASE_URL");
-        qunsetenv("ZENTRIK_ANTHROPIC_BASE_URL");
-        qunsetenv(LicenseGate::urlVariable);
-        m_fake.reset();
-        m_config.reset();
+        m_fake = nullptr;
+        m_environment.reset();
     }
 
     void generatorStreamsTheReplyAndCopiesItCleaned()

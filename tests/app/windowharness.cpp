@@ -1,5 +1,7 @@
 #include "windowharness.h"
 
+#include "app/licensegate.h"
+
 #include "app/zentrikapp.h"
 
 #include <QDir>
@@ -11,6 +13,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
+#include <array>
 
 Q_IMPORT_QML_PLUGIN(ZentrikPlugin)
 
@@ -160,6 +163,27 @@ void typeText(QQuickWindow *window, const QString &text)
     for (const QChar character : text) {
         QTest::keyClick(window, character.toLatin1());
     }
+}
+
+namespace {
+constexpr std::array providerVariables { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL",
+    "ZENTRIK_OPENROUTER_BASE_URL" };
+} // namespace
+
+WindowTestEnvironment::WindowTestEnvironment()
+{
+    qputenv(LicenseGate::urlVariable, QByteArray());
+    for (const char *variable : providerVariables) {
+        qputenv(variable, m_fake.baseUrl().toString().toUtf8());
+    }
+}
+
+WindowTestEnvironment::~WindowTestEnvironment()
+{
+    for (const char *variable : providerVariables) {
+        qunsetenv(variable);
+    }
+    qunsetenv(LicenseGate::urlVariable);
 }
 
 ScopedConfigDir::ScopedConfigDir()

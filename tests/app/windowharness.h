@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include "support/fakeprovider.h"
+
 #include <memory>
 
 class QQmlEngine;
@@ -57,6 +59,23 @@ public:
 
 private:
     QTemporaryDir m_dir;
+};
+
+// What a window test starts from: its own preferences folder, a fake provider behind the
+// OpenAI, Anthropic and OpenRouter addresses, and no licence check; all undone when it goes.
+class WindowTestEnvironment
+{
+public:
+    WindowTestEnvironment();
+    ~WindowTestEnvironment();
+    WindowTestEnvironment(const WindowTestEnvironment &) = delete;
+    WindowTestEnvironment &operator=(const WindowTestEnvironment &) = delete;
+
+    [[nodiscard]] FakeProvider &fake() { return m_fake; }
+
+private:
+    ScopedConfigDir m_config;
+    FakeProvider m_fake;
 };
 
 // Style and import path as the program sets them, for tests that build their own engine.
