@@ -9,6 +9,9 @@ import Zentrik
 ScrollingPage {
     id: page
 
+    // The example whose text the copier holds, marked while it says so.
+    property int copiedExample: -1
+
     signal openSettingsRequested
 
     objectName: "imageGeneratorView"
@@ -27,6 +30,7 @@ ScrollingPage {
     ClipboardCopier {
         id: copier
         cleanUp: false
+        onIsCopiedChanged: if (!copier.isCopied) page.copiedExample = -1
     }
 
     ScreenHeading {
@@ -136,9 +140,12 @@ ScrollingPage {
         Layout.fillWidth: true
         examples: studio.examplePrompts
         expanded: studio.showExamples
-        copiedIndex: studio.copiedPromptIndex
+        copiedIndex: copier.isCopied ? page.copiedExample : -1
         onToggled: studio.toggleExamples()
-        onCopyRequested: index => studio.copyExample(index)
+        onCopyRequested: index => {
+            page.copiedExample = index;
+            studio.copyExample(index);
+        }
     }
 
     FilePicker {

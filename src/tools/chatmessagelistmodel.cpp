@@ -33,8 +33,6 @@ QVariant ChatMessageListModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
     case ContentRole:
         return entry.record.content;
-    case IsCopiedRole:
-        return !m_copiedId.isEmpty() && entry.record.id == m_copiedId;
     case BlocksRole:
         return QVariant::fromValue<QObject *>(entry.blocks.get());
     case IsRuleRole:
@@ -50,8 +48,8 @@ QVariant ChatMessageListModel::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> ChatMessageListModel::roleNames() const
 {
-    return { { IdRole, "messageId" }, { RoleRole, "role" }, { ContentRole, "content" }, { IsCopiedRole, "isCopied" },
-        { BlocksRole, "blocks" }, { IsRuleRole, "isRule" }, { SymbolRole, "symbol" }, { IsStoppedRole, "isStopped" } };
+    return { { IdRole, "messageId" }, { RoleRole, "role" }, { ContentRole, "content" }, { BlocksRole, "blocks" },
+        { IsRuleRole, "isRule" }, { SymbolRole, "symbol" }, { IsStoppedRole, "isStopped" } };
 }
 
 QString ChatMessageListModel::append(ChatMessageRecord::Role role, const QString &content, bool stopped)
@@ -78,33 +76,8 @@ void ChatMessageListModel::clear()
     }
     beginResetModel();
     m_entries.clear();
-    m_copiedId.clear();
     endResetModel();
     Q_EMIT countChanged();
-}
-
-int ChatMessageListModel::indexOf(const QString &id) const
-{
-    for (size_t row = 0; row < m_entries.size(); ++row) {
-        if (m_entries[row].record.id == id) {
-            return int(row);
-        }
-    }
-    return -1;
-}
-
-void ChatMessageListModel::setCopiedId(const QString &id)
-{
-    if (m_copiedId == id) {
-        return;
-    }
-    const int before = indexOf(m_copiedId);
-    m_copiedId = id;
-    for (int row : { before, indexOf(id) }) {
-        if (row >= 0) {
-            Q_EMIT dataChanged(index(row), index(row), { IsCopiedRole });
-        }
-    }
 }
 
 } // namespace zentrik

@@ -37,7 +37,6 @@ public:
         IdRole = Qt::UserRole + 1,
         RoleRole, // "user" or "assistant"
         ContentRole, // the text as shown (and copied)
-        IsCopiedRole, // the copy button shows its copied state
         BlocksRole, // MarkdownModel* of an assistant message; null for user messages
         IsRuleRole, // an assistant reply that the divider pattern matches
         SymbolRole, // "person.circle.fill" or "brain.head.profile"
@@ -58,11 +57,6 @@ public:
 
     [[nodiscard]] int count() const { return int(m_entries.size()); }
     [[nodiscard]] const ChatMessageRecord &at(int row) const { return m_entries.at(size_t(row)).record; }
-    [[nodiscard]] int indexOf(const QString &id) const;
-
-    [[nodiscard]] QString copiedId() const { return m_copiedId; }
-    // Marks one message as just copied (an empty id clears the mark).
-    void setCopiedId(const QString &id);
 
 Q_SIGNALS:
     void countChanged();
@@ -75,7 +69,6 @@ private:
         bool isRule = false;
     };
     std::vector<Entry> m_entries;
-    QString m_copiedId;
 };
 
 } // namespace zentrik

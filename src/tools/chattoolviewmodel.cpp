@@ -1,6 +1,5 @@
 #include "tools/chattoolviewmodel.h"
 
-#include "render/markdownstrip.h"
 #include "tools/chatmessagelistmodel.h"
 
 namespace zentrik {
@@ -8,14 +7,7 @@ namespace zentrik {
 ChatToolViewModel::ChatToolViewModel(QObject *parent)
     : QObject(parent)
     , m_messages(new ChatMessageListModel(this))
-{
-    m_copiedTimer.setSingleShot(true);
-    m_copiedTimer.setInterval(copiedFeedbackMs);
-    connect(&m_copiedTimer, &QTimer::timeout, this, [this] {
-        m_messages->setCopiedId(QString());
-        Q_EMIT copiedMessageIdChanged();
-    });
-}
+{ }
 
 ChatToolViewModel::~ChatToolViewModel() = default;
 
@@ -26,25 +18,6 @@ void ChatToolViewModel::setApiManager(APIManager *apiManager)
     }
     m_apiManager = apiManager;
     Q_EMIT apiManagerChanged();
-}
-
-QString ChatToolViewModel::copiedMessageId() const
-{
-    return m_messages->copiedId();
-}
-
-void ChatToolViewModel::copyMessage(const QString &messageId)
-{
-    const int row = m_messages->indexOf(messageId);
-    if (row < 0) {
-        return;
-    }
-    const ChatMessageRecord &message = m_messages->at(row);
-    Q_EMIT copyRequested(
-        message.role == ChatMessageRecord::Role::assistant ? stripMarkdown(message.content) : message.content);
-    m_messages->setCopiedId(messageId);
-    Q_EMIT copiedMessageIdChanged();
-    m_copiedTimer.start();
 }
 
 void ChatToolViewModel::setErrorMessage(const QString &message, bool opensSettings)

@@ -4,7 +4,6 @@
 #include "privacy/piialertviewmodel.h"
 #include "privacy/piimanager.h"
 #include "render/markdownmodel.h"
-#include "render/markdownstrip.h"
 #include "tools/assistantfamily.h"
 #include "tools/streamcoalescer.h"
 
@@ -17,9 +16,6 @@ GeneratorViewModel::GeneratorViewModel(QObject *parent)
     , m_coalescer(new StreamCoalescer(this))
 {
     m_family = &AssistantFamily::marketing();
-    m_copiedTimer.setSingleShot(true);
-    m_copiedTimer.setInterval(copiedFeedbackMs);
-    connect(&m_copiedTimer, &QTimer::timeout, this, [this] { setCopied(false); });
     connect(m_coalescer, &StreamCoalescer::flushed, this, &GeneratorViewModel::appendOutput);
 }
 
@@ -161,16 +157,6 @@ bool GeneratorViewModel::canGenerate() const
     return !m_selectedTitle.isEmpty() && !m_isGenerating && m_apiManager;
 }
 
-QString GeneratorViewModel::copyLabel() const
-{
-    return m_isCopied ? tr("Copied!") : tr("Copy to Clipboard");
-}
-
-QString GeneratorViewModel::copySymbol() const
-{
-    return m_isCopied ? QStringLiteral("checkmark") : QStringLiteral("doc.on.doc");
-}
-
 void GeneratorViewModel::generate()
 {
     if (m_isGenerating || !m_apiManager) {
@@ -263,16 +249,6 @@ void GeneratorViewModel::stop()
     }
 }
 
-void GeneratorViewModel::copy()
-{
-    if (m_output.isEmpty()) {
-        return;
-    }
-    Q_EMIT copyRequested(stripMarkdown(m_output));
-    setCopied(true);
-    m_copiedTimer.start();
-}
-
 void GeneratorViewModel::setGenerating(bool generating, bool streaming)
 {
     if (m_isStreaming != streaming) {
@@ -295,15 +271,6 @@ void GeneratorViewModel::setErrorMessage(const QString &message, bool opensSetti
     m_errorMessage = message;
     m_errorOpensSettings = opensSettings;
     Q_EMIT errorMessageChanged();
-}
-
-void GeneratorViewModel::setCopied(bool copied)
-{
-    if (m_isCopied == copied) {
-        return;
-    }
-    m_isCopied = copied;
-    Q_EMIT isCopiedChanged();
 }
 
 } // namespace zentrik

@@ -7,7 +7,6 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QTimer>
 #include <QVariantList>
 #include <QVariantMap>
 
@@ -47,14 +46,11 @@ class GeneratorViewModel : public QObject
     Q_PROPERTY(bool isStreaming READ isStreaming NOTIFY isStreamingChanged FINAL)
     // The reply shown was stopped by the user before it was complete.
     Q_PROPERTY(bool wasStopped READ wasStopped NOTIFY outputChanged FINAL)
-    Q_PROPERTY(bool isCopied READ isCopied NOTIFY isCopiedChanged FINAL)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
     // Whether the error is one the user fixes in Settings (a missing key, no usable model).
     Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)
     Q_PROPERTY(PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
     Q_PROPERTY(bool canGenerate READ canGenerate NOTIFY canGenerateChanged FINAL)
-    Q_PROPERTY(QString copyLabel READ copyLabel NOTIFY isCopiedChanged FINAL)
-    Q_PROPERTY(QString copySymbol READ copySymbol NOTIFY isCopiedChanged FINAL)
 
 public:
     explicit GeneratorViewModel(QObject *parent = nullptr);
@@ -89,14 +85,11 @@ public:
     [[nodiscard]] MarkdownModel *outputBlocks() const { return m_outputBlocks; }
     [[nodiscard]] bool isGenerating() const { return m_isGenerating; }
     [[nodiscard]] bool isStreaming() const { return m_isStreaming; }
-    [[nodiscard]] bool isCopied() const { return m_isCopied; }
     [[nodiscard]] QString errorMessage() const { return m_errorMessage; }
     [[nodiscard]] bool wasStopped() const { return m_wasStopped; }
     [[nodiscard]] bool errorOpensSettings() const { return m_errorOpensSettings; }
     [[nodiscard]] PiiAlertViewModel *piiAlertVM() const { return m_piiAlert; }
     [[nodiscard]] bool canGenerate() const;
-    [[nodiscard]] QString copyLabel() const;
-    [[nodiscard]] QString copySymbol() const;
 
     Q_INVOKABLE void generate();
     // The two answers of the personal-information dialog.
@@ -104,10 +97,6 @@ public:
     Q_INVOKABLE void sendRedacted();
     // Stops a running generation, keeping the text shown so far, with no error.
     Q_INVOKABLE void stop();
-    // Hands the output, cleaned of Markdown, to copyRequested and shows "Copied!" for a while.
-    Q_INVOKABLE void copy();
-
-    static constexpr int copiedFeedbackMs = 2000;
 
 Q_SIGNALS:
     void apiManagerChanged();
@@ -118,11 +107,8 @@ Q_SIGNALS:
     void outputChanged();
     void isGeneratingChanged();
     void isStreamingChanged();
-    void isCopiedChanged();
     void errorMessageChanged();
     void canGenerateChanged();
-    // The window puts the text on the clipboard.
-    void copyRequested(const QString &plainText);
 
 private:
     void send(const QString &prompt);
@@ -130,7 +116,6 @@ private:
     void finish(const std::optional<APIError> &error);
     void setGenerating(bool generating, bool streaming);
     void setErrorMessage(const QString &message, bool opensSettings = false);
-    void setCopied(bool copied);
 
     QPointer<APIManager> m_apiManager;
     const AssistantFamily *m_family = nullptr;
@@ -141,7 +126,6 @@ private:
     QString m_pendingPrompt; // the prompt waiting for the user's choice in the dialog
     bool m_isGenerating = false;
     bool m_isStreaming = false;
-    bool m_isCopied = false;
     QString m_errorMessage;
     bool m_errorOpensSettings = false;
     APIManager::StreamId m_stream = 0;
@@ -150,7 +134,6 @@ private:
     MarkdownModel *m_outputBlocks;
     PiiAlertViewModel *m_piiAlert;
     StreamCoalescer *m_coalescer;
-    QTimer m_copiedTimer;
 };
 
 } // namespace zentrik

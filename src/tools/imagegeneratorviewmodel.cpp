@@ -13,11 +13,7 @@ namespace zentrik {
 
 ImageGeneratorViewModel::ImageGeneratorViewModel(QObject *parent)
     : QObject(parent)
-{
-    m_copiedTimer.setSingleShot(true);
-    m_copiedTimer.setInterval(copiedFeedbackMs);
-    connect(&m_copiedTimer, &QTimer::timeout, this, [this] { setCopiedPromptIndex(-1); });
-}
+{ }
 
 ImageGeneratorViewModel::~ImageGeneratorViewModel() = default;
 
@@ -109,8 +105,6 @@ void ImageGeneratorViewModel::copyExample(int index)
     }
     setPrompt(examples.at(index).text);
     Q_EMIT copyRequested(examples.at(index).text);
-    setCopiedPromptIndex(index);
-    m_copiedTimer.start();
 }
 
 void ImageGeneratorViewModel::generate()
@@ -269,15 +263,6 @@ void ImageGeneratorViewModel::setErrorMessage(const QString &message, bool opens
     m_errorMessage = message;
     m_errorOpensSettings = opensSettings;
     Q_EMIT errorMessageChanged();
-}
-
-void ImageGeneratorViewModel::setCopiedPromptIndex(int index)
-{
-    if (m_copiedPromptIndex == index) {
-        return;
-    }
-    m_copiedPromptIndex = index;
-    Q_EMIT copiedPromptIndexChanged();
 }
 
 } // namespace zentrik

@@ -7,7 +7,6 @@
 #include <QSize>
 #include <QStringList>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QUrl>
 #include <QVariantList>
 
@@ -41,8 +40,6 @@ class ImageGeneratorViewModel : public QObject
     Q_PROPERTY(bool showExamples READ showExamples WRITE setShowExamples NOTIFY showExamplesChanged FINAL)
     // [{title, text}] in the order shown.
     Q_PROPERTY(QVariantList examplePrompts READ examplePrompts CONSTANT FINAL)
-    // The example whose text was copied last, for a while; -1 when none.
-    Q_PROPERTY(int copiedPromptIndex READ copiedPromptIndex NOTIFY copiedPromptIndexChanged FINAL)
     Q_PROPERTY(QString suggestedFileName READ suggestedFileName CONSTANT FINAL)
     // Where the save dialog proposes to write: the suggested name in the user's pictures folder.
     Q_PROPERTY(QUrl suggestedFileUrl READ suggestedFileUrl CONSTANT FINAL)
@@ -78,7 +75,6 @@ public:
     [[nodiscard]] bool showExamples() const { return m_showExamples; }
     void setShowExamples(bool show);
     [[nodiscard]] static QVariantList examplePrompts();
-    [[nodiscard]] int copiedPromptIndex() const { return m_copiedPromptIndex; }
     [[nodiscard]] static QString suggestedFileName() { return QStringLiteral("generated-image.png"); }
     [[nodiscard]] static QUrl suggestedFileUrl();
 
@@ -93,8 +89,6 @@ public:
     // a path). A failure shows "Failed to save image: " and the reason.
     Q_INVOKABLE bool save(const QUrl &file);
 
-    static constexpr int copiedFeedbackMs = 2000;
-
 Q_SIGNALS:
     void apiManagerChanged();
     void promptChanged();
@@ -106,7 +100,6 @@ Q_SIGNALS:
     void errorMessageChanged();
     void modelNameChanged();
     void showExamplesChanged();
-    void copiedPromptIndexChanged();
     // The window puts the text on the clipboard.
     void copyRequested(const QString &text);
     // The picture was written to path.
@@ -120,7 +113,6 @@ private:
     void setGenerating(bool generating);
     void setProgress(const QString &text, int queuePosition);
     void setErrorMessage(const QString &message, bool opensSettings = false);
-    void setCopiedPromptIndex(int index);
 
     QPointer<APIManager> m_apiManager;
     QString m_prompt;
@@ -134,11 +126,9 @@ private:
     QString m_errorMessage;
     bool m_errorOpensSettings = false;
     bool m_showExamples = false;
-    int m_copiedPromptIndex = -1;
     // Identifies the generation whose answers still count.
     quint64 m_generation = 0;
     QTemporaryDir m_cache;
-    QTimer m_copiedTimer;
 };
 
 } // namespace zentrik

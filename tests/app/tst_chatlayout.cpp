@@ -10,6 +10,8 @@
 #include "pdf/pdfchatviewmodel.h"
 #include "pdf/pdffixtures.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QWheelEvent>
@@ -83,6 +85,19 @@ QQuickItem *lowestCopyButton(QQuickWindow *window)
         }
     }
     return lowest;
+}
+
+// The copy button of the message that reads `content`.
+QQuickItem *copyButtonOf(QQuickWindow *window, const QString &content)
+{
+    for (QObject *object : allObjects(window->contentItem())) {
+        auto *item = qobject_cast<QQuickItem *>(object);
+        if (item && item->isVisible() && item->inherits("QQuickAbstractButton")
+            && item->property("copyText").toString() == content) {
+            return item;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -181,6 +196,38 @@ private Q_SLOTS:
         QTRY_VERIFY(isInView(lowestCopyButton(window), conversation));
         QTRY_VERIFY(!findItem(window, QStringLiteral("jumpToLatestButton"))->isVisible());
         saveScreenshots(window, QStringLiteral("ask-me-anything"));
+    }
+
+    // Each message has its own copy button: a reply goes to the clipboard cleaned of its
+    // Markdown, a question as it was typed, and each button says "Copied!" for a moment.
+    void copyButtonsCopyTheReplyCleanedAndTheQuestionAsTyped()
+    {
+        m_fake->on("POST", "/v1/chat/completions",
+            ScriptedReply::json(ssefixture::completion(QStringLiteral("# Title\n\n**bold**"))));
+        const auto app = openAskMeAnything();
+        QVERIFY(app);
+        QQuickWindow *window = app->window();
+        ask(window, QStringLiteral("**as typed**"));
+        QTRY_VERIFY_WITH_TIMEOUT(copyButtonOf(window, QStringLiteral("# Title\n\n**bold**")), 10000);
+        QQuickItem *replyButton = copyButtonOf(window, QStringLiteral("# Title\n\n**bold**"));
+        QQuickItem *questionButton = copyButtonOf(window, QStringLiteral("**as typed**"));
+        QVERIFY(questionButton);
+        const auto *replyCopier = replyButton->property("copier").value<QObject *>();
+        const auto *questionCopier = questionButton->property("copier").value<QObject *>();
+        QVERIFY(replyCopier && questionCopier);
+
+        QVERIFY(click(replyButton));
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("Title\n\nbold"));
+        QVERIFY(replyCopier->property("isCopied").toBool());
+        QCOMPARE(replyCopier->property("label").toString(), QStringLiteral("Copied!"));
+        QVERIFY(!questionCopier->property("isCopied").toBool());
+
+        QVERIFY(click(questionButton));
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("**as typed**"));
+        QVERIFY(questionCopier->property("isCopied").toBool());
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !replyCopier->property("isCopied").toBool() && !questionCopier->property("isCopied").toBool(), 4000);
+        QCOMPARE(replyCopier->property("label").toString(), QStringLiteral("Copy to Clipboard"));
     }
 
     // The wheel over a reply's table scrolls the conversation, not nothing.

@@ -6,6 +6,8 @@
 #include "tools/imagegeneratorviewmodel.h"
 #include "windowharness.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTemporaryDir>
@@ -195,11 +197,21 @@ private Q_SLOTS:
         QVERIFY(click(findItem(window, QStringLiteral("examplesToggle"))));
         QTRY_VERIFY(findItem(window, QStringLiteral("copyExample_Book Cover")));
         QVERIFY(visibleTexts(window).contains(QStringLiteral("E-commerce Banner")));
-        QVERIFY(click(findItem(window, QStringLiteral("copyExample_Book Cover"))));
+        QGuiApplication::clipboard()->clear();
+        QQuickItem *copyButton = findItem(window, QStringLiteral("copyExample_Book Cover"));
+        QVERIFY(click(copyButton));
         const QString text = findItem(window, QStringLiteral("promptField"))->property("text").toString();
         QVERIFY2(
             text.startsWith(QLatin1String("Design a captivating book cover for a fantasy novel")), qPrintable(text));
-        QCOMPARE(studio->copiedPromptIndex(), 4);
+        QCOMPARE(QGuiApplication::clipboard()->text(), text);
+        // Only the copied example shows the check mark, and only for a moment.
+        const auto symbol = [](QQuickItem *button) {
+            const auto *icon = button ? button->property("contentItem").value<QQuickItem *>() : nullptr;
+            return icon ? icon->property("symbol").toString() : QString();
+        };
+        QTRY_COMPARE(symbol(copyButton), QStringLiteral("checkmark"));
+        QCOMPARE(symbol(findItem(window, QStringLiteral("copyExample_Logo"))), QStringLiteral("doc.on.doc"));
+        QTRY_COMPARE_WITH_TIMEOUT(symbol(copyButton), QStringLiteral("doc.on.doc"), 4000);
     }
 };
 

@@ -113,13 +113,23 @@ private Q_SLOTS:
             QStringLiteral("gpt-3.5-turbo-1106"));
 
         QGuiApplication::clipboard()->clear();
-        QVERIFY(click(findItem(window, QStringLiteral("copyOutputButton"))));
+        QQuickItem *copyButton = findItem(window, QStringLiteral("copyOutputButton"));
+        QVERIFY(copyButton);
+        const auto *copier = copyButton->property("copier").value<QObject *>();
+        QVERIFY(copier);
+        QCOMPARE(copier->property("label").toString(), QStringLiteral("Copy to Clipboard"));
+        QVERIFY(click(copyButton));
         const QString copied = QGuiApplication::clipboard()->text();
         QCOMPARE(copied, stripMarkdown(expected));
         QVERIFY(!copied.contains(QLatin1String("**")));
         QVERIFY(!copied.contains(QLatin1String("##")));
         QTRY_VERIFY(visibleTexts(window).contains(QStringLiteral("Copied!")));
+        QCOMPARE(copier->property("symbol").toString(), QStringLiteral("checkmark"));
         saveScreenshots(window, QStringLiteral("generator"));
+        // The notice goes after a moment and the button reads as before.
+        QTRY_VERIFY_WITH_TIMEOUT(!copier->property("isCopied").toBool(), 4000);
+        QVERIFY(visibleTexts(window).contains(QStringLiteral("Copy to Clipboard")));
+        QCOMPARE(copier->property("symbol").toString(), QStringLiteral("doc.on.doc"));
     }
 
     void ctrlEnterGeneratesAndEscapeStopsKeepingThePartialReply()

@@ -241,27 +241,6 @@ private Q_SLOTS:
         QCOMPARE(vm.messages()->count(), 1);
     }
 
-    void copyMarksOneMessage()
-    {
-        AskMeAnythingViewModel vm;
-        ChatMessageListModel *list = vm.messages();
-        const QString user = list->append(ChatMessageRecord::Role::user, QStringLiteral("**as typed**"));
-        const QString reply = list->append(ChatMessageRecord::Role::assistant, QStringLiteral("# Title\n\n**bold**"));
-        QSignalSpy copied(&vm, &ChatToolViewModel::copyRequested);
-        QSignalSpy changed(list, &QAbstractItemModel::dataChanged);
-        vm.copyMessage(reply);
-        QCOMPARE(copied.last().first().toString(), QStringLiteral("Title\n\nbold"));
-        QCOMPARE(vm.copiedMessageId(), reply);
-        QVERIFY(list->data(list->index(1), ChatMessageListModel::IsCopiedRole).toBool());
-        vm.copyMessage(user);
-        QCOMPARE(copied.last().first().toString(), QStringLiteral("**as typed**"));
-        QVERIFY(!list->data(list->index(1), ChatMessageListModel::IsCopiedRole).toBool());
-        QCOMPARE(changed.count(), 3);
-        vm.copyMessage(QStringLiteral("no such id"));
-        QCOMPARE(copied.count(), 2);
-        QTRY_VERIFY_WITH_TIMEOUT(vm.copiedMessageId().isEmpty(), ChatToolViewModel::copiedFeedbackMs + 1000);
-    }
-
     void ruleRepliesAreMarked()
     {
         ChatMessageListModel list;

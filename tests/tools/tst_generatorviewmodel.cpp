@@ -58,29 +58,6 @@ private Q_SLOTS:
         QCOMPARE(vm.outputBlocks()->blocks().first().type, MarkdownBlock::Type::Heading);
     }
 
-    void copyHandsOverCleanTextAndFallsBack()
-    {
-        ProviderFixture fixture;
-        fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
-        fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("**Bold** move")), ssefixture::done }));
-        GeneratorViewModel vm;
-        vm.setApiManager(fixture.manager.get());
-        fillSlogan(vm);
-        vm.generate();
-        QTRY_VERIFY(!vm.isGenerating());
-        QSignalSpy copied(&vm, &GeneratorViewModel::copyRequested);
-        QCOMPARE(vm.copyLabel(), QStringLiteral("Copy to Clipboard"));
-        vm.copy();
-        QCOMPARE(copied.count(), 1);
-        QCOMPARE(copied.first().first().toString(), QStringLiteral("Bold move"));
-        QVERIFY(vm.isCopied());
-        QCOMPARE(vm.copyLabel(), QStringLiteral("Copied!"));
-        QCOMPARE(vm.copySymbol(), QStringLiteral("checkmark"));
-        QTRY_VERIFY_WITH_TIMEOUT(!vm.isCopied(), GeneratorViewModel::copiedFeedbackMs + 1000);
-        QCOMPARE(vm.copySymbol(), QStringLiteral("doc.on.doc"));
-    }
-
     // Marketing, sales and HR refuse before sending; customer support sends and shows the
     // failure the request brings back.
     void modelAndKeyCheckPerFamily_data()
