@@ -7,13 +7,9 @@ namespace zentrik {
 ReplyDocument::ReplyDocument(QObject *parent)
     : QObject(parent)
 {
-    m_frameTimer.setSingleShot(true);
-    m_frameTimer.setInterval(defaultFrameInterval);
-    connect(&m_frameTimer, &QTimer::timeout, this, [this] {
-        if (m_pending) {
-            apply();
-            m_frameTimer.start();
-        }
+    connect(&m_coalescer, &StreamCoalescer::flushed, this, [this](const QString &piece) {
+        m_blocks.appendText(piece);
+        updateRule();
     });
 }
 
@@ -22,37 +18,34 @@ void ReplyDocument::setSource(const QString &source)
     if (m_source == source) {
         return;
     }
-    m_source = source;
+    const QString previous = std::exchange(m_source, source);
     Q_EMIT sourceChanged();
-    if (m_frameTimer.isActive()) {
-        m_pending = true;
+    if (m_source.startsWith(previous)) {
+        m_coalescer.append(m_source.sliced(previous.size()));
         return;
     }
-    apply();
-    m_frameTimer.start();
+    m_coalescer.discard();
+    m_blocks.setText(m_source);
+    updateRule();
 }
 
 void ReplyDocument::setFrameInterval(int milliseconds)
 {
-    if (milliseconds == m_frameTimer.interval()) {
+    if (milliseconds == m_coalescer.interval()) {
         return;
     }
-    m_frameTimer.setInterval(qMax(0, milliseconds));
+    m_coalescer.setInterval(milliseconds);
     Q_EMIT frameIntervalChanged();
 }
 
 void ReplyDocument::flush()
 {
-    if (m_pending) {
-        apply();
-    }
+    m_coalescer.flush();
 }
 
-void ReplyDocument::apply()
+void ReplyDocument::updateRule()
 {
-    m_pending = false;
-    m_blocks.setText(m_source);
-    const bool rule = matchesRulePattern(m_source);
+    const bool rule = matchesRulePattern(m_blocks.text());
     if (rule != m_showsRule) {
         m_showsRule = rule;
         Q_EMIT showsRuleChanged();

@@ -1,18 +1,19 @@
 #pragma once
 
 #include "render/markdownmodel.h"
+#include "tools/streamcoalescer.h"
 
 #include <QObject>
 #include <QString>
-#include <QTimer>
 #include <QtQmlIntegration>
 
 namespace zentrik {
 
 // One reply on screen: its Markdown source and the blocks a view draws. A streamed reply
-// may change its source many times per frame; the blocks follow at most once per frame
-// interval (the first change at once, later ones coalesced), so the window stays
-// responsive however fast the pieces arrive.
+// may grow its source many times per frame; what it grows by reaches the blocks through a
+// StreamCoalescer, at most once per frame interval, so the window stays responsive however
+// fast the pieces arrive. A source that does not continue the one before (another reply)
+// replaces the blocks at once.
 class ReplyDocument : public QObject
 {
     Q_OBJECT
@@ -24,15 +25,13 @@ class ReplyDocument : public QObject
     Q_PROPERTY(int frameInterval READ frameInterval WRITE setFrameInterval NOTIFY frameIntervalChanged FINAL)
 
 public:
-    static constexpr int defaultFrameInterval = 16;
-
     explicit ReplyDocument(QObject *parent = nullptr);
 
     [[nodiscard]] QString source() const { return m_source; }
     void setSource(const QString &source);
     [[nodiscard]] MarkdownModel *blocks() { return &m_blocks; }
     [[nodiscard]] bool showsRule() const { return m_showsRule; }
-    [[nodiscard]] int frameInterval() const { return m_frameTimer.interval(); }
+    [[nodiscard]] int frameInterval() const { return m_coalescer.interval(); }
     void setFrameInterval(int milliseconds);
 
     // Brings the blocks up to date with the source now.
@@ -44,13 +43,12 @@ Q_SIGNALS:
     void frameIntervalChanged();
 
 private:
-    void apply();
+    void updateRule();
 
     QString m_source;
     MarkdownModel m_blocks;
     bool m_showsRule = false;
-    bool m_pending = false;
-    QTimer m_frameTimer;
+    StreamCoalescer m_coalescer;
 };
 
 } // namespace zentrik

@@ -5,9 +5,15 @@ namespace zentrik {
 StreamCoalescer::StreamCoalescer(QObject *parent)
     : QObject(parent)
 {
-    m_timer.setSingleShot(true);
-    m_timer.setInterval(frameMs);
-    connect(&m_timer, &QTimer::timeout, this, &StreamCoalescer::flush);
+    m_frame.setSingleShot(true);
+    m_frame.setInterval(frameMs);
+    // A frame that ends with pieces waiting hands them on and starts the next frame; a quiet
+    // one lets the next piece through at once.
+    connect(&m_frame, &QTimer::timeout, this, [this] {
+        if (!m_pending.isEmpty()) {
+            handOn();
+        }
+    });
 }
 
 void StreamCoalescer::append(const QString &piece)
@@ -16,25 +22,34 @@ void StreamCoalescer::append(const QString &piece)
         return;
     }
     m_pending += piece;
-    if (!m_timer.isActive()) {
-        m_timer.start();
+    if (!m_frame.isActive()) {
+        handOn();
     }
 }
 
 void StreamCoalescer::flush()
 {
-    m_timer.stop();
-    if (m_pending.isEmpty()) {
-        return;
+    if (!m_pending.isEmpty()) {
+        handOn();
     }
-    const QString text = std::exchange(m_pending, QString());
-    Q_EMIT flushed(text);
 }
 
 void StreamCoalescer::discard()
 {
-    m_timer.stop();
+    m_frame.stop();
     m_pending.clear();
+}
+
+void StreamCoalescer::setInterval(int milliseconds)
+{
+    m_frame.setInterval(qMax(0, milliseconds));
+}
+
+void StreamCoalescer::handOn()
+{
+    m_frame.start();
+    const QString text = std::exchange(m_pending, QString());
+    Q_EMIT flushed(text);
 }
 
 } // namespace zentrik
