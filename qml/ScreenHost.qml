@@ -1,8 +1,7 @@
 import QtQuick
 import Zentrik
 
-// Shows the screen the navigation routes to. Screens that are not built yet show a
-// placeholder that names what was chosen.
+// Shows the screen the navigation routes to.
 Loader {
     id: host
 
@@ -26,7 +25,7 @@ Loader {
     })
 
     objectName: "screenHost"
-    sourceComponent: screens[navigation.screen] ?? pendingView
+    sourceComponent: screens[navigation.screen]
 
     // A screen whose error is fixed in Settings offers to go there.
     Connections {
@@ -69,13 +68,6 @@ Loader {
     Component {
         id: imageStudioView
         ImageGeneratorView {}
-    }
-
-    Component {
-        id: pendingView
-        PendingToolView {
-            navigation: host.navigation
-        }
     }
 
     Component {

@@ -106,7 +106,6 @@ public:
     void update(const QString &fullText);
     // Ends the output with a line break if it does not have one.
     void finish();
-    [[nodiscard]] bool printedAnything() const { return m_printed > 0; }
 
 private:
     qsizetype m_printed = 0;

@@ -73,17 +73,6 @@ std::optional<bool> Payload::toBool() const
     return std::nullopt;
 }
 
-std::optional<double> Payload::toNumber() const
-{
-    if (const auto *number = std::get_if<double>(&m_value)) {
-        return *number;
-    }
-    if (const auto *number = std::get_if<qint64>(&m_value)) {
-        return double(*number);
-    }
-    return std::nullopt;
-}
-
 Payload Payload::value(const QString &key) const
 {
     if (const Dict *members = dict()) {

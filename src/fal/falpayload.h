@@ -44,7 +44,6 @@ public:
     [[nodiscard]] std::optional<QString> toString() const;
     [[nodiscard]] std::optional<qint64> toInteger() const;
     [[nodiscard]] std::optional<bool> toBool() const;
-    [[nodiscard]] std::optional<double> toNumber() const;
     [[nodiscard]] const Array *array() const { return std::get_if<Array>(&m_value); }
     [[nodiscard]] const Dict *dict() const { return std::get_if<Dict>(&m_value); }
 

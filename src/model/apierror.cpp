@@ -64,35 +64,17 @@ QString APIError::detailsLine() const
     return QCoreApplication::translate("APIError", "\nDetails: %1").arg(m_details);
 }
 
-APIError APIError::fromTransportCode(int code, const QString &transportDescription)
-{
-    switch (code) {
-    case -1009:
-        return noInternetConnection;
-    case -1006:
-    case -1003:
-        return dnsResolutionFailed;
-    case -1005:
-        return connectionLost;
-    case -1001:
-        return requestTimedOut;
-    default:
-        return { generalNetworkError, transportDescription };
-    }
-}
-
 APIError APIError::fromTransport(const TransportError &error)
 {
-    // The codes of the platform's URL loading system, which the table above is written in.
     switch (error.kind) {
     case TransportError::Kind::NotConnected:
-        return fromTransportCode(-1009, error.description);
+        return noInternetConnection;
     case TransportError::Kind::HostNotFound:
-        return fromTransportCode(-1003, error.description);
+        return dnsResolutionFailed;
     case TransportError::Kind::TimedOut:
-        return fromTransportCode(-1001, error.description);
+        return requestTimedOut;
     case TransportError::Kind::ConnectionLost:
-        return fromTransportCode(-1005, error.description);
+        return connectionLost;
     case TransportError::Kind::Other:
         break;
     }

@@ -48,12 +48,9 @@ public:
     // "\nDetails: …" for a message that does not already say it; empty otherwise.
     [[nodiscard]] QString detailsLine() const;
 
-    // The transport's numeric codes, as the platform's URL loading system numbers them;
-    // codes outside the mapped few become generalNetworkError with the transport's text.
-    [[nodiscard]] static APIError fromTransportCode(int code, const QString &transportDescription);
-    // The same mapping for this program's own transport failures: not connected, host not
-    // found, timed out and connection lost keep their cases, anything else (a refused
-    // connection, a TLS failure, …) is generalNetworkError with the transport's text.
+    // A transport failure: not connected, host not found, timed out and connection lost
+    // keep their cases, anything else (a refused connection, a TLS failure, …) is
+    // generalNetworkError with the transport's text.
     [[nodiscard]] static APIError fromTransport(const TransportError &error);
 
     // Errors are equal when they say the same to the user; the provider's details are extra.

@@ -59,7 +59,6 @@ public:
     [[nodiscard]] QString claudeKey() const { return m_claudeKey; }
     [[nodiscard]] QString falAIKey() const { return m_falAIKey; }
     [[nodiscard]] QString openRouterKey() const { return m_openRouterKey; }
-    [[nodiscard]] QString togetherApiKey() const { return m_togetherApiKey; }
 
     [[nodiscard]] const QList<AIModel> &textModels() const { return m_textModels; }
     [[nodiscard]] const QList<ImageModel> &imageModels() const { return m_imageModels; }
@@ -83,7 +82,6 @@ public:
 
     // Whether the OpenRouter chat client could be set up (its addresses formed).
     [[nodiscard]] bool hasChatClient() const { return m_llmChat.has_value(); }
-    [[nodiscard]] const std::optional<OpenAIChatClient> &llmChat() const { return m_llmChat; }
     // The one HTTP client every request of this manager goes through.
     [[nodiscard]] HttpClient &httpClient() { return *m_http; }
 

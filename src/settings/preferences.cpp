@@ -275,16 +275,6 @@ QString Preferences::fileName() const
     return m_settings->fileName();
 }
 
-QString Preferences::configDirectory()
-{
-    const QString dir = overrideDirectory();
-    if (!dir.isEmpty()) {
-        return dir;
-    }
-    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
-        .filePath(QStringLiteral("Zentrik"));
-}
-
 QString Preferences::dataDirectory()
 {
     const QString dir = overrideDirectory();

@@ -55,9 +55,8 @@ public:
     // The file the preferences are kept in.
     [[nodiscard]] QString fileName() const;
 
-    // Where every file the program writes goes: $ZENTRIK_CONFIG_DIR when set, otherwise
-    // the platform's location for the given kind ("config" or "data").
-    [[nodiscard]] static QString configDirectory();
+    // Where the program's data goes: "data" under $ZENTRIK_CONFIG_DIR when set, otherwise
+    // the platform's data location.
     [[nodiscard]] static QString dataDirectory();
 
 private:

@@ -28,12 +28,9 @@ class GeneratorViewModel : public QObject
     Q_PROPERTY(QString familyName READ familyName NOTIFY familyChanged FINAL)
     Q_PROPERTY(QString pickerPrompt READ pickerPrompt NOTIFY familyChanged FINAL)
     Q_PROPERTY(QStringList assistantTitles READ assistantTitles NOTIFY familyChanged FINAL)
-    // The selected assistant: `category` on the marketing and sales screens, `agent` on the
-    // support and HR screens; both name the same selection.
+    // The selected assistant, and the one the screen opens with.
     Q_PROPERTY(QString category READ selectedTitle WRITE selectAssistant NOTIFY selectedTitleChanged FINAL)
-    Q_PROPERTY(QString agent READ selectedTitle WRITE selectAssistant NOTIFY selectedTitleChanged FINAL)
     Q_PROPERTY(QString initialCategory READ initialTitle WRITE setInitialTitle NOTIFY initialTitleChanged FINAL)
-    Q_PROPERTY(QString initialAgent READ initialTitle WRITE setInitialTitle NOTIFY initialTitleChanged FINAL)
     Q_PROPERTY(QString assistantDescription READ assistantDescription NOTIFY selectedTitleChanged FINAL)
     Q_PROPERTY(QString assistantColor READ assistantColor NOTIFY selectedTitleChanged FINAL)
     Q_PROPERTY(QString assistantIcon READ assistantIcon NOTIFY selectedTitleChanged FINAL)

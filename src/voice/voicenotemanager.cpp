@@ -117,11 +117,6 @@ QList<VoiceNote> VoiceNoteManager::search(const QString &text) const
     return found;
 }
 
-void VoiceNoteManager::reload()
-{
-    publish(load());
-}
-
 QList<VoiceNote> VoiceNoteManager::load()
 {
     const QString key = QString::fromLatin1(storageKey);

@@ -52,9 +52,6 @@ public:
     [[nodiscard]] QList<VoiceNote> search(const QString &text) const;
     [[nodiscard]] static bool matches(const VoiceNote &note, const QString &text);
 
-    // Reads the stored list again (another process may have changed it).
-    void reload();
-
     // Where the stored list went when it could not be read in full; empty when it could.
     [[nodiscard]] QString unreadableBackupKey() const { return m_unreadableBackupKey; }
     // The preferences file the list and its backups are kept in.

@@ -166,7 +166,6 @@ void VoiceNotesViewModel::onTranscribed(const QString &filePath, const TextResul
     }
     setFailedRecording({});
     setProcessing(false);
-    Q_EMIT noteAdded(note.id);
 }
 
 void VoiceNotesViewModel::retryTranscription()

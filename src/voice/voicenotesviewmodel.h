@@ -103,8 +103,6 @@ Q_SIGNALS:
     void pendingDeleteChanged();
     // The window puts the text on the clipboard.
     void copyRequested(const QString &text);
-    // A transcription became a note.
-    void noteAdded(const QString &noteId);
 
 private:
     void startRecording();

@@ -1,6 +1,7 @@
 #include "model/apierror.h"
 #include "model/modelcatalog.h"
 #include "model/providerrouting.h"
+#include "net/transporterror.h"
 #include "support/testregistry.h"
 
 #include <QtTest>
@@ -142,28 +143,27 @@ private Q_SLOTS:
 
     void errorMessages_data()
     {
-        QTest::addColumn<int>("code");
+        using Kind = TransportError::Kind;
+        QTest::addColumn<Kind>("kind");
         QTest::addColumn<QString>("message");
-        const QString dns
-            = QStringLiteral("Unable to find the server. Please check your internet connection or try again later.");
-        QTest::newRow("-1009") << -1009
-                               << QStringLiteral("No internet connection. Please check your network settings.");
-        QTest::newRow("-1006") << -1006 << dns;
-        QTest::newRow("-1003") << -1003 << dns;
-        QTest::newRow("-1005")
-            << -1005
+        QTest::newRow("not connected") << Kind::NotConnected
+                                       << QStringLiteral("No internet connection. Please check your network settings.");
+        QTest::newRow("host not found")
+            << Kind::HostNotFound
+            << QStringLiteral("Unable to find the server. Please check your internet connection or try again later.");
+        QTest::newRow("connection lost")
+            << Kind::ConnectionLost
             << QStringLiteral("The network connection was lost. Please check your internet connection and try again.");
-        QTest::newRow("-1001") << -1001 << QStringLiteral("The request timed out. Please try again.");
-        QTest::newRow("-1004 falls through") << -1004 << QStringLiteral("A network error occurred: transport text");
-        QTest::newRow("-1002 falls through") << -1002 << QStringLiteral("A network error occurred: transport text");
-        QTest::newRow("-1007 falls through") << -1007 << QStringLiteral("A network error occurred: transport text");
+        QTest::newRow("timed out") << Kind::TimedOut << QStringLiteral("The request timed out. Please try again.");
+        QTest::newRow("anything else falls through")
+            << Kind::Other << QStringLiteral("A network error occurred: transport text");
     }
 
     void errorMessages()
     {
-        QFETCH(int, code);
+        QFETCH(TransportError::Kind, kind);
         QFETCH(QString, message);
-        QCOMPARE(APIError::fromTransportCode(code, QStringLiteral("transport text")).message(), message);
+        QCOMPARE(APIError::fromTransport({ kind, QStringLiteral("transport text") }).message(), message);
     }
 
     void detailIsAppendedVerbatim()
