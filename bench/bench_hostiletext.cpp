@@ -6,9 +6,9 @@
 
 #include "privacy/nameredactorpii.h"
 #include "privacy/piimanager.h"
-#include "privacy/referenceredaction.h"
+#include "reference/referenceredaction.h"
+#include "reference/referencestrip.h"
 #include "render/markdownstrip.h"
-#include "render/referencestrip.h"
 
 #include <QLoggingCategory>
 #include <QString>

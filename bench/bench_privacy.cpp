@@ -5,7 +5,7 @@
 
 #include "privacy/nameredactorpii.h"
 #include "privacy/piimanager.h"
-#include "privacy/referenceredaction.h"
+#include "reference/referenceredaction.h"
 
 #include <QLoggingCategory>
 #include <QString>

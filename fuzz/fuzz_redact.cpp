@@ -8,7 +8,7 @@
 
 #include "privacy/nameredactorpii.h"
 #include "privacy/piimanager.h"
-#include "privacy/referenceredaction.h"
+#include "reference/referenceredaction.h"
 
 ZENTRIK_FUZZ_TARGET(redact)
 {

@@ -5,8 +5,8 @@
 #include "fuzztarget.h"
 #include "text.h"
 
+#include "reference/referencestrip.h"
 #include "render/markdownstrip.h"
-#include "render/referencestrip.h"
 
 ZENTRIK_FUZZ_TARGET(strip)
 {

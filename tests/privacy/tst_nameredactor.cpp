@@ -1,7 +1,7 @@
 #include "logcapture.h"
 
 #include "privacy/nameredactorpii.h"
-#include "privacy/referenceredaction.h"
+#include "reference/referenceredaction.h"
 
 #include "support/testregistry.h"
 

@@ -3,7 +3,7 @@
 
 #include "privacy/nameredactorpii.h"
 #include "privacy/piimanager.h"
-#include "privacy/referenceredaction.h"
+#include "reference/referenceredaction.h"
 
 #include "support/testregistry.h"
 

@@ -5,7 +5,7 @@
 #include "privacy/nameredactorpii.h"
 #include "privacy/patternpass.h"
 #include "privacy/piimanager.h"
-#include "privacy/referenceredaction.h"
+#include "reference/referenceredaction.h"
 
 #include "support/testregistry.h"
 

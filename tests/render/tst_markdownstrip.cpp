@@ -1,5 +1,5 @@
+#include "reference/referencestrip.h"
 #include "render/markdownstrip.h"
-#include "render/referencestrip.h"
 
 #include "support/hostiletext.h"
 #include "support/testregistry.h"

@@ -1,4 +1,4 @@
-#include "render/referencestrip.h"
+#include "reference/referencestrip.h"
 
 #include "render/stripsteps.h"
 

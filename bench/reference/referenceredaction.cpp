@@ -1,4 +1,4 @@
-#include "privacy/referenceredaction.h"
+#include "reference/referenceredaction.h"
 
 #include "privacy/icutext.h"
 #include "privacy/namepatterns.h"
