@@ -29,7 +29,7 @@ QString fromUtf8KeepingBom(QByteArrayView utf8)
 
 // Appends cmark's UTF-8 text HTML-escaped, without going through a temporary QString for
 // each node: rendering the inline content is most of the work on every streamed piece.
-void appendEscaped(QString &out, const char *text)
+void appendEscapedUtf8(QString &out, const char *text)
 {
     if (text == nullptr) {
         return;
@@ -109,6 +109,24 @@ bool RichTextWriter::isSafeUrl(const QString &url)
     return true;
 }
 
+void RichTextWriter::appendEscaped(QString &out, QStringView text)
+{
+    qsizetype run = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const char16_t c = text.at(at).unicode();
+        if (c != '&' && c != '<' && c != '>' && c != '"') {
+            continue;
+        }
+        out += text.sliced(run, at - run);
+        out += c == '&' ? QLatin1StringView("&amp;")
+            : c == '<'  ? QLatin1StringView("&lt;")
+            : c == '>'  ? QLatin1StringView("&gt;")
+                        : QLatin1StringView("&quot;");
+        run = at + 1;
+    }
+    out += text.sliced(run);
+}
+
 QString RichTextWriter::inlines(cmark_node *parent)
 {
     QString out;
@@ -123,7 +141,7 @@ void RichTextWriter::appendInlines(QString &out, cmark_node *parent)
         case CMARK_NODE_TEXT:
         case CMARK_NODE_HTML_INLINE:
             // Raw HTML in a reply is shown as the text the model wrote, never interpreted.
-            appendEscaped(out, cmark_node_get_literal(node));
+            appendEscapedUtf8(out, cmark_node_get_literal(node));
             break;
         case CMARK_NODE_SOFTBREAK:
             out += QLatin1Char(' ');
@@ -133,7 +151,7 @@ void RichTextWriter::appendInlines(QString &out, cmark_node *parent)
             break;
         case CMARK_NODE_CODE:
             out += QLatin1StringView("<code>");
-            appendEscaped(out, cmark_node_get_literal(node));
+            appendEscapedUtf8(out, cmark_node_get_literal(node));
             out += QLatin1StringView("</code>");
             break;
         case CMARK_NODE_EMPH:

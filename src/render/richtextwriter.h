@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 
 #include <cmark-gfm.h>
 
@@ -25,6 +26,9 @@ public:
     [[nodiscard]] static bool isType(cmark_node *node, const char *typeString);
     // False for javascript:, vbscript:, file: and data: addresses, which a click must never open.
     [[nodiscard]] static bool isSafeUrl(const QString &url);
+    // Appends the text with "&", "<", ">" and '"' written as entities; runs without any go
+    // in whole.
+    static void appendEscaped(QString &out, QStringView text);
 
 private:
     static void appendInlines(QString &out, cmark_node *parent);

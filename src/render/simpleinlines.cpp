@@ -75,24 +75,6 @@ qsizetype runEnd(QStringView text, qsizetype at)
     return end;
 }
 
-void appendEscaped(QString &out, QStringView text)
-{
-    qsizetype run = 0;
-    for (qsizetype at = 0; at < text.size(); ++at) {
-        const char16_t c = text.at(at).unicode();
-        if (c != '&' && c != '<' && c != '>' && c != '"') {
-            continue;
-        }
-        out += text.sliced(run, at - run);
-        out += c == '&' ? QLatin1StringView("&amp;")
-            : c == '<'  ? QLatin1StringView("&lt;")
-            : c == '>'  ? QLatin1StringView("&gt;")
-                        : QLatin1StringView("&quot;");
-        run = at + 1;
-    }
-    out += text.sliced(run);
-}
-
 // True when the text, parsed on its own, can only be a paragraph: it starts with a letter,
 // a bracket, a parenthesis or a quotation mark, or with one or two of "*", "`" or "~"
 // right before a letter or digit (three would be a fence or a rule, one before a blank an
@@ -132,7 +114,7 @@ bool SimpleInlines::render(QStringView text, QString &rich, bool &clean)
     qsizetype at = 0;
     while (at < text.size()) {
         const qsizetype plain = plainEnd(text, at);
-        appendEscaped(rich, text.sliced(at, plain - at));
+        RichTextWriter::appendEscaped(rich, text.sliced(at, plain - at));
         at = plain;
         if (at >= text.size()) {
             break;
@@ -252,7 +234,7 @@ qsizetype SimpleInlines::emphasis(QStringView text, qsizetype at, QString &rich,
         : length == 2                                   ? QLatin1StringView("b")
                                                         : QLatin1StringView("i");
     rich += QLatin1Char('<') + tag + QLatin1Char('>');
-    appendEscaped(rich, text.sliced(open, close - open));
+    RichTextWriter::appendEscaped(rich, text.sliced(open, close - open));
     rich += QLatin1StringView("</") + tag + QLatin1Char('>');
     return close + length;
 }
@@ -309,7 +291,7 @@ qsizetype SimpleInlines::codeSpan(QStringView text, qsizetype at, QString &rich,
         }
     }
     rich += QLatin1StringView("<code>");
-    appendEscaped(rich, code);
+    RichTextWriter::appendEscaped(rich, code);
     rich += QLatin1StringView("</code>");
     return close + length;
 }
@@ -338,7 +320,7 @@ qsizetype SimpleInlines::link(QStringView text, qsizetype at, QString &rich)
         rich += url;
         rich += QLatin1StringView("\">");
     }
-    appendEscaped(rich, text.sliced(at + 1, labelEnd - at - 1));
+    RichTextWriter::appendEscaped(rich, text.sliced(at + 1, labelEnd - at - 1));
     if (linked) {
         rich += QLatin1StringView("</a>");
     }
