@@ -60,7 +60,7 @@ void IncrementalRenderer::clear()
     m_text.clear();
     m_blocks.clear();
     m_wholeText = false;
-    m_plainDone = -1;
+    m_plain.reset();
     restart();
 }
 
@@ -69,11 +69,9 @@ void IncrementalRenderer::continueAsPlainText()
     // The blocks before the tail are final (an open list or table keeps what it holds);
     // everything from the tail on becomes plain text.
     m_blocks.resize(m_stableCount);
-    m_plainDone = m_tailStart;
-    m_plainBlockFill = plainBlockLength;
+    m_plain.emplace(m_tailStart);
     m_openBlock.reset();
-    m_lastBlock = std::monostate();
-    m_listMarker.reset();
+    m_lastBlock.reset();
     appendPlainText();
 }
 
@@ -81,55 +79,16 @@ void IncrementalRenderer::appendPlainText()
 {
     qsizetype end = renderEnd();
     // A carriage return waits for the line feed that may follow it.
-    if (end > m_plainDone && m_text.at(end - 1) == QLatin1Char('\r')) {
+    if (end > m_plain->done() && m_text.at(end - 1) == QLatin1Char('\r')) {
         --end;
     }
-    while (m_plainDone < end) {
-        if (m_plainBlockFill >= plainBlockLength) {
-            m_blocks.append(MarkdownBlock());
-            m_plainBlockFill = 0;
-        }
-        qsizetype take = qMin(end - m_plainDone, plainBlockLength - m_plainBlockFill);
-        // A block never ends between the halves of a surrogate pair.
-        if (m_plainDone + take < end && m_text.at(m_plainDone + take - 1).isHighSurrogate()) {
-            take = take > 1 ? take - 1 : take + 1;
-        }
-        QString &out = m_blocks.last().text;
-        for (qsizetype i = m_plainDone; i < m_plainDone + take; ++i) {
-            const QChar c = m_text.at(i);
-            switch (c.unicode()) {
-            case u'&':
-                out += QLatin1String("&amp;");
-                break;
-            case u'<':
-                out += QLatin1String("&lt;");
-                break;
-            case u'>':
-                out += QLatin1String("&gt;");
-                break;
-            case u'"':
-                out += QLatin1String("&quot;");
-                break;
-            case u'\n':
-                // The line feed of a CR LF pair: the carriage return made the break.
-                if (i == 0 || m_text.at(i - 1) != QLatin1Char('\r')) {
-                    out += QLatin1String("<br>");
-                }
-                break;
-            case u'\r':
-                out += QLatin1String("<br>");
-                break;
-            default:
-                out += c;
-                break;
-            }
-        }
-        m_plainDone += take;
-        m_plainBlockFill += take;
-        m_tailStart = m_plainDone;
-        // The last block grows with the next piece; the ones before it are final.
-        m_stableCount = m_blocks.size() - 1;
+    if (end <= m_plain->done()) {
+        return;
     }
+    m_plain->append(m_text, end, m_blocks);
+    m_tailStart = m_plain->done();
+    // The last block grows with the next piece; the ones before it are final.
+    m_stableCount = m_blocks.size() - 1;
 }
 
 void IncrementalRenderer::restart()
@@ -137,8 +96,7 @@ void IncrementalRenderer::restart()
     m_stableCount = 0;
     m_tailStart = 0;
     m_openBlock.reset();
-    m_lastBlock = std::monostate();
-    m_listMarker.reset();
+    m_lastBlock.reset();
 }
 
 qsizetype IncrementalRenderer::renderEnd() const
@@ -181,7 +139,7 @@ void IncrementalRenderer::parseTail(QStringView tail, QList<MarkdownBlock> &pars
 
 void IncrementalRenderer::renderTail()
 {
-    m_lastBlock = std::monostate();
+    m_lastBlock.close();
     const qsizetype end = renderEnd();
     const QStringView tail = QStringView(m_text).sliced(m_tailStart, end - m_tailStart);
     QList<MarkdownBlock> parsed;
@@ -279,12 +237,12 @@ void IncrementalRenderer::cutTail(
         && lastSpan.startLine < cuts.lineCount()) {
         if (auto code = OpenCodeBlock::open(m_text, tailStart + cuts.lineStart(lastSpan.startLine + 1), renderEnd(),
                 lastSpan.fenceChar, lastSpan.fenceLength)) {
-            m_lastBlock = std::move(*code);
+            m_lastBlock.write(std::move(*code));
         }
     } else if (lastSpan.kind == SourceSpan::Kind::Paragraph && lastSpan.startLine >= 1
         && lastSpan.endLine == cuts.lineCount()) {
         if (auto paragraph = OpenParagraph::openTopLevel(m_text, spanStart, lastLineStart, renderEnd())) {
-            m_lastBlock = std::move(*paragraph);
+            m_lastBlock.write(std::move(*paragraph));
         }
     } else {
         const qsizetype itemStart = lastSpan.items.isEmpty() || lastSpan.items.last().startLine < 1
@@ -305,133 +263,58 @@ void IncrementalRenderer::commitUpTo(qsizetype tailStart)
 void IncrementalRenderer::prepareToExtend(
     const SourceSpan &span, qsizetype spanStart, qsizetype lastLineStart, qsizetype itemStart)
 {
-    m_listMarker.reset();
+    m_lastBlock.setListMarker(std::nullopt);
     if (span.kind != SourceSpan::Kind::List && span.kind != SourceSpan::Kind::Quote) {
         return;
     }
-    // Items that start at the margin can be told apart from nested ones by their first
-    // character alone.
     if (span.kind == SourceSpan::Kind::List && itemStart >= 0 && itemStart < m_text.size()) {
-        const QChar first = m_text.at(itemStart);
-        if (first == QLatin1Char('-') || first == QLatin1Char('*') || first == QLatin1Char('+')) {
-            m_listMarker = ListMarker { first, false };
-        } else if (first.isDigit()) {
-            m_listMarker = ListMarker { QChar(), span.parenDelimiter };
-        }
+        m_lastBlock.setListMarker(ListMarker::of(m_text.at(itemStart), span.parenDelimiter));
     }
     const auto target
         = span.kind == SourceSpan::Kind::List ? OpenParagraph::Target::LastItemText : OpenParagraph::Target::BlockText;
     if (auto paragraph = OpenParagraph::openNested(m_text, spanStart, lastLineStart, renderEnd(), target)) {
-        m_lastBlock = std::move(*paragraph);
+        m_lastBlock.write(std::move(*paragraph));
     }
 }
 
 bool IncrementalRenderer::extendLastBlock()
 {
-    const qsizetype end = renderEnd();
-    if (auto *code = std::get_if<OpenCodeBlock>(&m_lastBlock)) {
-        return code->extend(m_text, end, m_blocks.last().text);
-    }
-    if (auto *paragraph = std::get_if<OpenParagraph>(&m_lastBlock)) {
-        MarkdownBlock &block = m_blocks.last();
-        return paragraph->extend(m_text, end,
-            paragraph->target() == OpenParagraph::Target::LastItemText ? block.items.last().text : block.text);
-    }
-    return false;
+    return m_lastBlock.isOpen() && m_lastBlock.extend(m_text, renderEnd(), m_blocks.last());
 }
 
 // When the new text completes the last block, that block and everything before it become
-// final without parsing them again; only the text after it is parsed. A closing fence
-// completes a code block. When the paragraph being written ends its line, a blank line
-// completes a top-level paragraph or a quote, and a new item of the same list, at the
-// margin, completes a list item.
+// final without parsing them again; only the text after it is parsed.
 bool IncrementalRenderer::finishLastBlock()
 {
-    if (auto *code = std::get_if<OpenCodeBlock>(&m_lastBlock)) {
-        const std::optional<OpenCodeBlock::Closed> closed = code->close(m_text, renderEnd());
-        if (!closed) {
-            m_lastBlock = std::monostate();
-            return false;
-        }
-        m_blocks.last().text = closed->code;
-        if (closed->next >= 0) {
-            commitUpTo(closed->next);
-            m_stableCount = m_blocks.size();
-            renderTail();
-        }
-        return true;
-    }
-    if (auto *paragraph = std::get_if<OpenParagraph>(&m_lastBlock)) {
-        return finishParagraph(*paragraph);
-    }
-    return false;
-}
-
-bool IncrementalRenderer::finishParagraph(OpenParagraph &paragraph)
-{
-    const OpenParagraph::Target target = paragraph.target();
-    const qsizetype end = renderEnd();
-    MarkdownBlock &block = m_blocks.last();
-    QString &rich = target == OpenParagraph::Target::BlockText ? block.text : block.items.last().text;
-    // Failing here leaves the tail to be parsed again, which rewrites the paragraph's text.
-    const std::optional<qsizetype> next = paragraph.endLine(m_text, end, rich);
-    if (!next) {
-        m_lastBlock = std::monostate();
+    if (!m_lastBlock.isOpen()) {
         return false;
     }
-    qsizetype at = *next;
-    while (at < end && (m_text.at(at) == QLatin1Char(' ') || m_text.at(at) == QLatin1Char('\t'))) {
-        ++at;
-    }
-    // Until the next line shows more than white space, the paragraph ends with its line.
-    if (at >= end) {
+    const qsizetype end = renderEnd();
+    const LastBlock::Step step = m_lastBlock.finish(m_text, end, m_blocks.last());
+    switch (step.kind) {
+    case LastBlock::Step::Kind::Reparse:
+        return false;
+    case LastBlock::Step::Kind::Shown:
         return true;
-    }
-    const bool blankLine = m_text.at(at) == QLatin1Char('\n') || m_text.at(at) == QLatin1Char('\r');
-    const qsizetype afterBlank = QStringView(m_text).sliced(at).startsWith(QLatin1String("\r\n")) ? at + 2 : at + 1;
-    if (target == OpenParagraph::Target::LastItemText && blankLine
-        && (afterBlank >= end || (m_text.at(at) == QLatin1Char('\r') && at + 1 >= end))) {
-        // After a blank line, the next line decides whether the list goes on.
-        return true;
-    }
-    m_lastBlock = std::monostate();
-    if (target == OpenParagraph::Target::BlockText) {
-        if ((m_text.at(at) == QLatin1Char('\r') && at + 1 >= end) || !blankLine) {
-            return false;
-        }
-        commitUpTo(afterBlank);
+    case LastBlock::Step::Kind::CodeClosed:
+        commitUpTo(step.next);
+        m_stableCount = m_blocks.size();
+        break;
+    case LastBlock::Step::Kind::Ended:
+        commitUpTo(step.next);
         if (startAfterFinished(end)) {
             return true;
         }
-    } else if (blankLine) {
-        // A line at the margin after a blank line ends the list, unless it starts an item.
-        const QChar first = m_text.at(afterBlank);
-        if (LineText::isSpaceOrTab(first) || first == QLatin1Char('\n') || first == QLatin1Char('\r') || first.isDigit()
-            || first == QLatin1Char('-') || first == QLatin1Char('*') || first == QLatin1Char('+')) {
-            return false;
-        }
-        commitUpTo(afterBlank);
-        if (startAfterFinished(end)) {
-            return true;
-        }
-    } else {
-        if (!m_listMarker || !startsSiblingItem(QStringView(m_text).sliced(*next, end - *next))) {
-            return false;
-        }
-        qint64 nextNumber = 0;
-        for (qsizetype i = block.items.size() - 1; i >= 0; --i) {
-            const MarkdownListItem &item = block.items.at(i);
-            if (item.depth == 0 && !item.marker.isEmpty()) {
-                nextNumber = item.marker.chopped(1).toLongLong() + 1;
-                break;
-            }
-        }
-        m_openBlock = OpenBlock::list(block, block.items.size(), nextNumber, m_listMarker->parenDelimiter);
-        m_tailStart = *next;
+        break;
+    case LastBlock::Step::Kind::NewItem:
+        m_openBlock = OpenBlock::list(
+            m_blocks.last(), m_blocks.last().items.size(), step.number, m_lastBlock.listMarker()->parenDelimiter());
+        m_tailStart = step.next;
         m_stableCount = m_blocks.size();
         if (startPlainItem(end)) {
             return true;
         }
+        break;
     }
     renderTail();
     return true;
@@ -448,7 +331,7 @@ bool IncrementalRenderer::startAfterFinished(qsizetype end)
         MarkdownBlock started;
         started.text = text;
         m_blocks.append(started);
-        m_lastBlock = std::move(*next);
+        m_lastBlock.write(std::move(*next));
         return true;
     }
     return false;
@@ -463,34 +346,22 @@ bool IncrementalRenderer::extendTable()
         return false;
     }
     const qsizetype end = renderEnd();
-    QList<QStringView> lines;
-    qsizetype lineStart = m_tailStart;
-    for (qsizetype at = m_tailStart; at < end; ++at) {
-        if (m_text.at(at) == QLatin1Char('\r')) {
-            return false;
-        }
-        if (m_text.at(at) == QLatin1Char('\n')) {
-            lines.append(QStringView(m_text).sliced(lineStart, at - lineStart));
-            lineStart = at + 1;
-        }
-    }
-    const bool rowBegun = lineStart < end;
-    if (rowBegun) {
-        lines.append(QStringView(m_text).sliced(lineStart, end - lineStart));
-    }
-    if (lines.isEmpty()) {
+    const std::optional<TableRows::TailLines> tail
+        = TableRows::splitTail(QStringView(m_text).sliced(m_tailStart, end - m_tailStart));
+    if (!tail) {
         return false;
     }
-    const std::optional<QList<QStringList>> rows = TableRows::render(lines, m_openBlock->block().tableHeader.size());
+    const std::optional<QList<QStringList>> rows
+        = TableRows::render(tail->lines, m_openBlock->block().tableHeader.size());
     if (!rows) {
         return false;
     }
     MarkdownBlock table = m_openBlock->block();
     table.tableRows.append(*rows);
-    if (rowBegun && lines.size() > 1) {
+    if (tail->rowBegun && tail->lines.size() > 1) {
         if (std::optional<OpenBlock> grown = m_openBlock->withTable(table)) {
             m_openBlock = std::move(grown);
-            m_tailStart = lineStart;
+            m_tailStart += tail->lastStart;
         }
     }
     m_blocks.resize(m_stableCount);
@@ -498,54 +369,18 @@ bool IncrementalRenderer::extendTable()
     return true;
 }
 
-// True when the text begins a new item of the list being written, at the margin like its
-// other items, far enough along that it cannot turn into anything else.
-bool IncrementalRenderer::startsSiblingItem(QStringView text) const
-{
-    qsizetype lineEnd = 0;
-    while (lineEnd < text.size() && text.at(lineEnd) != QLatin1Char('\n') && text.at(lineEnd) != QLatin1Char('\r')) {
-        ++lineEnd;
-    }
-    const QStringView line = text.first(lineEnd);
-    qsizetype at = 0;
-    if (m_listMarker->bullet.isNull()) {
-        while (at < line.size() && at < 9 && line.at(at).isDigit()) {
-            ++at;
-        }
-        if (at == 0 || at >= line.size()
-            || line.at(at) != (m_listMarker->parenDelimiter ? QLatin1Char(')') : QLatin1Char('.'))) {
-            return false;
-        }
-    } else if (line.isEmpty() || line.at(0) != m_listMarker->bullet) {
-        return false;
-    }
-    ++at;
-    return at < line.size() && (line.at(at) == QLatin1Char(' ') || line.at(at) == QLatin1Char('\t'))
-        && LineText::roleIsFixed(line);
-}
-
 // Shows a new item of the open list whose first line so far is paragraph text without
 // parsing the list: the item is one paragraph of that text, numbered on from the items
 // before it.
 bool IncrementalRenderer::startPlainItem(qsizetype end)
 {
-    const QStringView line = QStringView(m_text).sliced(m_tailStart, end - m_tailStart);
-    qsizetype at = 0;
-    while (at < line.size() && at < 9 && line.at(at).isDigit()) {
-        ++at;
-    }
-    ++at; // the bullet or the number's delimiter
-    qsizetype spaces = 0;
-    while (at + spaces < line.size() && line.at(at + spaces) == QLatin1Char(' ')) {
-        ++spaces;
-    }
-    // Five spaces or more would start indented code inside the item.
-    if (spaces < 1 || spaces > 4) {
+    const qsizetype content = ListMarker::contentStart(QStringView(m_text).sliced(m_tailStart, end - m_tailStart));
+    if (content < 0) {
         return false;
     }
     QString rich;
     auto item = OpenParagraph::openLine(
-        m_text, m_tailStart, m_tailStart + at + spaces, end, OpenParagraph::Target::LastItemText, rich);
+        m_text, m_tailStart, m_tailStart + content, end, OpenParagraph::Target::LastItemText, rich);
     if (!item) {
         return false;
     }
@@ -553,7 +388,7 @@ bool IncrementalRenderer::startPlainItem(qsizetype end)
     entry.text = rich;
     entry.marker = m_openBlock->nextMarker();
     m_blocks.last().items.append(entry);
-    m_lastBlock = std::move(*item);
+    m_lastBlock.write(std::move(*item));
     return true;
 }
 

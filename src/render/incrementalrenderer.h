@@ -1,17 +1,16 @@
 #pragma once
 
+#include "render/lastblock.h"
 #include "render/markdownblock.h"
 #include "render/markdownrenderer.h"
 #include "render/openblock.h"
-#include "render/opencodeblock.h"
-#include "render/openparagraph.h"
+#include "render/plaintextblocks.h"
 
 #include <QList>
 #include <QString>
 #include <QStringView>
 
 #include <optional>
-#include <variant>
 
 namespace zentrik {
 
@@ -24,9 +23,8 @@ namespace zentrik {
 // text so far (less a trailing half of a surrogate pair, which waits for the rest).
 //
 // A reply that grows past what one parse may take (renderbudget.h) goes on as plain text:
-// the blocks so far stay, and the rest is shown escaped, with its line breaks, in paragraphs
-// of at most plainBlockLength characters, so neither memory nor the work per piece grows
-// with the reply. (A whole render of such a reply parses it in parts instead.)
+// the blocks so far stay, and the rest is shown as PlainTextBlocks. (A whole render of such
+// a reply parses it in parts instead.)
 class IncrementalRenderer
 {
 public:
@@ -40,20 +38,12 @@ public:
     [[nodiscard]] qsizetype stableBlockCount() const { return m_stableCount - (m_openBlock ? 1 : 0); }
     // Where the re-parsed tail begins in text().
     [[nodiscard]] qsizetype tailStart() const { return m_tailStart; }
-    [[nodiscard]] bool isPlain() const { return m_plainDone >= 0; }
+    [[nodiscard]] bool isPlain() const { return m_plain.has_value(); }
 
-    static constexpr qsizetype plainBlockLength = 64 * 1024;
+    static constexpr qsizetype plainBlockLength = PlainTextBlocks::blockLength;
 
 private:
     using SourceSpan = MarkdownRenderer::SourceSpan;
-
-    // How the items of the list being written begin: a bullet character, or (null) a number
-    // followed by "." or ")".
-    struct ListMarker
-    {
-        QChar bullet;
-        bool parenDelimiter = false;
-    };
 
     [[nodiscard]] qsizetype renderEnd() const;
     void noteReferenceDefinitions(qsizetype from);
@@ -65,9 +55,7 @@ private:
 
     bool extendLastBlock();
     bool finishLastBlock();
-    bool finishParagraph(OpenParagraph &paragraph);
     bool extendTable();
-    [[nodiscard]] bool startsSiblingItem(QStringView text) const;
     bool startPlainItem(qsizetype end);
     bool startAfterFinished(qsizetype end);
     void commitUpTo(qsizetype tailStart);
@@ -79,14 +67,12 @@ private:
     qsizetype m_stableCount = 0; // an open block counts
     qsizetype m_tailStart = 0;
     std::optional<OpenBlock> m_openBlock;
-    std::variant<std::monostate, OpenCodeBlock, OpenParagraph> m_lastBlock;
-    std::optional<ListMarker> m_listMarker;
+    LastBlock m_lastBlock;
     // A link reference definition anywhere changes links everywhere, before it too; once
     // the text may hold one, every piece renders the whole text again.
     bool m_wholeText = false;
-    // Once the reply is shown as plain text: how far, and how much the last block holds.
-    qsizetype m_plainDone = -1;
-    qsizetype m_plainBlockFill = 0;
+    // Once the reply is shown as plain text.
+    std::optional<PlainTextBlocks> m_plain;
 };
 
 } // namespace zentrik

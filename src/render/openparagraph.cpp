@@ -1,12 +1,8 @@
 #include "render/openparagraph.h"
 
-#include "render/blockbuilder.h"
-#include "render/cmarkdocument.h"
 #include "render/linetext.h"
+#include "render/paragraphparse.h"
 #include "render/richtextwriter.h"
-#include "render/simpleinlines.h"
-
-#include <cstring>
 
 namespace zentrik {
 
@@ -15,90 +11,6 @@ namespace {
 // Live text longer than this is worth freezing; a failed attempt waits for this much more.
 constexpr qsizetype freezeLength = 96;
 constexpr qsizetype freezeRetry = 48;
-
-// Appended where the live part will begin, it marks that place in the rendered text. A
-// private-use character is plain text to cmark and, after white space, joins no word.
-constexpr char16_t marker = 0xe000;
-constexpr const char *markerUtf8 = "\xee\x80\x80";
-
-QByteArray withMarker(QStringView text)
-{
-    return text.toUtf8() + markerUtf8;
-}
-
-// The last paragraph of a block, following the last child through lists, items and quotes.
-cmark_node *deepestLastParagraph(cmark_node *node)
-{
-    while (node != nullptr) {
-        switch (cmark_node_get_type(node)) {
-        case CMARK_NODE_PARAGRAPH:
-            return node;
-        case CMARK_NODE_LIST:
-        case CMARK_NODE_ITEM:
-        case CMARK_NODE_BLOCK_QUOTE:
-            node = cmark_node_last_child(node);
-            break;
-        default:
-            return nullptr;
-        }
-    }
-    return nullptr;
-}
-
-// True when nothing in the paragraph is left waiting for a partner: every emphasis,
-// strikethrough, code span, bracket and angle bracket has closed, so nothing that follows
-// can change how the paragraph so far reads.
-bool isClean(cmark_node *paragraph)
-{
-    cmark_iter *iter = cmark_iter_new(paragraph);
-    bool clean = true;
-    while (clean && cmark_iter_next(iter) != CMARK_EVENT_DONE) {
-        cmark_node *node = cmark_iter_get_node(iter);
-        if (cmark_node_get_type(node) == CMARK_NODE_TEXT) {
-            clean = std::strpbrk(cmark_node_get_literal(node), "*_~`[]<") == nullptr;
-        }
-    }
-    cmark_iter_free(iter);
-    return clean;
-}
-
-// True when the paragraph ends with the marker and is clean before it.
-bool endsCleanWithMarker(cmark_node *paragraph)
-{
-    cmark_node *last = cmark_node_last_child(paragraph);
-    const char *lastText
-        = last != nullptr && cmark_node_get_type(last) == CMARK_NODE_TEXT ? cmark_node_get_literal(last) : nullptr;
-    const size_t markerLength = std::strlen(markerUtf8);
-    if (lastText == nullptr || std::strlen(lastText) < markerLength
-        || std::strcmp(lastText + std::strlen(lastText) - markerLength, markerUtf8) != 0) {
-        return false;
-    }
-    return isClean(paragraph);
-}
-
-cmark_node *soleNode(const CmarkDocument &document)
-{
-    cmark_node *first = cmark_node_first_child(document.root());
-    return first != nullptr && cmark_node_next(first) == nullptr ? first : nullptr;
-}
-
-// The rich text of the text from start to end parsed as a paragraph of its own, less its
-// trailing white space (from content on), and whether it is clean. False when the text is
-// no lone paragraph. Common markup is rendered without a parse.
-bool renderAlone(QStringView text, qsizetype start, qsizetype content, qsizetype end, QString &rich, bool &clean)
-{
-    if (SimpleInlines::render(text.sliced(start, content - start), rich, clean)) {
-        return true;
-    }
-    const CmarkDocument alone(text.sliced(start, end - start).toUtf8(), CmarkDocument::Extensions::Inline);
-    cmark_node *paragraph = soleNode(alone);
-    if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH) {
-        return false;
-    }
-    rich = RichTextWriter::inlines(paragraph);
-    clean = isClean(paragraph);
-    return true;
-}
 
 } // namespace
 
@@ -131,24 +43,13 @@ std::optional<OpenParagraph> OpenParagraph::openNested(
     if (point < 0) {
         return std::nullopt;
     }
-    const CmarkDocument prefix(withMarker(text.sliced(tailStart, point - tailStart)));
-    cmark_node *last = cmark_node_last_child(prefix.root());
-    cmark_node *paragraph = deepestLastParagraph(last);
-    if (paragraph == nullptr || !endsCleanWithMarker(paragraph)) {
-        return std::nullopt;
-    }
-    const MarkdownBlock block = BlockBuilder::build(last);
-    if (target == Target::LastItemText && block.items.isEmpty()) {
-        return std::nullopt;
-    }
-    const QString &rich = target == Target::BlockText ? block.text : block.items.last().text;
-    const qsizetype at = rich.indexOf(QChar(marker));
-    if (at < 0 || rich.indexOf(QChar(marker), at + 1) >= 0) {
+    std::optional<ParagraphParse::Split> split = ParagraphParse::splitBlock(text, tailStart, point, target);
+    if (!split) {
         return std::nullopt;
     }
     OpenParagraph open(point, lineStart, end, target);
-    open.m_head = rich.left(at);
-    open.m_tail = rich.sliced(at + 1);
+    open.m_head = std::move(split->head);
+    open.m_tail = std::move(split->tail);
     return open;
 }
 
@@ -174,7 +75,7 @@ std::optional<OpenParagraph> OpenParagraph::openLine(
         while (content > contentStart && LineText::isSpaceOrTab(text.at(content - 1))) {
             --content;
         }
-        if (!renderAlone(text, contentStart, content, end, open.m_live, open.m_liveClean)) {
+        if (!ParagraphParse::renderAlone(text, contentStart, content, end, open.m_live, open.m_liveClean)) {
             return std::nullopt;
         }
         open.m_liveSpace = text.sliced(content, end - content).toString();
@@ -238,7 +139,7 @@ bool OpenParagraph::extend(QStringView text, qsizetype end, QString &rich)
         // Rendered into the buffer the text before last went to, then swapped in.
         QString &parsed = m_previousLive;
         bool clean = false;
-        if (!renderAlone(text, m_liveStart, content, end, parsed, clean)) {
+        if (!ParagraphParse::renderAlone(text, m_liveStart, content, end, parsed, clean)) {
             return false;
         }
         qsizetype same = 0;
@@ -286,22 +187,7 @@ void OpenParagraph::appendPlainly(QStringView text, qsizetype end)
         // The white space held back before shows now that text follows it.
         m_live += m_liveSpace;
         m_liveSpace.truncate(0);
-        // Runs without anything to escape go in whole.
-        const QStringView added = text.sliced(m_liveEnd, content - m_liveEnd);
-        qsizetype run = 0;
-        for (qsizetype at = 0; at < added.size(); ++at) {
-            const char16_t c = added.at(at).unicode();
-            if (c != '&' && c != '<' && c != '>' && c != '"') {
-                continue;
-            }
-            m_live += added.sliced(run, at - run);
-            m_live += c == '&' ? QLatin1StringView("&amp;")
-                : c == '<'     ? QLatin1StringView("&lt;")
-                : c == '>'     ? QLatin1StringView("&gt;")
-                               : QLatin1StringView("&quot;");
-            run = at + 1;
-        }
-        m_live += added.sliced(run);
+        RichTextWriter::appendEscaped(m_live, text.sliced(m_liveEnd, content - m_liveEnd));
     }
     m_liveSpace += text.sliced(content, end - content);
     m_liveEnd = end;
@@ -435,7 +321,7 @@ void OpenParagraph::tryFreeze(QStringView text, qsizetype end)
         return;
     }
     QString frozen;
-    if (!frozenText(text, point, frozen)) {
+    if (!ParagraphParse::frozenText(text, m_liveStart, point, frozen)) {
         m_nextFreeze = end + freezeRetry;
         return;
     }
@@ -451,31 +337,6 @@ void OpenParagraph::tryFreeze(QStringView text, qsizetype end)
     m_head += frozen;
     m_liveStart = point;
     m_nextFreeze = 0;
-}
-
-// The rich text of the live part up to point, a word after white space, when nothing in it
-// is left open: what follows the point cannot change it then.
-bool OpenParagraph::frozenText(QStringView text, qsizetype point, QString &frozen) const
-{
-    qsizetype content = point;
-    while (content > m_liveStart && LineText::isSpaceOrTab(text.at(content - 1))) {
-        --content;
-    }
-    bool clean = false;
-    if (SimpleInlines::render(text.sliced(m_liveStart, content - m_liveStart), frozen, clean)) {
-        frozen += text.sliced(content, point - content);
-        return clean;
-    }
-    const CmarkDocument prefix(
-        withMarker(text.sliced(m_liveStart, point - m_liveStart)), CmarkDocument::Extensions::Inline);
-    cmark_node *paragraph = soleNode(prefix);
-    if (paragraph == nullptr || cmark_node_get_type(paragraph) != CMARK_NODE_PARAGRAPH
-        || !endsCleanWithMarker(paragraph)) {
-        return false;
-    }
-    frozen = RichTextWriter::inlines(paragraph);
-    frozen.chop(1);
-    return true;
 }
 
 } // namespace zentrik

@@ -53,7 +53,6 @@ private:
     void appendPlainly(QStringView text, qsizetype end);
     void freezeAtWord(QStringView text, qsizetype end);
     void tryFreeze(QStringView text, qsizetype end);
-    [[nodiscard]] bool frozenText(QStringView text, qsizetype point, QString &frozen) const;
     // Notes that the rich text before the live part and the live part, taken together, may
     // differ from what was last written from this position on.
     void changedFrom(qsizetype position) { m_changedFrom = qMin(m_changedFrom, position); }

@@ -95,6 +95,28 @@ bool TableRows::isParagraphText(QStringView cell)
     }
 }
 
+std::optional<TableRows::TailLines> TableRows::splitTail(QStringView tail)
+{
+    TailLines split;
+    for (qsizetype at = 0; at < tail.size(); ++at) {
+        if (tail.at(at) == QLatin1Char('\r')) {
+            return std::nullopt;
+        }
+        if (tail.at(at) == QLatin1Char('\n')) {
+            split.lines.append(tail.sliced(split.lastStart, at - split.lastStart));
+            split.lastStart = at + 1;
+        }
+    }
+    split.rowBegun = split.lastStart < tail.size();
+    if (split.rowBegun) {
+        split.lines.append(tail.sliced(split.lastStart));
+    }
+    if (split.lines.isEmpty()) {
+        return std::nullopt;
+    }
+    return split;
+}
+
 std::optional<QList<QStringList>> TableRows::render(const QList<QStringView> &lines, qsizetype columns)
 {
     if (columns < 1) {

@@ -21,6 +21,17 @@ public:
     // cell that would not be a plain paragraph on its own.
     [[nodiscard]] static std::optional<QList<QStringList>> render(const QList<QStringView> &lines, qsizetype columns);
 
+    // The lines of a table's tail: those that ended, then the row being written when it has
+    // begun (rowBegun), which starts at lastStart. Nothing when the tail holds no line yet,
+    // or a carriage return, whose line break only cmark judges.
+    struct TailLines
+    {
+        QList<QStringView> lines;
+        qsizetype lastStart = 0;
+        bool rowBegun = false;
+    };
+    [[nodiscard]] static std::optional<TailLines> splitTail(QStringView tail);
+
     // True when the text, alone on a line, makes a paragraph whatever it ends with: it
     // cannot open a heading, list, quote, fence, rule, HTML block or link definition.
     [[nodiscard]] static bool isParagraphText(QStringView cell);
