@@ -11,6 +11,8 @@
 
 namespace zentrik {
 
+class SecretDeadline;
+
 // How long an item may be read after the device is unlocked. Stored as the item's
 // "accessible" attribute so that a store shared with other platforms keeps the intent.
 enum class SecretAccessOption {
@@ -75,15 +77,12 @@ public:
     // Every following call gives up at this moment instead of timeoutMs after it starts, so
     // that several calls that make up one operation share one time limit.
     void setDeadline(Clock::time_point deadline);
-    void clearDeadline();
     // Makes the call in progress give up at once (as if its time were up); for a shutdown
     // that must not wait for a service that does not answer. Safe from any thread.
     void cancelCurrentCall();
 
-    class Deadline;
-
 private:
-    bool removeLocked(const QString &key, Deadline &deadline);
+    bool removeLocked(const QString &key, SecretDeadline &deadline);
     [[nodiscard]] Clock::time_point operationDeadline() const;
 
     mutable std::mutex m_lock;
@@ -96,7 +95,7 @@ private:
 
     // Guards the call in progress for cancelCurrentCall(), which must not wait for m_lock.
     std::mutex m_abortLock;
-    Deadline *m_running = nullptr;
+    SecretDeadline *m_running = nullptr;
     friend class RunningCall;
 };
 
