@@ -39,6 +39,9 @@ public:
 
 private:
     [[nodiscard]] QJsonValue present(QLatin1StringView key) const;
+    // The field when it has the type; nothing when it is absent or null, and nothing with
+    // the record made invalid when it has another type.
+    [[nodiscard]] std::optional<QJsonValue> typed(QLatin1StringView key, QJsonValue::Type type);
 
     QJsonObject m_object;
     bool m_ok = true;
