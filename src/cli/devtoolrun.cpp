@@ -37,4 +37,37 @@ int runDevTool(APIManager &manager, const QString &tool, const QString &suggesti
     return replied ? exitSuccess : fail(QStringLiteral("no reply arrived"));
 }
 
+int runDevToolVerb(const DevToolVerb &verb, const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(verb.description);
+    parser.addOption(verb.choice);
+    const ModelOptions modelOptions;
+    modelOptions.addTo(parser);
+    parser.addPositionalArgument(QStringLiteral("TEXT"), verb.textHelp);
+    if (auto exit = parseArguments(parser, verb.name, arguments)) {
+        return *exit;
+    }
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() > 1) {
+        return usageError(verb.name, QStringLiteral("%1 takes one TEXT (quote it)").arg(verb.name));
+    }
+    const std::variant<QString, int> choice = verb.choose(parser);
+    if (const int *exit = std::get_if<int>(&choice)) {
+        return *exit;
+    }
+    const std::optional<QString> text = textArgument(positional);
+    if (!text) {
+        return exitFailure;
+    }
+    if (text->trimmed().isEmpty()) {
+        return usageError(verb.name, verb.nothingToSend);
+    }
+    const std::unique_ptr<APIManager> manager = makeApiManager(parser, modelOptions);
+    if (!manager) {
+        return exitFailure;
+    }
+    return runDevTool(*manager, verb.tool, std::get<QString>(choice), *text);
+}
+
 } // namespace zentrik::cli
