@@ -2,6 +2,7 @@
 
 #include "cli/console.h"
 #include "cli/verb.h"
+#include "support/environment.h"
 #include "support/fakeprovider.h"
 
 #include <QByteArray>
@@ -45,42 +46,6 @@ struct CliText
 };
 
 namespace zentrik::test {
-
-// Sets environment variables for its lifetime and then puts back what was there before.
-class ScopedEnvironment
-{
-public:
-    ScopedEnvironment() = default;
-    explicit ScopedEnvironment(const QProcessEnvironment &variables)
-    {
-        for (const QString &name : variables.keys()) {
-            set(name.toUtf8(), variables.value(name));
-        }
-    }
-    ScopedEnvironment(const ScopedEnvironment &) = delete;
-    ScopedEnvironment &operator=(const ScopedEnvironment &) = delete;
-    ~ScopedEnvironment()
-    {
-        for (auto it = m_saved.rbegin(); it != m_saved.rend(); ++it) {
-            if (it->second) {
-                qputenv(it->first.constData(), *it->second);
-            } else {
-                qunsetenv(it->first.constData());
-            }
-        }
-    }
-
-    void set(const QByteArray &name, const QString &value)
-    {
-        m_saved.emplace_back(name,
-            qEnvironmentVariableIsSet(name.constData()) ? std::optional<QByteArray>(qgetenv(name.constData()))
-                                                        : std::nullopt);
-        qputenv(name.constData(), value.toUtf8());
-    }
-
-private:
-    std::vector<std::pair<QByteArray, std::optional<QByteArray>>> m_saved;
-};
 
 // Feeds a verb its stdin from memory and keeps what it prints.
 class CapturedConsole final : public cli::Console

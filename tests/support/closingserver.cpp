@@ -47,10 +47,14 @@ ClosingServer::ClosingServer(QObject *parent)
                 if (m_answered < m_toAnswer) {
                     ++m_answered;
                     socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
-                    QTimer::singleShot(m_keepOpenMs, socket, [socket] { socket->abort(); });
+                    QTimer::singleShot(m_keepOpenMs, socket, [this, socket] {
+                        socket->abort();
+                        ++m_closed;
+                    });
                     return;
                 }
                 socket->abort();
+                ++m_closed;
             });
         }
     });

@@ -20,6 +20,8 @@ public:
 
     [[nodiscard]] QUrl baseUrl() const;
     [[nodiscard]] int connectionCount() const { return m_connections; }
+    // Connections the server has closed.
+    [[nodiscard]] int closedCount() const { return m_closed; }
     // Requests read to their last byte before the connection was closed.
     [[nodiscard]] const QList<QByteArray> &requests() const { return m_requests; }
 
@@ -30,6 +32,7 @@ public:
 private:
     QTcpServer m_server;
     int m_connections = 0;
+    int m_closed = 0;
     QList<QByteArray> m_requests;
     int m_answered = 0;
     int m_toAnswer = 0;
