@@ -38,6 +38,40 @@ QString describe(const HttpResult &result)
     return QStringLiteral("HTTP %1").arg(std::get<HttpResponse>(result).status);
 }
 
+// Sends the request, streamed line by line into `lines` when given, and waits for its result.
+std::optional<HttpResult> run(
+    HttpClient &client, const HttpRequest &request, QList<QByteArray> *lines = nullptr, int timeoutMs = 10000)
+{
+    std::optional<HttpResult> result;
+    QObject context;
+    const auto done = [&result](const HttpResult &r) { result = r; };
+    if (lines != nullptr) {
+        client.stream(request, &context,
+            { [lines](QByteArrayView line) {
+                 lines->append(line.toByteArray());
+                 return true;
+             },
+                done });
+    } else {
+        client.send(request, &context, done);
+    }
+    QTest::qWaitFor([&result] { return result.has_value(); }, timeoutMs);
+    return result;
+}
+
+// Whether a call made now on the client, answered only after `pause`, completes: once it has,
+// anything the server did before then has reached the client too.
+bool laterCallCompletes(HttpClient &client, FakeProvider &fake, std::chrono::milliseconds pause)
+{
+    ScriptedReply reply = ScriptedReply::json(QByteArray("{}"));
+    reply.pieces.first().pauseBefore = pause;
+    fake.on("GET", "/later", reply);
+    HttpRequest request;
+    request.url = fake.baseUrl().resolved(QUrl("/later"));
+    const std::optional<HttpResult> result = run(client, request);
+    return result && std::holds_alternative<HttpResponse>(*result);
+}
+
 // A port on which nothing listens: bound, then released.
 int closedPort()
 {
@@ -66,9 +100,8 @@ private Q_SLOTS:
         request.setHeader("X-Custom", "1");
         request.setHeader("x-custom", "2");
 
-        std::optional<HttpResult> result;
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY(result.has_value());
+        const std::optional<HttpResult> result = run(client, request);
+        QVERIFY(result);
 
         const auto *response = std::get_if<HttpResponse>(&*result);
         QVERIFY(response != nullptr);
@@ -109,15 +142,9 @@ private Q_SLOTS:
         HttpClient client;
         HttpRequest request = post(server.baseUrl().resolved(QUrl("/v1/x")), body);
         request.method = method;
-        std::optional<HttpResult> result;
-        int lines = 0;
-        if (streamed) {
-            client.stream(request, this,
-                { [&lines](QByteArrayView) { return ++lines > 0; }, [&result](const HttpResult &r) { result = r; } });
-        } else {
-            client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        }
-        QTRY_VERIFY(result.has_value());
+        QList<QByteArray> lines;
+        const std::optional<HttpResult> result = run(client, request, streamed ? &lines : nullptr);
+        QVERIFY(result);
         QTest::qWait(100); // a late second send would have arrived by now
         QCOMPARE(server.requests().size(), 1);
         QCOMPARE(server.connectionCount(), 1);
@@ -125,7 +152,7 @@ private Q_SLOTS:
         const auto *error = std::get_if<TransportError>(&*result);
         QVERIFY2(error != nullptr, qPrintable(describe(*result)));
         QCOMPARE(error->kind, TransportError::Kind::ConnectionLost);
-        QCOMPARE(lines, 0);
+        QVERIFY(lines.isEmpty());
         QCOMPARE(client.activeCallCount(), 0);
     }
 
@@ -137,12 +164,11 @@ private Q_SLOTS:
         server.answerFirst(2, 50);
         HttpClient client;
         for (int i = 0; i < 2; ++i) {
-            std::optional<HttpResult> result;
-            client.send(post(server.baseUrl().resolved(QUrl("/v1/x")), QByteArray::number(i)), this,
-                [&result](const HttpResult &r) { result = r; });
-            QTRY_VERIFY(result.has_value());
+            const auto result = run(client, post(server.baseUrl().resolved(QUrl("/v1/x")), QByteArray::number(i)));
+            QVERIFY(result);
             QVERIFY2(std::holds_alternative<HttpResponse>(*result), qPrintable(describe(*result)));
-            QTest::qWait(200); // past the server's idle close
+            QTRY_COMPARE(server.closedCount(), i + 1);
+            QTest::qWait(20); // and the client has had a few turns of its event loop to see it
         }
         QCOMPARE(server.requests().size(), 2);
         QCOMPARE(server.connectionCount(), 2);
@@ -198,22 +224,12 @@ private Q_SLOTS:
         }
         fake.on("POST", "/x", reply);
         HttpClient client;
-        for (int run = 0; run < 15; ++run) {
-            std::optional<HttpResult> result;
+        for (int attempt = 0; attempt < 15; ++attempt) {
             QList<QByteArray> lines;
-            const HttpRequest request = post(fake.baseUrl().resolved(QUrl("/x")), "{}");
-            if (streamed) {
-                client.stream(request, this,
-                    { [&lines](QByteArrayView line) {
-                         lines.append(line.toByteArray());
-                         return true;
-                     },
-                        [&result](const HttpResult &r) { result = r; } });
-            } else {
-                client.send(request, this, [&result](const HttpResult &r) { result = r; });
-            }
-            QTRY_VERIFY(result.has_value());
-            const QString what = QStringLiteral("run %1: %2").arg(run).arg(describe(*result));
+            const auto result
+                = run(client, post(fake.baseUrl().resolved(QUrl("/x")), "{}"), streamed ? &lines : nullptr);
+            QVERIFY(result);
+            const QString what = QStringLiteral("run %1: %2").arg(attempt).arg(describe(*result));
             if (!cut) {
                 const auto *response = std::get_if<HttpResponse>(&*result);
                 QVERIFY2(response != nullptr, qPrintable(what));
@@ -249,9 +265,8 @@ private Q_SLOTS:
         HttpClient client;
         HttpRequest request;
         request.url = fake.baseUrl().resolved(QUrl("/x"));
-        std::optional<HttpResult> result;
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY(result.has_value());
+        const std::optional<HttpResult> result = run(client, request);
+        QVERIFY(result);
         const auto *response = std::get_if<HttpResponse>(&*result);
         QVERIFY2(response != nullptr, qPrintable(describe(*result)));
         QCOMPARE(response->status, status);
@@ -287,9 +302,8 @@ private Q_SLOTS:
         HttpClient client;
         HttpRequest request = post(url, "{}");
         request.timeout = 300ms;
-        std::optional<HttpResult> result;
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), 10000);
+        const std::optional<HttpResult> result = run(client, request, nullptr, 10000);
+        QVERIFY(result);
         const auto *error = std::get_if<TransportError>(&*result);
         QVERIFY(error != nullptr);
         QCOMPARE(int(error->kind), kind);
@@ -307,9 +321,8 @@ private Q_SLOTS:
         client.setTimeout(200ms);
         HttpRequest request;
         request.url = fake.baseUrl().resolved(QUrl("/silent"));
-        std::optional<HttpResult> result;
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), 5000);
+        const std::optional<HttpResult> result = run(client, request, nullptr, 5000);
+        QVERIFY(result);
         QCOMPARE(int(std::get<TransportError>(*result).kind), int(TransportError::Kind::TimedOut));
     }
 
@@ -347,9 +360,8 @@ private Q_SLOTS:
         request.setHeader("Authorization", "Bearer secret-key-1");
         request.setHeader("x-api-key", "secret-key-1");
         request.setHeader("anthropic-version", "2023-06-01");
-        std::optional<HttpResult> result;
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY(result.has_value());
+        const std::optional<HttpResult> result = run(client, request);
+        QVERIFY(result);
         if (arrivingMethod.isEmpty()) {
             const auto *error = std::get_if<TransportError>(&*result);
             QVERIFY2(error != nullptr, qPrintable(describe(*result)));
@@ -376,9 +388,8 @@ private Q_SLOTS:
         HttpClient client;
         HttpRequest request;
         request.url = fake.baseUrl().resolved(QUrl("/loop"));
-        std::optional<HttpResult> result;
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY(result.has_value());
+        const std::optional<HttpResult> result = run(client, request);
+        QVERIFY(result);
         QVERIFY(std::holds_alternative<TransportError>(*result));
         QCOMPARE(fake.requestCount(), HttpClient::maxRedirects + 1);
     }
@@ -419,22 +430,12 @@ private Q_SLOTS:
         HttpClient client;
         HttpRequest request = post(fake.baseUrl().resolved(QUrl("/x")), "{}");
         request.setHeader(header, value);
-        std::optional<HttpResult> result;
-        QByteArray lines;
-        if (streamed) {
-            client.stream(request, this,
-                { [&lines](QByteArrayView line) {
-                     lines += line.toByteArray();
-                     return true;
-                 },
-                    [&result](const HttpResult &r) { result = r; } });
-        } else {
-            client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        }
-        QTRY_VERIFY(result.has_value());
+        QList<QByteArray> lines;
+        const auto result = run(client, request, streamed ? &lines : nullptr);
+        QVERIFY(result);
         QCOMPARE(fake.lastRequest().header(header), value); // the server did get the key
         const auto &response = std::get<HttpResponse>(*result);
-        const QByteArray seen = streamed ? lines : response.body;
+        const QByteArray seen = streamed ? lines.join() : response.body;
         QVERIFY2(!seen.contains(quoted) && seen.contains("[KEY]"), seen.constData());
         QCOMPARE(response.header("X-Echo"), QByteArray("[KEY]"));
     }
@@ -468,8 +469,8 @@ private Q_SLOTS:
         QVERIFY2(error != nullptr, qPrintable(describe(*result)));
         QVERIFY(!error->description.contains(QLatin1String("sk-abc")));
         QVERIFY(error->description.contains(QLatin1String("API key")));
-        QTest::qWait(50);
-        QCOMPARE(fake.requestCount(), 0);
+        QVERIFY(laterCallCompletes(client, fake, 0ms));
+        QCOMPARE(fake.requestCount(), 1); // the later call's alone
         QCOMPARE(client.activeCallCount(), 0);
     }
 
@@ -500,20 +501,11 @@ private Q_SLOTS:
         }
         fake.on("POST", "/x", reply);
         HttpClient client;
-        std::optional<HttpResult> result;
-        qsizetype handedOver = 0;
-        const HttpRequest request = post(fake.baseUrl().resolved(QUrl("/x")), "{}");
-        if (streamed) {
-            client.stream(request, this,
-                { [&handedOver](QByteArrayView line) {
-                     handedOver += line.size();
-                     return true;
-                 },
-                    [&result](const HttpResult &r) { result = r; } });
-        } else {
-            client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        }
-        QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), 30000);
+        QList<QByteArray> lines;
+        const auto result
+            = run(client, post(fake.baseUrl().resolved(QUrl("/x")), "{}"), streamed ? &lines : nullptr, 30000);
+        QVERIFY(result);
+        const qsizetype handedOver = lines.join().size();
         const auto *error = std::get_if<TransportError>(&*result);
         QVERIFY2(error != nullptr, qPrintable(describe(*result)));
         QVERIFY2(error->description.contains(QLatin1String("64 MB")), qPrintable(error->description));
@@ -535,11 +527,10 @@ private Q_SLOTS:
         client.setTimeout(300ms);
         HttpRequest request = post(fake.baseUrl().resolved(QUrl("/x")), "{}");
         request.deadline = 500ms;
-        std::optional<HttpResult> result;
         QElapsedTimer clock;
         clock.start();
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), 10000);
+        const auto result = run(client, request);
+        QVERIFY(result);
         const auto *error = std::get_if<TransportError>(&*result);
         QVERIFY2(error != nullptr, qPrintable(describe(*result)));
         QCOMPARE(error->kind, TransportError::Kind::TimedOut);
@@ -563,9 +554,8 @@ private Q_SLOTS:
         HttpClient client;
         HttpRequest request;
         request.url = QUrl("http://api.provider.invalid/v1/models");
-        std::optional<HttpResult> result;
-        client.send(request, this, [&result](const HttpResult &r) { result = r; });
-        QTRY_VERIFY(result.has_value());
+        const std::optional<HttpResult> result = run(client, request);
+        QVERIFY(result);
         QVERIFY(std::holds_alternative<HttpResponse>(*result));
         QCOMPARE(proxy.lastRequest().target, QByteArray("http://api.provider.invalid/v1/models"));
     }
@@ -587,12 +577,7 @@ private Q_SLOTS:
         client.cancel(id); // a second cancel is harmless
 
         // A later call on the same client still completes, after the slow one would have.
-        std::optional<HttpResult> later;
-        fake.on("GET", "/fast", ScriptedReply::json(QByteArray("{}")));
-        request.url = fake.baseUrl().resolved(QUrl("/fast"));
-        QTest::qWait(200);
-        client.send(request, this, [&later](const HttpResult &r) { later = r; });
-        QTRY_VERIFY(later.has_value());
+        QVERIFY(laterCallCompletes(client, fake, 200ms));
         QCOMPARE(calls, 0);
     }
 
@@ -611,8 +596,7 @@ private Q_SLOTS:
         QTRY_COMPARE(fake.requestCount(), 1);
         context.reset();
         QVERIFY(!client.isActive(id));
-        // Past the moment the server answered.
-        QTest::qWait(250);
+        QVERIFY(laterCallCompletes(client, fake, 200ms)); // past the moment the server answered
         QCOMPARE(calls, 0);
     }
 };
