@@ -5,8 +5,8 @@
 #include <QJsonObject>
 
 #include "chat/openaichatclient.h"
-#include "support/chunkline.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 
 using namespace zentrik;
