@@ -1,4 +1,4 @@
-#include "logcapture.h"
+#include "support/logcapture.h"
 
 #include "privacy/nameredactorpii.h"
 #include "reference/referenceredaction.h"
@@ -71,11 +71,11 @@ private Q_SLOTS:
 
         const NameRedactorPII redactor(QStringLiteral("[NAME]"), names);
         {
-            const test::PrivacyLogCapture log;
+            const test::LogCapture log("zentrik.privacy");
             QCOMPARE(redactor.redact(text), expected);
             QCOMPARE(log.lines().size(), skipped);
         }
-        const test::PrivacyLogCapture log;
+        const test::LogCapture log("zentrik.privacy");
         QCOMPARE(reference::redactNames(text, names, QStringLiteral("[NAME]")), expected);
         QCOMPARE(log.lines().size(), skipped);
     }

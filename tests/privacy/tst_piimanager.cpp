@@ -1,5 +1,5 @@
 #include "hostileredactiontexts.h"
-#include "logcapture.h"
+#include "support/logcapture.h"
 
 #include "privacy/nameredactorpii.h"
 #include "privacy/piimanager.h"
@@ -15,6 +15,7 @@
 using namespace zentrik;
 
 // PIIManager::redact with the shipped names list, on the cases that break naive patterns.
+// The name pass's own rules are checked on chosen lists in NameRedactorTest.
 class PiiManagerTest : public QObject
 {
     Q_OBJECT
@@ -51,15 +52,7 @@ private Q_SLOTS:
         row("creds pair", "creds: alice / s3cr3t", "[CREDENTIALS]");
         row("upper case words are kept", "User and PASSWORD and Login", "User and PASSWORD and Login");
         row("greeting", "Hi Anna, can you help", "Hi [NAME], can you help");
-        row("greeting after a full stop", "Thanks. Hey Anna", "Thanks. Hey [NAME]");
-        row("greeting must open a sentence", "Oh hi Anna", "Oh hi Anna");
-        row("greeting in capitals", "HELLO anna", "HELLO [NAME]");
-        row("dear", "Dear anna", "Dear [NAME]");
-        row("my name is", "My name is Anna", "My name is [NAME]");
         row("longest name wins", "Hi Annabelle", "Hi [NAME]");
-        row("sign-off replaces the closing word", "Anna, have a great day", "Anna, have a great [NAME]");
-        row("offsets are not shifted", "Hi Jo. Hi Annabelle", "Hi [NAME].[NAME]elle");
-        row("sign-off without a name group", "Anna, thanks", "Anna, thanks");
         row("names and numbers", "Hi Anna, my number is 5551234567. Bob, have a nice weekend",
             "Hi [NAME], my number is [PHONE_NUMBER]. Bob, have a nice [NAME]");
         row("non-ASCII before a match", "Grüße 😀 aus Köln. Hi Anna, ruf 5551234567 an",
@@ -72,14 +65,14 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         QFETCH(QString, expected);
-        const test::PrivacyLogCapture log;
+        const test::LogCapture log("zentrik.privacy");
         QCOMPARE(PIIManager::redact(text), expected);
         QCOMPARE(reference::redact(text, NameRedactorPII::shared().wellKnownNames()), expected);
     }
 
     void skippedSignOffLogsOneLine()
     {
-        const test::PrivacyLogCapture log;
+        const test::LogCapture log("zentrik.privacy");
         QCOMPARE(PIIManager::redact(QStringLiteral("Anna, thanks")), QStringLiteral("Anna, thanks"));
         QCOMPARE(log.lines().size(), 1);
         QVERIFY(log.lines().constFirst().startsWith(QStringLiteral("Name redaction skipped a match")));
@@ -96,7 +89,7 @@ private Q_SLOTS:
         QFETCH(QString, prefix);
         QFETCH(QString, unit);
         QFETCH(QString, suffix);
-        const test::PrivacyLogCapture quiet;
+        const test::LogCapture quiet("zentrik.privacy");
         const QString text = test::hostileText(prefix, unit, suffix, 60000);
         QString redacted;
         const qint64 ms = test::quickestMs(3, [&] { redacted = PIIManager::redact(text); });

@@ -1,5 +1,5 @@
 #include "hostileredactiontexts.h"
-#include "logcapture.h"
+#include "support/logcapture.h"
 
 #include "privacy/casefold.h"
 #include "privacy/nameredactorpii.h"
@@ -335,7 +335,7 @@ private Q_SLOTS:
         QFETCH(quint32, seed);
         QFETCH(int, count);
 
-        const test::PrivacyLogCapture quiet;
+        const test::LogCapture quiet("zentrik.privacy");
         const NameRedactorPII redactor(QStringLiteral("[NAME]"), names);
         TextGenerator generator(seed, names);
         const std::vector<std::function<QString()>> kinds = { [&] { return generator.denseGreetings(); },
@@ -365,7 +365,7 @@ private Q_SLOTS:
         QFETCH(QString, prefix);
         QFETCH(QString, unit);
         QFETCH(QString, suffix);
-        const test::PrivacyLogCapture quiet;
+        const test::LogCapture quiet("zentrik.privacy");
         const QString text = test::hostileText(prefix, unit, suffix, 3000);
         QString named;
         QVERIFY(namesAgree(NameRedactorPII::shared(), text, &named));
@@ -374,7 +374,7 @@ private Q_SLOTS:
 
     void fullRedactionMatchesReference()
     {
-        const test::PrivacyLogCapture quiet;
+        const test::LogCapture quiet("zentrik.privacy");
         TextGenerator generator(8, NameRedactorPII::shared().wellKnownNames());
         for (int i = 0; i < 30; ++i) {
             const QString text = generator.mixed();
