@@ -3,8 +3,8 @@
 #include "app/zentrikapp.h"
 #include "model/apimanager.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
-#include "tools/sse.h"
 #include "windowharness.h"
 
 #include "pdf/pdfchatviewmodel.h"
@@ -51,7 +51,7 @@ void turnWheel(QQuickItem *item, int notches)
         clock += 150;
         event.setTimestamp(clock);
         QGuiApplication::sendEvent(item->window(), &event);
-        QTest::qWait(20);
+        QTest::qWait(20); // the pace of a hand on the wheel: the view scrolls between the clicks
     }
 }
 
@@ -118,13 +118,9 @@ class ChatLayoutTest : public QObject
     static std::unique_ptr<ZentrikApp> openAskMeAnything(const QString &openAIKey = QStringLiteral("sk-layout-test"))
     {
         auto app = startApp();
-        if (!app || !click(findItem(app->window(), QStringLiteral("sidebar:Ask Me Anything")))) {
-            return nullptr;
-        }
-        if (!QTest::qWaitFor([&] { return findItem(app->window(), QStringLiteral("askMeAnythingView")) != nullptr; })) {
-            return nullptr;
-        }
-        QObject *chat = findObject(app->window(), QStringLiteral("askMeAnythingViewModel"));
+        QObject *chat = app ? openScreen(app->window(), QStringLiteral("sidebar:Ask Me Anything"),
+                            QStringLiteral("askMeAnythingView"), QStringLiteral("askMeAnythingViewModel"))
+                            : nullptr;
         auto *manager = chat ? chat->property("apiManager").value<APIManager *>() : nullptr;
         if (!manager) {
             return nullptr;
@@ -134,11 +130,14 @@ class ChatLayoutTest : public QObject
         return app;
     }
 
-    static void ask(QQuickWindow *window, const QString &question)
+    [[nodiscard]] static bool ask(QQuickWindow *window, const QString &question)
     {
-        QVERIFY(click(findItem(window, QStringLiteral("chatInputField"))));
+        if (!click(findItem(window, QStringLiteral("chatInputField")))) {
+            return false;
+        }
         typeText(window, question);
         QTest::keyClick(window, Qt::Key_Return);
+        return true;
     }
 
 private Q_SLOTS:
@@ -160,7 +159,7 @@ private Q_SLOTS:
         for (int line = 1; line <= 12; ++line) {
             longReply += QStringLiteral("Point %1 of the answer, long enough to take a line of its own.\n\n").arg(line);
         }
-        m_fake->on("POST", "/v1/chat/completions", ScriptedReply::json(ssefixture::completion(longReply)));
+        m_fake->on("POST", "/v1/chat/completions", ScriptedReply::json(test::completion(longReply)));
         const auto app = openAskMeAnything();
         QVERIFY(app);
         QQuickWindow *window = app->window();
@@ -169,7 +168,7 @@ private Q_SLOTS:
         QVERIFY(conversation && input);
 
         for (int turn = 1; turn <= 4; ++turn) {
-            ask(window, QStringLiteral("Question %1").arg(turn));
+            QVERIFY(ask(window, QStringLiteral("Question %1").arg(turn)));
             QTRY_COMPARE_WITH_TIMEOUT(m_fake->requests().size(), qsizetype(turn), 10000);
             QTRY_COMPARE(visibleItemsNamed(window, QStringLiteral("replyView")).size(), turn);
             QVERIFY(waitForFrame(window));
@@ -186,7 +185,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!conversation->property("moving").toBool());
         QVERIFY(waitForFrame(window));
         const qreal readingAt = conversation->property("contentY").toReal();
-        ask(window, QStringLiteral("Question 5"));
+        QVERIFY(ask(window, QStringLiteral("Question 5")));
         QTRY_COMPARE(visibleItemsNamed(window, QStringLiteral("replyView")).size(), 5);
         QVERIFY(waitForFrame(window));
         QVERIFY(qAbs(conversation->property("contentY").toReal() - readingAt) < 1);
@@ -241,11 +240,11 @@ private Q_SLOTS:
         for (int row = 1; row <= 8; ++row) {
             reply += QStringLiteral("| row %1 | %2 |\n").arg(row).arg(row * 11);
         }
-        m_fake->on("POST", "/v1/chat/completions", ScriptedReply::json(ssefixture::completion(reply)));
+        m_fake->on("POST", "/v1/chat/completions", ScriptedReply::json(test::completion(reply)));
         const auto app = openAskMeAnything();
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        ask(window, QStringLiteral("A table, please"));
+        QVERIFY(ask(window, QStringLiteral("A table, please")));
         QTRY_VERIFY_WITH_TIMEOUT(findItem(window, QStringLiteral("replyTable")), 10000);
         QQuickItem *conversation = findItem(window, QStringLiteral("conversationView"));
         QQuickItem *table = findItem(window, QStringLiteral("replyTable"));
@@ -290,7 +289,7 @@ private Q_SLOTS:
         const auto app = openAskMeAnything();
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        ask(window, QStringLiteral("Hello"));
+        QVERIFY(ask(window, QStringLiteral("Hello")));
         QQuickItem *error = findItem(window, QStringLiteral("chatError"));
         QVERIFY(error);
         QTRY_VERIFY_WITH_TIMEOUT(error->isVisible(), 10000);
@@ -308,7 +307,7 @@ private Q_SLOTS:
         const auto app = openAskMeAnything(QString());
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        ask(window, QStringLiteral("Hello"));
+        QVERIFY(ask(window, QStringLiteral("Hello")));
         QTRY_VERIFY(findItem(window, QStringLiteral("chatError"))->isVisible());
         QVERIFY(m_fake->requests().isEmpty());
         QVERIFY(click(findItem(window, QStringLiteral("openSettingsButton"))));

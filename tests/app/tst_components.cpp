@@ -112,7 +112,7 @@ private Q_SLOTS:
         QQuickItem *dialogItem = nullptr;
 
         QVERIFY(!alert->checkForPII(QStringLiteral("What is the capital of France?")));
-        QTest::qWait(50);
+        QVERIFY(waitForFrame(m_window.get()));
         QVERIFY(!visibleTexts(m_window.get()).contains(QStringLiteral("Personal Information Detected")));
 
         const QString message = QStringLiteral("Please write to jane.doe@example.com today");
@@ -218,7 +218,7 @@ private Q_SLOTS:
                  QStringLiteral("graph.\n\n```\ncode"), QStringLiteral("\n```\n") }) {
             text += piece;
             reply->setProperty("text", text);
-            QTest::qWait(5);
+            QVERIFY(waitForFrame(m_window.get())); // a piece a frame, as a fast stream arrives
         }
         QTRY_COMPARE(blockTypes(), QStringList({ "heading", "paragraph", "code" }));
         QVERIFY(visibleTexts(m_window.get()).contains(QStringLiteral("First paragraph.")));

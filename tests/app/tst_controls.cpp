@@ -4,10 +4,10 @@
 #include "model/apimanager.h"
 #include "settings/preferences.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 #include "tools/assistantcatalogue.h"
 #include "tools/generatorviewmodel.h"
-#include "tools/sse.h"
 #include "voice/voicenote.h"
 #include "voice/voicenotemanager.h"
 #include "windowharness.h"
@@ -121,34 +121,12 @@ class ControlsTest : public QObject
 
     static QQuickItem *focused(QQuickWindow *window) { return window->activeFocusItem(); }
 
-    // The marketing generator, opened from its card with the mouse, sending to the fake
-    // OpenAI service.
-    static bool openSloganGenerator(QQuickWindow *window)
-    {
-        if (!click(findItem(window, QStringLiteral("agentCard:Slogan Generator")))
-            || !QTest::qWaitFor([&] { return findItem(window, QStringLiteral("generatorView")) != nullptr; })) {
-            return false;
-        }
-        auto *generator = qobject_cast<GeneratorViewModel *>(findObject(window, QStringLiteral("generatorViewModel")));
-        if (!generator || !generator->apiManager()) {
-            return false;
-        }
-        generator->apiManager()->setSelectedTextModel(QStringLiteral("gpt-3.5-turbo-1106"));
-        generator->apiManager()->overrideUserKeys(QStringLiteral("sk-window-test"), QString(), QString());
-        return true;
-    }
-
     // Types a form that holds an e-mail address and presses Generate, which asks first.
     static QObject *askAboutAnEmail(QQuickWindow *window)
     {
-        for (const auto &[label, text] : { std::pair { QStringLiteral("Brand/Product Name"), QStringLiteral("Acme") },
-                 std::pair { QStringLiteral("Target Audience"), QStringLiteral("mail jo.doe@example.com") } }) {
-            if (!click(findItem(window, QStringLiteral("field:") + label))) {
-                return nullptr;
-            }
-            typeText(window, text);
-        }
-        if (!click(findItem(window, QStringLiteral("generateButton")))) {
+        if (!fillField(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme"))
+            || !fillField(window, QStringLiteral("Target Audience"), QStringLiteral("mail jo.doe@example.com"))
+            || !click(findItem(window, QStringLiteral("generateButton")))) {
             return nullptr;
         }
         QObject *dialog = findObject(window, QStringLiteral("piiAlertView"));
@@ -217,7 +195,7 @@ private Q_SLOTS:
         // The generator's choice lists and the privacy dialog.
         QVERIFY(click(findItem(window, QStringLiteral("sidebar:Home"))));
         QTRY_VERIFY(findItem(window, QStringLiteral("homeView")));
-        QVERIFY(openSloganGenerator(window));
+        QVERIFY(openSloganGenerator(window) != nullptr);
         QList<QQuickItem *> choices { findItem(window, QStringLiteral("assistantPicker")) };
         for (QObject *object : allObjects(window)) {
             auto *item = qobject_cast<QQuickItem *>(object);
@@ -288,20 +266,29 @@ private Q_SLOTS:
     void privacyDialogSendsTheRedactedCopyOnReturn()
     {
         m_fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Done.")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("Done.")), test::doneLine }));
         const auto app = startApp();
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        QVERIFY(openSloganGenerator(window));
+        GeneratorViewModel *generator = openSloganGenerator(window);
+        QVERIFY(generator);
         QObject *dialog = askAboutAnEmail(window);
         QVERIFY(dialog);
+        const QStringList texts = visibleTexts(window);
+        for (const QString &text : { QStringLiteral("Personal Information Detected"),
+                 QStringLiteral("Original Message"), QStringLiteral("Redacted Message"),
+                 QStringLiteral("Send Original"), QStringLiteral("Send Redacted") }) {
+            QVERIFY2(texts.contains(text), qPrintable(text));
+        }
+        QVERIFY(m_fake->requests().isEmpty()); // nothing leaves before the choice
         QQuickItem *redacted = findItem(window, QStringLiteral("sendRedactedButton"));
         QTRY_COMPARE(focused(window), redacted);
         QVERIFY(redacted->property("visualFocus").toBool()); // the ring shows which button Return presses
         QTest::keyClick(window, Qt::Key_Return);
         QTRY_VERIFY(!dialog->property("visible").toBool());
-        QTRY_COMPARE_WITH_TIMEOUT(m_fake->requests().size(), 1, 10000);
-        const QString sent = ssefixture::lastMessageText(m_fake->lastRequest().json());
+        QTRY_COMPARE_WITH_TIMEOUT(generator->output(), QStringLiteral("Done."), 10000);
+        QCOMPARE(m_fake->requests().size(), 1);
+        const QString sent = test::lastMessageText(m_fake->lastRequest().json());
         QVERIFY2(sent.contains(QLatin1String("[EMAIL_ADDRESS]")), qPrintable(sent));
         QVERIFY(!m_fake->lastRequest().body.contains("example.com"));
     }

@@ -3,10 +3,10 @@
 #include "model/apimanager.h"
 #include "model/modelcatalog.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 #include "tools/chatmessagelistmodel.h"
 #include "tools/devtoolviewmodel.h"
-#include "tools/sse.h"
 #include "windowharness.h"
 
 #include <QQuickItem>
@@ -58,8 +58,8 @@ private Q_SLOTS:
         m_environment = std::make_unique<WindowTestEnvironment>();
         m_fake = &m_environment->fake();
         m_fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Fixed.")), ssefixture::done }));
-        m_fake->on("POST", "/v1/messages", ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Fixed."))));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("Fixed.")), test::doneLine }));
+        m_fake->on("POST", "/v1/messages", ScriptedReply::json(test::anthropicReply(QStringLiteral("Fixed."))));
     }
 
     void cleanup()

@@ -1,7 +1,6 @@
-#include "app/licensegate.h"
 #include "app/zentrikapp.h"
-#include "model/imagecodec.h"
 #include "support/fakeprovider.h"
+#include "support/picture.h"
 #include "support/testregistry.h"
 #include "tools/imagegeneratorviewmodel.h"
 #include "windowharness.h"
@@ -20,19 +19,9 @@ namespace {
 
 const QString freeModel = QStringLiteral("black-forest-labs/FLUX.1-schnell-Free");
 
-// A 64 × 48 picture: red grows to the right, green downwards.
-QByteArray picture()
+QByteArray pictureAnswer()
 {
-    Bitmap bitmap { 64, 48, 3, QByteArray(64 * 48 * 3, '\0') };
-    for (int y = 0; y < 48; ++y) {
-        for (int x = 0; x < 64; ++x) {
-            char *pixel = bitmap.pixels.data() + (y * 64 + x) * 3;
-            pixel[0] = char(x * 4);
-            pixel[1] = char(y * 5);
-            pixel[2] = char(128);
-        }
-    }
-    return ImageCodec::encodePng(bitmap);
+    return "{\"data\":[{\"index\":0,\"b64_json\":\"" + picture("PNG").toBase64() + "\"}]}";
 }
 
 } // namespace
@@ -43,10 +32,8 @@ class ImageStudioWindowTest : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<ScopedConfigDir> m_config;
-    std::unique_ptr<QTemporaryDir> m_tmp;
-    std::unique_ptr<FakeProvider> m_fake;
-    QByteArray m_previousTmp;
+    std::unique_ptr<WindowTestEnvironment> m_environment;
+    FakeProvider *m_fake = nullptr;
 
     // Starts the window on the image studio, with the free model selected and a Together key.
     std::unique_ptr<ZentrikApp> openStudio(ImageGeneratorViewModel *&studio)
@@ -72,33 +59,19 @@ class ImageStudioWindowTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_config = std::make_unique<ScopedConfigDir>();
-        m_tmp = std::make_unique<QTemporaryDir>();
-        m_fake = std::make_unique<FakeProvider>();
-        qputenv(LicenseGate::urlVariable, QByteArray());
-        qputenv("ZENTRIK_TOGETHER_BASE_URL", m_fake->baseUrl().toString().toUtf8());
-        m_previousTmp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", m_tmp->path().toUtf8());
+        m_environment = std::make_unique<WindowTestEnvironment>();
+        m_fake = &m_environment->fake();
     }
 
     void cleanup()
     {
-        if (m_previousTmp.isEmpty()) {
-            qunsetenv("TMPDIR");
-        } else {
-            qputenv("TMPDIR", m_previousTmp);
-        }
-        qunsetenv("ZENTRIK_TOGETHER_BASE_URL");
-        qunsetenv(LicenseGate::urlVariable);
-        m_fake.reset();
-        m_tmp.reset();
-        m_config.reset();
+        m_fake = nullptr;
+        m_environment.reset();
     }
 
     void generatesWithTheFreeModelAndShowsThePicture()
     {
-        m_fake->on("POST", "/v1/images/generations",
-            ScriptedReply::json("{\"data\":[{\"index\":0,\"b64_json\":\"" + picture().toBase64() + "\"}]}"));
+        m_fake->on("POST", "/v1/images/generations", ScriptedReply::json(pictureAnswer()));
         ImageGeneratorViewModel *studio = nullptr;
         const auto app = openStudio(studio);
         QVERIFY(app);
@@ -126,7 +99,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(image->property("status").toInt(), 1, 10000);
         const QUrl source = image->property("source").toUrl();
         QVERIFY(source.isLocalFile());
-        QCOMPARE(QFileInfo(source.toLocalFile()).absolutePath(), QDir(m_tmp->path()).absolutePath());
+        QCOMPARE(QFileInfo(source.toLocalFile()).absolutePath(), QDir(m_environment->tempPath()).absolutePath());
         QCOMPARE(image->property("sourceSize").toSize(), QSize(64, 48));
         QVERIFY(image->isVisible() && image->width() > 0);
         QTRY_VERIFY(visibleTexts(window).contains(QStringLiteral("64 × 48 pixels")));
@@ -138,24 +111,10 @@ private Q_SLOTS:
         QCOMPARE(request.json().object().value(QLatin1String("model")).toString(), freeModel);
         QCOMPARE(request.json().object().value(QLatin1String("prompt")).toString(), QStringLiteral("A red fox"));
         QCOMPARE(request.json().object().value(QLatin1String("width")).toInt(), 1024);
-    }
 
-    // The save dialog offers "Save", not "Open", and Escape leaves without writing anything.
-    void saveDialogSaysSaveAndCancels()
-    {
-        m_fake->on("POST", "/v1/images/generations",
-            ScriptedReply::json("{\"data\":[{\"index\":0,\"b64_json\":\"" + picture().toBase64() + "\"}]}"));
-        ImageGeneratorViewModel *studio = nullptr;
-        const auto app = openStudio(studio);
-        QVERIFY(app);
-        QQuickWindow *window = app->window();
-        QVERIFY(click(findItem(window, QStringLiteral("promptField"))));
-        typeText(window, QStringLiteral("A red fox"));
-        QVERIFY(click(findItem(window, QStringLiteral("generateButton"))));
+        // The save dialog offers "Save", not "Open", and Escape leaves without writing anything.
+        const QStringList before = QDir(m_environment->tempPath()).entryList(QDir::Files);
         QQuickItem *save = findItem(window, QStringLiteral("saveButton"));
-        QTRY_VERIFY_WITH_TIMEOUT(save->isVisible(), 10000);
-        const QStringList before = QDir(m_tmp->path()).entryList(QDir::Files);
-
         QVERIFY(click(save));
         QQuickItem *dialog = nullptr;
         QTRY_VERIFY((dialog = openFileDialog(window)) != nullptr);
@@ -170,7 +129,7 @@ private Q_SLOTS:
         QVERIFY2(!buttons.contains(QStringLiteral("Open")), qPrintable(buttons.join(QLatin1Char(','))));
         QTest::keyClick(window, Qt::Key_Escape);
         QTRY_VERIFY(openFileDialog(window) == nullptr);
-        QCOMPARE(QDir(m_tmp->path()).entryList(QDir::Files), before);
+        QCOMPARE(QDir(m_environment->tempPath()).entryList(QDir::Files), before);
     }
 
     void showsTheErrorAndKeepsThePrompt()

@@ -4,17 +4,19 @@
 #include "model/apimanager.h"
 #include "pdf/pdfchatviewmodel.h"
 #include "render/markdownstrip.h"
+#include "settings/preferences.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 #include "tools/askmeanythingviewmodel.h"
 #include "tools/generatorviewmodel.h"
-#include "tools/sse.h"
 #include "windowharness.h"
 
 #include "pdf/pdffixtures.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QtTest>
@@ -23,8 +25,8 @@ using namespace zentrik;
 using namespace zentrik::test;
 
 // The text tools in the real window, driven by mouse and keyboard against fake providers:
-// a generator from its dashboard card to the copied reply, the privacy dialog, a model
-// chosen in Settings reaching the next request, and a question about a PDF.
+// a generator from its dashboard card to the copied reply, a model chosen in Settings
+// reaching the next request, and a question about a PDF.
 class ToolScreensTest : public QObject
 {
     Q_OBJECT
@@ -32,39 +34,6 @@ class ToolScreensTest : public QObject
     std::unique_ptr<WindowTestEnvironment> m_environment;
     FakeProvider *m_fake = nullptr;
     QTemporaryDir m_files;
-
-    static ContentViewModel *navigationOf(const ZentrikApp &app)
-    {
-        return qobject_cast<ContentViewModel *>(findObject(app.window(), QStringLiteral("navigation")));
-    }
-
-    // Opens the marketing generator from the "Slogan Generator" card, ready to send to the
-    // fake OpenAI service with a model the generators accept.
-    static GeneratorViewModel *openSloganGenerator(const ZentrikApp &app)
-    {
-        if (!click(findItem(app.window(), QStringLiteral("agentCard:Slogan Generator")))) {
-            return nullptr;
-        }
-        if (!QTest::qWaitFor([&] { return findItem(app.window(), QStringLiteral("generatorView")) != nullptr; })) {
-            return nullptr;
-        }
-        auto *generator
-            = qobject_cast<GeneratorViewModel *>(findObject(app.window(), QStringLiteral("generatorViewModel")));
-        if (generator && generator->apiManager()) {
-            generator->apiManager()->setSelectedTextModel(QStringLiteral("gpt-3.5-turbo-1106"));
-            generator->apiManager()->overrideUserKeys(QStringLiteral("sk-window-test"), QString(), QString());
-        }
-        return generator;
-    }
-
-    static bool fill(QQuickWindow *window, const QString &label, const QString &text)
-    {
-        if (!click(findItem(window, QStringLiteral("field:") + label))) {
-            return false;
-        }
-        typeText(window, text);
-        return true;
-    }
 
 private Q_SLOTS:
     void init()
@@ -82,18 +51,18 @@ private Q_SLOTS:
     void generatorStreamsTheReplyAndCopiesItCleaned()
     {
         m_fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("## Slogans\n\n")),
-                ssefixture::chunk(QStringLiteral("1. **Climb** higher\n")),
-                ssefixture::chunk(QStringLiteral("2. Walk *further*\n")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("## Slogans\n\n")),
+                test::chunkLine(QStringLiteral("1. **Climb** higher\n")),
+                test::chunkLine(QStringLiteral("2. Walk *further*\n")), test::doneLine }));
         const auto app = startApp();
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        GeneratorViewModel *generator = openSloganGenerator(*app);
+        GeneratorViewModel *generator = openSloganGenerator(window);
         QVERIFY(generator);
         QCOMPARE(generator->selectedTitle(), QStringLiteral("Slogan Generator"));
 
-        QVERIFY(fill(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme Boots")));
-        QVERIFY(fill(window, QStringLiteral("Target Audience"), QStringLiteral("hikers")));
+        QVERIFY(fillField(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme Boots")));
+        QVERIFY(fillField(window, QStringLiteral("Target Audience"), QStringLiteral("hikers")));
         QCOMPARE(generator->inputsMap().value(QStringLiteral("Target Audience")).toString(), QStringLiteral("hikers"));
         QVERIFY(click(findItem(window, QStringLiteral("generateButton"))));
 
@@ -106,7 +75,7 @@ private Q_SLOTS:
         QVERIFY(!findItem(window, QStringLiteral("generatorError"))->isVisible());
 
         // The prompt carries both fields, in the form's order.
-        const QString sent = ssefixture::lastMessageText(m_fake->lastRequest().json());
+        const QString sent = test::lastMessageText(m_fake->lastRequest().json());
         QVERIFY2(sent.indexOf(QStringLiteral("Acme Boots")) >= 0, qPrintable(sent));
         QVERIFY2(sent.indexOf(QStringLiteral("Acme Boots")) < sent.indexOf(QStringLiteral("hikers")), qPrintable(sent));
         QCOMPARE(m_fake->lastRequest().json().object().value(QLatin1String("model")).toString(),
@@ -135,15 +104,15 @@ private Q_SLOTS:
     void ctrlEnterGeneratesAndEscapeStopsKeepingThePartialReply()
     {
         m_fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("First line.\n")),
-                                   ssefixture::chunk(QStringLiteral("Never shown.")), ssefixture::done },
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("First line.\n")),
+                                   test::chunkLine(QStringLiteral("Never shown.")), test::doneLine },
                 std::chrono::milliseconds(5000)));
         const auto app = startApp();
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        GeneratorViewModel *generator = openSloganGenerator(*app);
+        GeneratorViewModel *generator = openSloganGenerator(window);
         QVERIFY(generator);
-        QVERIFY(fill(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme")));
+        QVERIFY(fillField(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme")));
 
         QTest::keyClick(window, Qt::Key_Return, Qt::ControlModifier);
         QTRY_VERIFY(generator->isGenerating());
@@ -158,45 +127,10 @@ private Q_SLOTS:
         QVERIFY(findItem(window, QStringLiteral("generateButton"))->isEnabled());
     }
 
-    void emailInTheFormAsksAndSendsTheRedactedText()
-    {
-        m_fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Done.")), ssefixture::done }));
-        const auto app = startApp();
-        QVERIFY(app);
-        QQuickWindow *window = app->window();
-        GeneratorViewModel *generator = openSloganGenerator(*app);
-        QVERIFY(generator);
-        QVERIFY(fill(window, QStringLiteral("Brand/Product Name"), QStringLiteral("Acme")));
-        QVERIFY(fill(window, QStringLiteral("Target Audience"), QStringLiteral("mail jo.doe@example.com")));
-        QVERIFY(click(findItem(window, QStringLiteral("generateButton"))));
-
-        // A Popup, not an item: its "opened" property says whether it is up.
-        QObject *dialog = findObject(window, QStringLiteral("piiAlertView"));
-        QVERIFY(dialog);
-        QTRY_VERIFY(dialog->property("opened").toBool());
-        const QStringList texts = visibleTexts(window);
-        for (const QString &text : { QStringLiteral("Personal Information Detected"),
-                 QStringLiteral("Original Message"), QStringLiteral("Redacted Message"),
-                 QStringLiteral("Send Original"), QStringLiteral("Send Redacted") }) {
-            QVERIFY2(texts.contains(text), qPrintable(text));
-        }
-        QVERIFY(m_fake->requests().isEmpty()); // nothing leaves before the choice
-
-        QVERIFY(click(findItem(window, QStringLiteral("sendRedactedButton"))));
-        QTRY_COMPARE_WITH_TIMEOUT(generator->output(), QStringLiteral("Done."), 10000);
-        QTRY_VERIFY(!dialog->property("visible").toBool());
-        QCOMPARE(m_fake->requests().size(), 1);
-        const QString sent = ssefixture::lastMessageText(m_fake->lastRequest().json());
-        QVERIFY2(sent.contains(QLatin1String("[EMAIL_ADDRESS]")), qPrintable(sent));
-        QVERIFY2(!sent.contains(QLatin1String("jo.doe@example.com")), qPrintable(sent));
-        QVERIFY(!m_fake->lastRequest().body.contains("example.com"));
-    }
-
     void modelSavedInSettingsIsUsedByTheNextRequest()
     {
         m_fake->on("POST", "/v1/messages",
-            ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral(
+            ScriptedReply::json(test::anthropicReply(QStringLiteral(
                 "Hello! Three ways to start your week:\n\n1. **Plan** the three things that matter most\n"
                 "2. Block an hour for deep work each morning\n3. Ask me for an outline of anything you write\n\n"
                 "Yours, *Haiku*."))));
@@ -205,16 +139,34 @@ private Q_SLOTS:
         QQuickWindow *window = app->window();
         QTest::keyClick(window, Qt::Key_Comma, Qt::ControlModifier);
         QTRY_VERIFY(findItem(window, QStringLiteral("settingsView")));
+        for (const QString &text : { QStringLiteral("Settings"), QStringLiteral("How It Works"),
+                 QStringLiteral("🆓 Free models do not require an API key.") }) {
+            QVERIFY2(visibleTexts(window).contains(text), qPrintable(text));
+        }
+        for (const QString &field : { QStringLiteral("openAIKeyField.input"), QStringLiteral("falAIKeyField.input"),
+                 QStringLiteral("claudeKeyField.input") }) {
+            QQuickItem *input = findItem(window, field);
+            QVERIFY2(input, qPrintable(field));
+            QCOMPARE(input->property("echoMode").toInt(), 2); // TextInput.Password
+        }
         QQuickItem *picker = findItem(window, QStringLiteral("textModelPicker"));
         QVERIFY(picker);
+        saveScreenshots(window, QStringLiteral("settings"));
+        QCOMPARE(picker->property("currentText").toString(), QStringLiteral("GPT-4o Mini"));
         int haiku = -1;
         QVERIFY(QMetaObject::invokeMethod(picker, "indexOfValue", Q_RETURN_ARG(int, haiku),
             Q_ARG(QVariant, QStringLiteral("claude-3-haiku-20240307"))));
         QVERIFY(haiku > 0);
         picker->setProperty("currentIndex", haiku);
         QVERIFY(QMetaObject::invokeMethod(picker, "activated", Q_ARG(int, haiku)));
+        auto *manager = app->engine()->singletonInstance<APIManager *>(qmlTypeId("Zentrik", 1, 0, "APIManager"));
+        QVERIFY(manager);
+        QCOMPARE(manager->selectedTextModel(), QStringLiteral("gpt-4o-mini")); // nothing written before Save
         QVERIFY(click(findItem(window, QStringLiteral("saveButton"))));
         QTRY_VERIFY(visibleTexts(window).contains(QStringLiteral("Your changes have been saved successfully.")));
+        QCOMPARE(manager->selectedTextModel(), QStringLiteral("claude-3-haiku-20240307"));
+        QCOMPARE(Preferences().string(QString::fromLatin1(APIManager::textModelPreference)),
+            QStringLiteral("claude-3-haiku-20240307"));
         QTest::keyClick(window, Qt::Key_Escape); // the notice holds the window until dismissed
         QTRY_VERIFY(!visibleTexts(window).contains(QStringLiteral("Your changes have been saved successfully.")));
 
@@ -236,7 +188,7 @@ private Q_SLOTS:
         QCOMPARE(request.json().object().value(QLatin1String("model")).toString(),
             QStringLiteral("claude-3-haiku-20240307"));
         QCOMPARE(request.header("x-api-key"), QByteArray("sk-ant-window"));
-        QCOMPARE(ssefixture::lastMessageText(request.json()), QStringLiteral("Say hello and help me start the week"));
+        QCOMPARE(test::lastMessageText(request.json()), QStringLiteral("Say hello and help me start the week"));
         QVERIFY(chat->newMessage().isEmpty());
         saveScreenshots(window, QStringLiteral("ask-me-anything"));
     }
@@ -268,7 +220,7 @@ private Q_SLOTS:
                 QStringLiteral("The product launch is planned for the ninth of March.") },
             QStringLiteral("Handbook")));
         m_fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::json(ssefixture::completion(QStringLiteral("The launch is on 9 March (page 2)."))));
+            ScriptedReply::json(test::completion(QStringLiteral("The launch is on 9 March (page 2)."))));
 
         const auto app = startApp();
         QVERIFY(app);
@@ -297,7 +249,7 @@ private Q_SLOTS:
         QTest::keyClick(window, Qt::Key_Return);
         QTRY_VERIFY_WITH_TIMEOUT(
             visibleTexts(window).join(QLatin1Char('\n')).contains(QStringLiteral("9 March")), 10000);
-        const QString sent = ssefixture::lastMessageText(m_fake->lastRequest().json());
+        const QString sent = test::lastMessageText(m_fake->lastRequest().json());
         QVERIFY2(sent.contains(QLatin1String("When is the launch?")), qPrintable(sent));
         QVERIFY2(sent.contains(QLatin1String("ninth of March")), qPrintable(sent));
         QCOMPARE(chat->citedPages(QStringLiteral("The launch is on 9 March (page 2).")), QList<int> { 2 });

@@ -30,18 +30,8 @@ class WindowTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_config = std::make_unique<ScopedConfigDir>();
-        // No licence service: the window opens at once, whatever the build says.
-        qputenv(LicenseGate::urlVariable, QByteArray());
-    }
-
-    void cleanup()
-    {
-        qunsetenv(LicenseGate::urlVariable);
-        m_config.reset();
-    }
+    void init() { m_environment = std::make_unique<WindowTestEnvironment>(); }
+    void cleanup() { m_environment.reset(); }
 
     void startsOnTheDashboard()
     {
@@ -193,50 +183,6 @@ private Q_SLOTS:
         saveScreenshots(restarted->window(), QStringLiteral("dashboard-dark"));
     }
 
-    void settingsSaveReachesTheApiManager()
-    {
-        const auto app = startApp();
-        QVERIFY(app);
-        QTest::keyClick(app->window(), Qt::Key_Comma, Qt::ControlModifier);
-        QTRY_VERIFY(findItem(app->window(), QStringLiteral("settingsView")));
-        for (const QString &text : { QStringLiteral("Settings"), QStringLiteral("How It Works"),
-                 QStringLiteral("🆓 Free models do not require an API key.") }) {
-            QVERIFY2(visibleTexts(app->window()).contains(text), qPrintable(text));
-        }
-        for (const QString &field : { QStringLiteral("openAIKeyField.input"), QStringLiteral("falAIKeyField.input"),
-                 QStringLiteral("claudeKeyField.input") }) {
-            QQuickItem *input = findItem(app->window(), field);
-            QVERIFY2(input, qPrintable(field));
-            QCOMPARE(input->property("echoMode").toInt(), 2); // TextInput.Password
-        }
-
-        QQuickItem *picker = findItem(app->window(), QStringLiteral("textModelPicker"));
-        QVERIFY(picker);
-        saveScreenshots(app->window(), QStringLiteral("settings"));
-        QCOMPARE(picker->property("currentText").toString(), QStringLiteral("GPT-4o Mini"));
-        int haiku = -1;
-        QVERIFY(QMetaObject::invokeMethod(picker, "indexOfValue", Q_RETURN_ARG(int, haiku),
-            Q_ARG(QVariant, QStringLiteral("claude-3-haiku-20240307"))));
-        QVERIFY(haiku > 0);
-        picker->setProperty("currentIndex", haiku);
-        QVERIFY(QMetaObject::invokeMethod(picker, "activated", Q_ARG(int, haiku)));
-
-        auto *manager = app->engine()->singletonInstance<APIManager *>(qmlTypeId("Zentrik", 1, 0, "APIManager"));
-        QVERIFY(manager);
-        QCOMPARE(manager->selectedTextModel(), QStringLiteral("gpt-4o-mini")); // nothing written before Save
-
-        QVERIFY(click(findItem(app->window(), QStringLiteral("saveButton"))));
-        QTRY_COMPARE(manager->selectedTextModel(), QStringLiteral("claude-3-haiku-20240307"));
-        QCOMPARE(Preferences().string(QString::fromLatin1(APIManager::textModelPreference)),
-            QStringLiteral("claude-3-haiku-20240307"));
-        QTRY_VERIFY(visibleTexts(app->window()).contains(QStringLiteral("Your changes have been saved successfully.")));
-
-        // Escape dismisses the notice.
-        QTest::keyClick(app->window(), Qt::Key_Escape);
-        QTRY_VERIFY(
-            !visibleTexts(app->window()).contains(QStringLiteral("Your changes have been saved successfully.")));
-    }
-
     void howItWorksFoldsOpen()
     {
         const auto app = startApp();
@@ -299,7 +245,7 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<ScopedConfigDir> m_config;
+    std::unique_ptr<WindowTestEnvironment> m_environment;
 };
 ZENTRIK_TEST(WindowTest)
 

@@ -3,6 +3,8 @@
 #include "app/licensegate.h"
 
 #include "app/zentrikapp.h"
+#include "model/apimanager.h"
+#include "tools/generatorviewmodel.h"
 
 #include <QDir>
 #include <QImage>
@@ -13,7 +15,6 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
-#include <array>
 
 Q_IMPORT_QML_PLUGIN(ZentrikPlugin)
 
@@ -132,8 +133,10 @@ void saveScreenshots(QQuickWindow *window, const QString &name)
     for (const auto &[size, suffix] :
         { std::pair { QSize(1280, 800), QString() }, std::pair { QSize(800, 600), QStringLiteral("-800x600") } }) {
         window->resize(size);
-        QTest::qWait(300); // layouts and images settle over a few frames
-        waitForFrame(window);
+        QTest::qWaitFor([window, size] { return window->size() == size; });
+        for (int frame = 0; frame < 3; ++frame) { // layouts and images settle over a few frames
+            waitForFrame(window);
+        }
         const QString path = QDir(directory).filePath(name + suffix + QStringLiteral(".png"));
         if (!window->grabWindow().save(path)) {
             qWarning("Could not write %s", qPrintable(path));
@@ -165,40 +168,48 @@ void typeText(QQuickWindow *window, const QString &text)
     }
 }
 
-namespace {
-constexpr std::array providerVariables { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL",
-    "ZENTRIK_OPENROUTER_BASE_URL" };
-} // namespace
+bool fillField(QQuickWindow *window, const QString &label, const QString &text)
+{
+    if (!click(findItem(window, QStringLiteral("field:") + label))) {
+        return false;
+    }
+    typeText(window, text);
+    return true;
+}
+
+QObject *openScreen(QQuickWindow *window, const QString &opener, const QString &view, const QString &viewModel)
+{
+    if (!click(findItem(window, opener)) || !QTest::qWaitFor([&] { return findItem(window, view) != nullptr; })) {
+        return nullptr;
+    }
+    return findObject(window, viewModel);
+}
+
+GeneratorViewModel *openSloganGenerator(QQuickWindow *window)
+{
+    auto *generator
+        = qobject_cast<GeneratorViewModel *>(openScreen(window, QStringLiteral("agentCard:Slogan Generator"),
+            QStringLiteral("generatorView"), QStringLiteral("generatorViewModel")));
+    if (generator == nullptr || generator->apiManager() == nullptr) {
+        return nullptr;
+    }
+    generator->apiManager()->setSelectedTextModel(QStringLiteral("gpt-3.5-turbo-1106"));
+    generator->apiManager()->overrideUserKeys(QStringLiteral("sk-window-test"), QString(), QString());
+    return generator;
+}
 
 WindowTestEnvironment::WindowTestEnvironment()
 {
-    qputenv(LicenseGate::urlVariable, QByteArray());
-    for (const char *variable : providerVariables) {
-        qputenv(variable, m_fake.baseUrl().toString().toUtf8());
+    m_environment.set(LicenseGate::urlVariable, QString());
+    m_environment.set("TMPDIR", m_tmp.path());
+    for (const char *variable :
+        { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL", "ZENTRIK_OPENROUTER_BASE_URL",
+            "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" }) {
+        m_environment.set(variable, m_fake.baseUrl().toString());
     }
 }
 
-WindowTestEnvironment::~WindowTestEnvironment()
-{
-    for (const char *variable : providerVariables) {
-        qunsetenv(variable);
-    }
-    qunsetenv(LicenseGate::urlVariable);
-}
-
-ScopedConfigDir::ScopedConfigDir()
-{
-    qputenv("ZENTRIK_CONFIG_DIR", m_dir.path().toUtf8());
-}
-
-ScopedConfigDir::~ScopedConfigDir()
-{
-    qunsetenv("ZENTRIK_CONFIG_DIR");
-}
-
-// The renderer the program picks on a machine without a GPU, which is where controls have
-// gone missing before: Qt Quick's software renderer runs no shader effects.
-// Chosen once, before the first window: the scene graph keeps its first choice.
+// Where controls have gone missing before: the software renderer runs no shader effects.
 void useSoftwareRenderer()
 {
     static const bool chosen = [] {

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include "support/environment.h"
 #include "support/fakeprovider.h"
 
 #include <memory>
@@ -15,8 +16,9 @@ class QQuickItem;
 class QQuickWindow;
 
 namespace zentrik {
+class GeneratorViewModel;
 class ZentrikApp;
-}
+} // namespace zentrik
 
 namespace zentrik::test {
 
@@ -45,38 +47,38 @@ void saveScreenshots(QQuickWindow *window, const QString &name);
 
 // Types the text into the focused item, one key press per character.
 void typeText(QQuickWindow *window, const QString &text);
+// Clicks a form field of the generator by its label and types the text into it.
+[[nodiscard]] bool fillField(QQuickWindow *window, const QString &label, const QString &text);
 
-// The preferences of one test in a directory of their own, removed afterwards.
-class ScopedConfigDir
-{
-public:
-    ScopedConfigDir();
-    ~ScopedConfigDir();
-    ScopedConfigDir(const ScopedConfigDir &) = delete;
-    ScopedConfigDir &operator=(const ScopedConfigDir &) = delete;
+// Clicks `opener` (a sidebar entry or a card), waits for the screen item `view`, and returns
+// the window's object called `viewModel`; null if any of that fails.
+[[nodiscard]] QObject *openScreen(
+    QQuickWindow *window, const QString &opener, const QString &view, const QString &viewModel);
+// The marketing generator, opened from the "Slogan Generator" card, ready to send to the
+// fake OpenAI service with a model the generators accept and a key for this run.
+[[nodiscard]] GeneratorViewModel *openSloganGenerator(QQuickWindow *window);
 
-    [[nodiscard]] QString path() const { return m_dir.path(); }
-
-private:
-    QTemporaryDir m_dir;
-};
-
-// What a window test starts from: its own preferences folder, a fake provider behind the
-// OpenAI, Anthropic and OpenRouter addresses, and no licence check; all undone when it goes.
+// What a window test starts from: its own preferences folder and temporary folder, one fake
+// provider behind every provider address, and no licence check; all undone when it goes.
 class WindowTestEnvironment
 {
 public:
     WindowTestEnvironment();
-    ~WindowTestEnvironment();
-    WindowTestEnvironment(const WindowTestEnvironment &) = delete;
-    WindowTestEnvironment &operator=(const WindowTestEnvironment &) = delete;
 
     [[nodiscard]] FakeProvider &fake() { return m_fake; }
+    // Where the program's temporary files (the free image model's pictures) go.
+    [[nodiscard]] QString tempPath() const { return m_tmp.path(); }
 
 private:
     ScopedConfigDir m_config;
+    QTemporaryDir m_tmp;
     FakeProvider m_fake;
+    ScopedEnvironment m_environment;
 };
+
+// Qt Quick's software renderer, the one the program picks on a machine without a GPU; called
+// before the first window, since the scene graph keeps its first choice.
+void useSoftwareRenderer();
 
 // Style and import path as the program sets them, for tests that build their own engine.
 void prepareEngine(QQmlEngine &engine);

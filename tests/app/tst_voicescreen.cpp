@@ -11,39 +11,17 @@
 #include <QQuickView>
 #include <QRegularExpression>
 #include <QStandardPaths>
-#include <QtQml/qqmlextensionplugin.h>
 
-#include "../configdir.h"
-#include "app/zentrikapp.h"
+#include "support/environment.h"
 #include "support/testregistry.h"
 #include "voice/audiorecorder.h"
 #include "voice/voicenotesviewmodel.h"
-
-Q_IMPORT_QML_PLUGIN(ZentrikPlugin)
+#include "windowharness.h"
 
 using namespace zentrik;
+using namespace zentrik::test;
 
 namespace {
-
-QList<QObject *> allObjects(QObject *root)
-{
-    QList<QObject *> found;
-    QList<QObject *> pending { root };
-    while (!pending.isEmpty()) {
-        QObject *object = pending.takeFirst();
-        if (object == nullptr || found.contains(object)) {
-            continue;
-        }
-        found.append(object);
-        pending.append(object->children());
-        if (auto *item = qobject_cast<QQuickItem *>(object)) {
-            for (QQuickItem *child : item->childItems()) {
-                pending.append(child);
-            }
-        }
-    }
-    return found;
-}
 
 QList<QQuickItem *> visibleItems(QQuickView &view, const QString &objectName)
 {
@@ -57,20 +35,11 @@ QList<QQuickItem *> visibleItems(QQuickView &view, const QString &objectName)
     return items;
 }
 
+// The one visible item of that name, or null.
 QQuickItem *visibleItem(QQuickView &view, const QString &objectName)
 {
     const QList<QQuickItem *> items = visibleItems(view, objectName);
     return items.size() == 1 ? items.first() : nullptr;
-}
-
-bool click(QQuickView &view, QQuickItem *item)
-{
-    if (item == nullptr || !item->isVisible() || !item->isEnabled()) {
-        return false;
-    }
-    const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
-    QTest::mouseClick(&view, Qt::LeftButton, {}, centre.toPoint());
-    return true;
 }
 
 // The loudest sample of an audio file in dB below full scale, as ffmpeg measures it; NaN
@@ -94,29 +63,19 @@ double loudestSampleDb(const QString &path)
 } // namespace
 
 // The voice notes screen, loaded on its own in a window, driven by clicks and typing.
-
-namespace {
-// QTest::keyClicks exists only for widgets; a window gets one key press per character.
-void typeInto(QWindow *window, const QString &text)
-{
-    for (const QChar character : text) {
-        QTest::keyClick(window, character.toLatin1());
-    }
-}
-} // namespace
-
 class TestVoiceScreen : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<ConfigDir> m_config;
+    std::unique_ptr<ScopedConfigDir> m_config;
     std::unique_ptr<QQuickView> m_view;
     VoiceNotesViewModel *m_voiceNotes = nullptr;
 
     bool load()
     {
+        useSoftwareRenderer();
         m_view = std::make_unique<QQuickView>();
-        m_view->engine()->addImportPath(QStringLiteral("qrc:/qt/qml"));
+        prepareEngine(*m_view->engine());
         m_view->resize(1000, 1400);
         QQmlComponent component(m_view->engine());
         component.setData("import QtQuick\nimport Zentrik\nVoiceNotesView { anchors.fill: parent }", QUrl());
@@ -144,11 +103,9 @@ class TestVoiceScreen : public QObject
     }
 
 private Q_SLOTS:
-    void initTestCase() { ZentrikApp::configureApplication(); }
-
     void init()
     {
-        m_config = std::make_unique<ConfigDir>();
+        m_config = std::make_unique<ScopedConfigDir>();
         VoiceNoteManager seed;
         seed.add(VoiceNote::create(QStringLiteral("Groceries"), QStringLiteral("Oat milk and bread")));
         seed.add(VoiceNote::create(QStringLiteral("Dentist"), QStringLiteral("Tuesday at nine")));
@@ -176,28 +133,28 @@ private Q_SLOTS:
     {
         QQuickItem *search = visibleItem(*m_view, "searchField");
         QCOMPARE(search->property("placeholderText").toString(), QStringLiteral("Search notes"));
-        QVERIFY(click(*m_view, search));
-        typeInto(m_view.get(), QStringLiteral("MILK"));
+        QVERIFY(click(search));
+        typeText(m_view.get(), QStringLiteral("MILK"));
         QTRY_COMPARE(visibleItems(*m_view, "copyNoteButton").size(), 1);
-        typeInto(m_view.get(), QStringLiteral("zzz"));
+        typeText(m_view.get(), QStringLiteral("zzz"));
         QTRY_COMPARE(text("emptyNotesLabel"), QStringLiteral("No notes match your search."));
     }
 
     void editorSavesAndCancels()
     {
-        QVERIFY(click(*m_view, visibleItems(*m_view, "editNoteButton").first()));
+        QVERIFY(click(visibleItems(*m_view, "editNoteButton").first()));
         QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") != nullptr);
         QCOMPARE(text("noteTitleField"), QStringLiteral("Dentist"));
-        QVERIFY(click(*m_view, visibleItem(*m_view, "cancelEditButton")));
+        QVERIFY(click(visibleItem(*m_view, "cancelEditButton")));
         QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") == nullptr);
 
-        QVERIFY(click(*m_view, visibleItems(*m_view, "editNoteButton").first()));
+        QVERIFY(click(visibleItems(*m_view, "editNoteButton").first()));
         QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") != nullptr);
         QQuickItem *title = visibleItem(*m_view, "noteTitleField");
-        QVERIFY(click(*m_view, title));
+        QVERIFY(click(title));
         QTest::keySequence(m_view.get(), QKeySequence::SelectAll);
-        typeInto(m_view.get(), QStringLiteral("Dentist moved"));
-        QVERIFY(click(*m_view, visibleItem(*m_view, "saveEditButton")));
+        typeText(m_view.get(), QStringLiteral("Dentist moved"));
+        QVERIFY(click(visibleItem(*m_view, "saveEditButton")));
         QTRY_VERIFY(visibleItem(*m_view, "noteTitleField") == nullptr);
         QCOMPARE(VoiceNoteManager().notes().first().title, QStringLiteral("Dentist moved"));
         QCOMPARE(VoiceNoteManager().notes().first().transcription, QStringLiteral("Tuesday at nine"));
@@ -205,15 +162,15 @@ private Q_SLOTS:
 
     void deleteAsksFirst()
     {
-        QVERIFY(click(*m_view, visibleItems(*m_view, "deleteNoteButton").first()));
+        QVERIFY(click(visibleItems(*m_view, "deleteNoteButton").first()));
         QTRY_VERIFY(visibleItem(*m_view, "cancelDeleteButton") != nullptr);
-        QVERIFY(click(*m_view, visibleItem(*m_view, "cancelDeleteButton")));
+        QVERIFY(click(visibleItem(*m_view, "cancelDeleteButton")));
         QTRY_VERIFY(visibleItem(*m_view, "cancelDeleteButton") == nullptr);
         QCOMPARE(m_voiceNotes->noteCount(), 2);
 
-        QVERIFY(click(*m_view, visibleItems(*m_view, "deleteNoteButton").first()));
+        QVERIFY(click(visibleItems(*m_view, "deleteNoteButton").first()));
         QTRY_VERIFY(visibleItem(*m_view, "confirmDeleteButton") != nullptr);
-        QVERIFY(click(*m_view, visibleItem(*m_view, "confirmDeleteButton")));
+        QVERIFY(click(visibleItem(*m_view, "confirmDeleteButton")));
         QTRY_COMPARE(visibleItems(*m_view, "copyNoteButton").size(), 1);
         QCOMPARE(VoiceNoteManager().notes().first().title, QStringLiteral("Groceries"));
     }
@@ -221,7 +178,7 @@ private Q_SLOTS:
     void copiesATranscription()
     {
         QGuiApplication::clipboard()->clear();
-        QVERIFY(click(*m_view, visibleItems(*m_view, "copyNoteButton").last()));
+        QVERIFY(click(visibleItems(*m_view, "copyNoteButton").last()));
         QTRY_COMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("Oat milk and bread"));
     }
 
@@ -238,10 +195,10 @@ private Q_SLOTS:
         int made = 0;
         for (int attempt = 0; made < 20; ++attempt) {
             QTRY_VERIFY2_WITH_TIMEOUT(button->isEnabled(), qPrintable(text("recordingStatus")), 20000);
-            QVERIFY(click(*m_view, button));
+            QVERIFY(click(button));
             if (attempt % 5 == 4) {
                 // Changed their mind at once: usually while the microphone is still opening.
-                QVERIFY(click(*m_view, button));
+                QVERIFY(click(button));
                 QTRY_COMPARE_WITH_TIMEOUT(text("recordingStatus"), idle, 20000);
                 QTRY_VERIFY_WITH_TIMEOUT(button->isEnabled(), 20000);
                 continue;
@@ -249,8 +206,8 @@ private Q_SLOTS:
             QTRY_VERIFY2_WITH_TIMEOUT(visibleItem(*m_view, "recordingTime") != nullptr,
                 qPrintable(QStringLiteral("recording %1: %2").arg(made + 1).arg(text("voiceNotesError"))),
                 AudioRecorder::startTimeoutMs + 2000);
-            QTest::qWait(800);
-            QVERIFY(click(*m_view, button));
+            QTest::qWait(800); // the length of the recording, not a wait for anything
+            QVERIFY(click(button));
             QTRY_COMPARE_WITH_TIMEOUT(text("recordingStatus"), idle, 20000);
             // No key in this scratch configuration: transcription fails and the recording stays.
             QVERIFY2(text("voiceNotesError").startsWith(QStringLiteral("Transcription failed")),
