@@ -1,6 +1,6 @@
-#include "model/providerfixture.h"
 #include "privacy/piialertviewmodel.h"
-#include "sse.h"
+#include "support/providerfixture.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 #include "tools/askmeanythingviewmodel.h"
 #include "tools/chatmessagelistmodel.h"
@@ -11,12 +11,13 @@
 #include <QtTest>
 
 using namespace zentrik;
+using test::ProviderFixture;
 using test::ScriptedReply;
 
 namespace {
 QString lastUserContent(const test::RecordedRequest &request)
 {
-    return ssefixture::lastMessageText(request.json());
+    return test::lastMessageText(request.json());
 }
 } // namespace
 
@@ -31,8 +32,8 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Missing ")),
-                ssefixture::chunk(QStringLiteral("operand.")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("Missing ")),
+                test::chunkLine(QStringLiteral("operand.")), test::doneLine }));
         DevToolViewModel vm;
         QAbstractItemModelTester tester(vm.messages(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         vm.setApiManager(fixture.manager.get());
@@ -60,7 +61,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("ok")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("ok")), test::doneLine }));
         DevToolViewModel vm;
         vm.setApiManager(fixture.manager.get());
         vm.setTool(QStringLiteral("sampleData"));
@@ -76,7 +77,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("claude-3-haiku-20240307"));
         fixture.fake->on(
-            "POST", "/v1/messages", ScriptedReply::json(ssefixture::anthropicReply(QStringLiteral("Whole reply"))));
+            "POST", "/v1/messages", ScriptedReply::json(test::anthropicReply(QStringLiteral("Whole reply"))));
         DevToolViewModel vm;
         vm.setApiManager(fixture.manager.get());
         QSignalSpy streaming(&vm, &DevToolViewModel::isStreamingChanged);
@@ -121,8 +122,8 @@ private Q_SLOTS:
         QFETCH(bool, userStops);
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        ScriptedReply reply = ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("partial")),
-            userStops ? ssefixture::chunk(QStringLiteral("late")) : ssefixture::errorEvent(QStringLiteral("boom")) });
+        ScriptedReply reply = ScriptedReply::sse({ test::chunkLine(QStringLiteral("partial")),
+            userStops ? test::chunkLine(QStringLiteral("late")) : test::errorLine(QStringLiteral("boom")) });
         if (userStops) {
             reply.pieces[1].pauseBefore = std::chrono::milliseconds(3000);
         }
@@ -162,10 +163,9 @@ private Q_SLOTS:
         ask.setApiManager(fixture.manager.get());
         ask.setNewMessage(QStringLiteral("\n  "));
         ask.send();
-        QTest::qWait(50);
-        QCOMPARE(debugger.messages()->count() + ask.messages()->count(), 0);
-        QCOMPARE(fixture.fake->requestCount(), 0);
         QVERIFY(!debugger.isProcessing() && !ask.isProcessing());
+        QCOMPARE(debugger.messages()->count() + ask.messages()->count(), 0);
+        QCOMPARE(fixture.manager->httpClient().activeCallCount(), 0);
     }
 
     void askConfirmationPaths_data()
@@ -188,7 +188,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on(
-            "POST", "/v1/chat/completions", ScriptedReply::json(ssefixture::completion(QStringLiteral("Answer"))));
+            "POST", "/v1/chat/completions", ScriptedReply::json(test::completion(QStringLiteral("Answer"))));
         AskMeAnythingViewModel vm;
         QAbstractItemModelTester tester(vm.messages(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         vm.setApiManager(fixture.manager.get());

@@ -1,8 +1,8 @@
 #include "buildconfig.h"
-#include "model/providerfixture.h"
 #include "privacy/piialertviewmodel.h"
 #include "render/markdownmodel.h"
-#include "sse.h"
+#include "support/providerfixture.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 #include "tools/generatorviewmodel.h"
 
@@ -10,6 +10,7 @@
 #include <QtTest>
 
 using namespace zentrik;
+using test::ProviderFixture;
 using namespace std::chrono_literals;
 using test::ScriptedReply;
 
@@ -25,10 +26,7 @@ class GeneratorViewModelTest : public QObject
         vm.setInput(QStringLiteral("Brand/Product Name"), brand);
     }
 
-    static QString sentPrompt(const test::RecordedRequest &request)
-    {
-        return ssefixture::lastMessageText(request.json());
-    }
+    static QString sentPrompt(const test::RecordedRequest &request) { return test::lastMessageText(request.json()); }
 
 private Q_SLOTS:
     void streamsReplyIntoOutput()
@@ -36,8 +34,8 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("# Acme\n\n")),
-                ssefixture::chunk(QStringLiteral("Built to **last**.")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("# Acme\n\n")),
+                test::chunkLine(QStringLiteral("Built to **last**.")), test::doneLine }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm);
@@ -96,7 +94,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("mistralai/mistral-7b-instruct:free"), QString(), QString());
         fixture.fake->on("POST", "/api/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("free words")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("free words")), test::doneLine }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm);
@@ -136,7 +134,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("ok")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("ok")), test::doneLine }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm, brand);
@@ -147,8 +145,7 @@ private Q_SLOTS:
             QVERIFY(!vm.isGenerating());
             QCOMPARE(alert->originalMessage(), vm.composedPrompt());
             QVERIFY(alert->redactedMessage().contains(QStringLiteral("[EMAIL_ADDRESS]")));
-            QTest::qWait(50);
-            QCOMPARE(fixture.fake->requestCount(), 0);
+            QCOMPARE(fixture.manager->httpClient().activeCallCount(), 0);
             choice == 1 ? vm.sendOriginal() : vm.sendRedacted();
             QVERIFY(!alert->showAlert());
         }
@@ -164,7 +161,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("ok")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("ok")), test::doneLine }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         vm.setFamily(QStringLiteral("customer-support"));
@@ -184,8 +181,8 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("one ")), ssefixture::chunk(QStringLiteral("two")),
-                ssefixture::errorEvent(QStringLiteral("Rate limit exceeded")) }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("one ")), test::chunkLine(QStringLiteral("two")),
+                test::errorLine(QStringLiteral("Rate limit exceeded")) }));
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
         fillSlogan(vm);
@@ -205,8 +202,8 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-3.5-turbo-1106"));
-        ScriptedReply reply = ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("first")),
-            ssefixture::chunk(QStringLiteral("late")), ssefixture::done });
+        ScriptedReply reply = ScriptedReply::sse(
+            { test::chunkLine(QStringLiteral("first")), test::chunkLine(QStringLiteral("late")), test::doneLine });
         reply.pieces[1].pauseBefore = 3000ms;
         fixture.fake->on("POST", "/v1/chat/completions", reply);
         GeneratorViewModel vm;
@@ -219,7 +216,8 @@ private Q_SLOTS:
         QVERIFY(!vm.isGenerating());
         QVERIFY(vm.errorMessage().isEmpty());
         QVERIFY(vm.wasStopped());
-        QTest::qWait(100);
+        // Once the client holds no call, nothing more can arrive.
+        QTRY_COMPARE(fixture.manager->httpClient().activeCallCount(), 0);
         QCOMPARE(vm.output(), QStringLiteral("first"));
     }
 

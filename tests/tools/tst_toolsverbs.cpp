@@ -18,33 +18,6 @@ class ToolsVerbsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void promptForTheSloganGenerator()
-    {
-        const Run run = runCli({ QStringLiteral("prompt"), QStringLiteral("Slogan Generator"),
-            QStringLiteral("--field"), QStringLiteral("Brand/Product Name=Acme") });
-        QCOMPARE(run.exitCode, 0);
-        QCOMPARE(run.err, QString());
-        QCOMPARE(run.out,
-            QStringLiteral("Generate 30 attention-grabbing taglines for the given brand or product.\n"
-                           "\n"
-                           "Category: Slogan Generator\n"
-                           "Brand/Product Name: Acme\n"
-                           "\n"
-                           "Structure:\n"
-                           "1. List 30 unique and catchy slogans\n"
-                           "2. Ensure each slogan is concise (preferably under 10 words)\n"
-                           "3. Incorporate brand values or unique selling points where possible\n"
-                           "4. Vary the style and tone across the slogans\n"
-                           "5. Include a mix of emotional and rational appeals\n"
-                           "\n"
-                           "Tone guidelines:\n"
-                           "- Be creative and memorable\n"
-                           "- Use wordplay, alliteration, or rhyme where appropriate\n"
-                           "- Ensure slogans are easy to understand and remember\n"
-                           "\n"
-                           "Highlight the top 3 slogans that best represent the brand and explain why.\n"));
-    }
-
     void promptMatchesTheLibrary_data()
     {
         QTest::addColumn<QStringList>("arguments");
