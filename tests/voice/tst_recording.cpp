@@ -9,14 +9,15 @@
 #include <QProcess>
 #include <QStandardPaths>
 
-#include "configdir.h"
-#include "logcapture.h"
-#include "model/providerfixture.h"
+#include "support/environment.h"
+#include "support/logcapture.h"
+#include "support/providerfixture.h"
 #include "support/testregistry.h"
 #include "voice/audiorecorder.h"
 #include "voice/voicenotesviewmodel.h"
 
 using namespace zentrik;
+using test::ProviderFixture;
 using test::ScriptedReply;
 
 namespace {
@@ -64,7 +65,7 @@ private Q_SLOTS:
         if (!hasMicrophone()) {
             QSKIP("No audio input exists here (scripts/test provides a virtual microphone)");
         }
-        ConfigDir config;
+        const test::ScopedConfigDir config;
         test::LogCapture log;
         AudioRecorder recorder;
         QVERIFY(recorder.microphoneAccessGranted());
@@ -77,7 +78,7 @@ private Q_SLOTS:
         QVERIFY(!recorder.start()); // one recording at a time
         QTRY_VERIFY_WITH_TIMEOUT(recorder.isRecording(), AudioRecorder::startTimeoutMs);
         QVERIFY(!recorder.isStarting());
-        QTest::qWait(2000);
+        QTest::qWait(2000); // the length of the recording, not a wait for anything
         QVERIFY2(ticks.count() >= 10, qPrintable(QString::number(ticks.count())));
         QVERIFY(recorder.recordingTime() >= 1.8 && recorder.recordingTime() < 3.0);
         recorder.stop();
@@ -119,7 +120,7 @@ private Q_SLOTS:
         screen.toggleRecording();
         QVERIFY(screen.isStarting());
         QTRY_VERIFY_WITH_TIMEOUT(screen.isRecording(), AudioRecorder::startTimeoutMs);
-        QTest::qWait(2000);
+        QTest::qWait(2000); // the length of the recording
         screen.toggleRecording();
         QVERIFY(!screen.isRecording());
         QCOMPARE(screen.recordingTimeText(), QStringLiteral("0:02"));

@@ -4,9 +4,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "configdir.h"
-#include "logcapture.h"
 #include "settings/preferences.h"
+#include "support/environment.h"
+#include "support/logcapture.h"
 #include "support/testregistry.h"
 #include "voice/voicenotemanager.h"
 
@@ -42,7 +42,7 @@ class TestVoiceNoteManager : public QObject
 private Q_SLOTS:
     void notesSurviveANewManager()
     {
-        ConfigDir config;
+        const test::ScopedConfigDir config;
         const QDateTime berlin(QDate(2024, 5, 2), QTime(18, 30, 5, 123), QTimeZone("Europe/Berlin"));
         {
             VoiceNoteManager manager;
@@ -75,7 +75,7 @@ private Q_SLOTS:
 
     void replaceAndRemoveById()
     {
-        ConfigDir config;
+        const test::ScopedConfigDir config;
         VoiceNoteManager manager;
         const QDateTime date = QDateTime::currentDateTimeUtc().addDays(-3);
         manager.add(note("a", "A", "alpha", date));
@@ -114,7 +114,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         QFETCH(QStringList, found);
-        ConfigDir config;
+        const test::ScopedConfigDir config;
         VoiceNoteManager manager;
         const QDateTime date = QDateTime::currentDateTimeUtc();
         manager.add(note("3", QString::fromUtf8("Überraschung"), "Party for Anne", date));
@@ -143,7 +143,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, stored);
         QFETCH(QStringList, readable);
-        ConfigDir config;
+        const test::ScopedConfigDir config;
         Preferences preferences;
         preferences.setData("voiceNotes", stored);
 
@@ -168,7 +168,7 @@ private Q_SLOTS:
 
     void aLaterBreakageNeverReplacesABackup()
     {
-        ConfigDir config;
+        const test::ScopedConfigDir config;
         Preferences preferences;
         preferences.setData("voiceNotes", "first broken list");
         VoiceNoteManager first;
@@ -189,7 +189,7 @@ private Q_SLOTS:
 
     void changesMadeElsewhereAreNotLost()
     {
-        ConfigDir config;
+        const test::ScopedConfigDir config;
         VoiceNoteManager window;
         VoiceNoteManager commandLine;
         window.add(VoiceNote::create("From the window", "a"));

@@ -2,13 +2,15 @@
 
 #include <QDir>
 
-#include "logcapture.h"
-#include "model/providerfixture.h"
 #include "settings/preferences.h"
+#include "support/environment.h"
+#include "support/logcapture.h"
+#include "support/providerfixture.h"
 #include "support/testregistry.h"
 #include "voice/voicenotesviewmodel.h"
 
 using namespace zentrik;
+using test::ProviderFixture;
 using test::ScriptedReply;
 
 namespace {
@@ -143,8 +145,7 @@ private Q_SLOTS:
         QVERIFY(!screen.isProcessing());
         QVERIFY(log.has(QStringLiteral("No audio URL returned")));
         QVERIFY(!screen.errorMessage().isEmpty());
-        QTest::qWait(50);
-        QCOMPARE(fixture.fake->requestCount(), 0);
+        QCOMPARE(fixture.manager->httpClient().activeCallCount(), 0);
         QCOMPARE(screen.noteCount(), 0);
     }
 
@@ -168,7 +169,7 @@ private Q_SLOTS:
 
     void editingKeepsIdDateAndPlace()
     {
-        ProviderFixture fixture;
+        const test::ScopedConfigDir config;
         VoiceNotesViewModel screen;
         screen.manager()->add(VoiceNote::create("Second", "two"));
         screen.manager()->add(VoiceNote::create("First", "one"));
@@ -206,7 +207,7 @@ private Q_SLOTS:
 
     void deletingAsksFirst()
     {
-        ProviderFixture fixture;
+        const test::ScopedConfigDir config;
         VoiceNotesViewModel screen;
         screen.manager()->add(VoiceNote::create("Keep", "k"));
         screen.manager()->add(VoiceNote::create("Remove", "r"));
@@ -230,7 +231,7 @@ private Q_SLOTS:
 
     void searchFiltersTheListOnly()
     {
-        ProviderFixture fixture;
+        const test::ScopedConfigDir config;
         VoiceNotesViewModel screen;
         screen.manager()->add(VoiceNote::create("Groceries", "oat milk"));
         screen.manager()->add(VoiceNote::create("Meeting", "budget"));
@@ -246,7 +247,7 @@ private Q_SLOTS:
 
     void copyHandsOverTheTranscription()
     {
-        ProviderFixture fixture;
+        const test::ScopedConfigDir config;
         VoiceNotesViewModel screen;
         screen.manager()->add(VoiceNote::create("Note", "Line one\nline **two**"));
         QSignalSpy copied(&screen, &VoiceNotesViewModel::copyRequested);
