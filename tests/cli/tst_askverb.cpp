@@ -6,20 +6,14 @@
 
 #include "support/clirunner.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 
+using zentrik::test::chunkLine;
 using zentrik::test::CliFixture;
 using zentrik::test::ScriptedReply;
 
 namespace {
-
-QByteArray chunkLine(const QString &text)
-{
-    const QJsonObject chunk { { "id", "c" }, { "object", "chat.completion.chunk" }, { "created", 1 }, { "model", "m" },
-        { "choices",
-            QJsonArray { QJsonObject { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } } } } };
-    return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
-}
 
 QByteArray lastLine(const QByteArray &text)
 {

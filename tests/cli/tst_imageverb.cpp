@@ -5,9 +5,10 @@
 #include <QJsonObject>
 
 #include "model/imagecodec.h"
-#include "model/imagefixture.h"
 #include "support/clirunner.h"
 #include "support/fakeprovider.h"
+#include "support/picture.h"
+#include "support/providerfixture.h"
 #include "support/testregistry.h"
 
 using zentrik::Bitmap;
@@ -101,7 +102,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, model);
         QFETCH(QByteArray, format);
-        const QByteArray picture = ImageFixture::picture(format.constData(), 72, 40);
+        const QByteArray picture = zentrik::test::picture(format.constData(), 72, 40);
         m_cli->fake.on("POST", "/v1/images/generations",
             ScriptedReply::json("{\"data\":[{\"b64_json\":\"" + picture.toBase64() + "\"}]}"));
         if (model == QLatin1String("DALL-E")) {
@@ -143,7 +144,7 @@ private Q_SLOTS:
     void numbersTheDefaultFileName()
     {
         scriptOpenAI("/pictures/p");
-        m_cli->fake.on("GET", "/pictures/p", served(ImageFixture::picture("PNG"), "image/png"));
+        m_cli->fake.on("GET", "/pictures/p", served(zentrik::test::picture("PNG"), "image/png"));
         QStringList written;
         for (int run = 0; run < 2; ++run) {
             const CliResult result = runCli({ "image", "--model", "DALL-E", "a cat" }, {}, {}, m_cli->dir.path());
@@ -195,7 +196,7 @@ private Q_SLOTS:
                 m_cli->fake.on("GET", "/pictures/p", ScriptedReply::json(QByteArray("gone"), 404));
             } else {
                 m_cli->fake.on("GET", "/pictures/p",
-                    served(answer == "serve png" ? ImageFixture::picture("PNG") : QByteArray("<html>no</html>"),
+                    served(answer == "serve png" ? zentrik::test::picture("PNG") : QByteArray("<html>no</html>"),
                         "text/html"));
             }
         } else {

@@ -1,6 +1,7 @@
 #include "model/modelcatalog.h"
 #include "support/clirunner.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 
 #include <QJsonArray>
@@ -8,30 +9,15 @@
 #include <QJsonObject>
 #include <QtTest>
 
+using zentrik::test::chunkLine;
 using zentrik::test::CliFixture;
 using zentrik::test::ScriptedReply;
 
 namespace {
 
-QByteArray chunk(const QString &text)
-{
-    const QJsonObject object { { "id", "c" }, { "object", "chat.completion.chunk" }, { "created", 1 }, { "model", "m" },
-        { "choices",
-            QJsonArray { QJsonObject { { "index", 0 }, { "delta", QJsonObject { { "content", text } } } } } } };
-    return "data: " + QJsonDocument(object).toJson(QJsonDocument::Compact) + "\n\n";
-}
-
 QString sentText(const zentrik::test::RecordedRequest &request)
 {
-    const QJsonValue content = request.json().object().value("messages").toArray().last().toObject().value("content");
-    if (content.isString()) {
-        return content.toString();
-    }
-    QString text;
-    for (const QJsonValue &part : content.toArray()) {
-        text += part.toObject().value("text").toString();
-    }
-    return text;
+    return zentrik::test::lastMessageText(request.json());
 }
 
 } // namespace
@@ -49,7 +35,7 @@ private Q_SLOTS:
         m_cli = std::make_unique<CliFixture>(
             CliFixture::Keys { { "OPENAI_API_KEY", "sk-from-env" }, { "ANTHROPIC_API_KEY", "sk-ant-env" } });
         m_cli->fake.on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ chunk("Acme: "), chunk("built to last."), "data: [DONE]\n\n" }));
+            ScriptedReply::sse({ chunkLine("Acme: "), chunkLine("built to last."), zentrik::test::doneLine }));
     }
 
     void cleanup() { m_cli.reset(); }

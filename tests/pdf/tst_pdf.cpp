@@ -1,9 +1,9 @@
-#include "model/providerfixture.h"
 #include "pdf/pageranker.h"
 #include "pdf/pdfchatviewmodel.h"
 #include "pdf/pdfprompts.h"
 #include "pdf/pdftext.h"
 #include "pdffixtures.h"
+#include "support/providerfixture.h"
 #include "support/testregistry.h"
 #include "tools/chatmessagelistmodel.h"
 
@@ -14,6 +14,7 @@
 #include <QtTest>
 
 using namespace zentrik;
+using test::ProviderFixture;
 using test::ScriptedReply;
 
 namespace {
