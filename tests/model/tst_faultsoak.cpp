@@ -1,17 +1,15 @@
 #include <QtTest>
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <malloc.h>
 #include <random>
 #include <vector>
 
-#include "providerfixture.h"
+#include "support/providerfixture.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 
 using namespace zentrik;
+using test::ProviderFixture;
 using namespace std::chrono_literals;
 using test::ScriptedReply;
 
@@ -52,22 +50,6 @@ QString sampleText(std::mt19937 &random)
     return text;
 }
 
-QByteArray openAIEvent(const QString &content)
-{
-    const QJsonObject choice { { "index", 0 }, { "delta", QJsonObject { { "content", content } } },
-        { "finish_reason", QJsonValue() } };
-    const QJsonObject chunk { { "id", "soak" }, { "object", "chat.completion.chunk" }, { "created", 1 },
-        { "model", "m" }, { "choices", QJsonArray { choice } } };
-    return "data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n";
-}
-
-QByteArray anthropicEvent(const QString &content)
-{
-    const QJsonObject event { { "type", "content_block_delta" }, { "index", 0 },
-        { "delta", QJsonObject { { "type", "text_delta" }, { "text", content } } } };
-    return "event: content_block_delta\ndata: " + QJsonDocument(event).toJson(QJsonDocument::Compact) + "\n\n";
-}
-
 Scenario makeScenario(int index)
 {
     std::mt19937 random(0x5eed + index);
@@ -89,7 +71,7 @@ Scenario makeScenario(int index)
         if (content.isEmpty()) {
             continue;
         }
-        scenario.body += scenario.anthropic ? anthropicEvent(content) : openAIEvent(content);
+        scenario.body += scenario.anthropic ? test::textDelta(content) : test::chunkLine(content);
         if (scenario.fault == Fault::MalformedLine && i >= words.size() / 2 && !scenario.body.contains("{broken")) {
             scenario.body += "data: {broken json\n\n";
         }

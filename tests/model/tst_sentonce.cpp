@@ -1,9 +1,7 @@
 #include <QtTest>
 
-#include <QTemporaryDir>
-
-#include "model/apimanager.h"
 #include "support/closingserver.h"
+#include "support/providerfixture.h"
 #include "support/testregistry.h"
 
 using namespace zentrik;
@@ -12,49 +10,6 @@ namespace {
 
 const QString lostConnection
     = QStringLiteral("The network connection was lost. Please check your internet connection and try again.");
-
-// Every provider address at a server that takes each request and closes without answering.
-class ClosingProviders
-{
-public:
-    ClosingProviders()
-    {
-        qputenv("ZENTRIK_CONFIG_DIR", m_config.path().toUtf8());
-        qputenv("TMPDIR", m_config.path().toUtf8());
-        for (const char *variable : addressVariables) {
-            qputenv(variable, server.baseUrl().toString().toUtf8());
-        }
-        manager = std::make_unique<APIManager>();
-        manager->overrideUserKeys(
-            QStringLiteral("sk-openai-key"), QStringLiteral("sk-ant-key"), QStringLiteral("fal-id:fal-secret"));
-        manager->overrideTogetherKey(QStringLiteral("together-key"));
-    }
-
-    ~ClosingProviders()
-    {
-        manager.reset();
-        for (const char *variable : addressVariables) {
-            qunsetenv(variable);
-        }
-        qunsetenv("ZENTRIK_CONFIG_DIR");
-        qunsetenv("TMPDIR");
-    }
-
-    ClosingProviders(const ClosingProviders &) = delete;
-    ClosingProviders &operator=(const ClosingProviders &) = delete;
-
-    [[nodiscard]] QString path(const QString &name) const { return m_config.filePath(name); }
-
-    static constexpr const char *addressVariables[] = { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL",
-        "ZENTRIK_OPENROUTER_BASE_URL", "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" };
-
-private:
-    QTemporaryDir m_config;
-
-public:
-    test::ClosingServer server;
-    std::unique_ptr<APIManager> manager;
-};
 
 } // namespace
 
@@ -91,7 +46,9 @@ private Q_SLOTS:
     {
         QFETCH(QString, operation);
         QFETCH(QString, model);
-        ClosingProviders providers;
+        // Every provider address at a server that takes each request and closes without answering.
+        test::ClosingServer server;
+        test::ProviderFixture providers(operation == QLatin1String("image") ? model : QString(), server.baseUrl());
         APIManager &manager = *providers.manager;
         std::optional<QString> error;
         int completions = 0;
@@ -100,10 +57,10 @@ private Q_SLOTS:
             error = std::holds_alternative<APIError>(result) ? std::get<APIError>(result).message() : QString();
         };
         if (operation == QLatin1String("chat")) {
-            manager.setSelectedTextModel(model);
+            providers.use(model);
             manager.generateText(QStringLiteral("a prompt"), this, textDone);
         } else if (operation == QLatin1String("stream")) {
-            manager.setSelectedTextModel(model);
+            providers.use(model);
             manager.streamText(
                 QStringLiteral("a prompt"), this, [](const QString &) {},
                 [&](const std::optional<APIError> &result) {
@@ -111,12 +68,12 @@ private Q_SLOTS:
                     error = result ? result->message() : QString();
                 });
         } else if (operation == QLatin1String("transcribe")) {
-            QFile audio(providers.path(QStringLiteral("note.m4a")));
+            providers.use(QString());
+            QFile audio(providers.tempPath() + QStringLiteral("/note.m4a"));
             QVERIFY(audio.open(QIODevice::WriteOnly) && audio.write(QByteArray(4096, 'a')) == 4096);
             audio.close();
             manager.transcribe(audio.fileName(), this, textDone);
         } else {
-            manager.setSelectedImageModel(model);
             manager.generateImage(QStringLiteral("a fox"), this, [&](const ImageResult &result) {
                 ++completions;
                 error = std::holds_alternative<ImageError>(result) ? std::get<ImageError>(result).message() : QString();
@@ -125,7 +82,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(completions, 1, 10000);
         QTest::qWait(150); // a second send, or a second completion, would have come by now
         QCOMPARE(completions, 1);
-        QCOMPARE(providers.server.requests().size(), 1);
+        QCOMPARE(server.requests().size(), 1);
         QCOMPARE(error.value_or(QString()), lostConnection);
     }
 };

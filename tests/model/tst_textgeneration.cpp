@@ -6,10 +6,12 @@
 #include <QTcpServer>
 
 #include "buildconfig.h"
-#include "providerfixture.h"
+#include "support/completion.h"
+#include "support/providerfixture.h"
 #include "support/testregistry.h"
 
 using namespace zentrik;
+using test::ProviderFixture;
 using namespace std::chrono_literals;
 using test::ScriptedReply;
 
@@ -24,12 +26,6 @@ QString builtInOpenRouterKey()
 {
     return QString::fromUtf8(build::openRouterKey);
 }
-
-struct Outcome
-{
-    int calls = 0;
-    std::optional<TextResult> result;
-};
 
 QString messageOf(const TextResult &result)
 {
@@ -46,18 +42,13 @@ class TestTextGeneration : public QObject
 {
     Q_OBJECT
 
-    Outcome generate(ProviderFixture &fixture, const QString &prompt = QStringLiteral("Prompt"))
+    // The reply's text or error message, once the operation has completed exactly once.
+    QString generate(ProviderFixture &fixture, const QString &prompt = QStringLiteral("Prompt"))
     {
-        Outcome outcome;
-        fixture.manager->generateText(prompt, this, [&outcome](const TextResult &result) {
-            ++outcome.calls;
-            outcome.result = result;
-        });
-        // Never from inside the call, even when no request is sent.
-        [&] { QCOMPARE(outcome.calls, 0); }();
-        [&] { QTRY_COMPARE_WITH_TIMEOUT(outcome.calls, 1, 10000); }();
-        QTest::qWait(20);
-        return outcome;
+        test::Completion<TextResult> done;
+        fixture.manager->generateText(prompt, this, done.callback());
+        done.started();
+        return done.waitOnce() ? messageOf(done.result()) : done.fault();
     }
 
 private Q_SLOTS:
@@ -105,9 +96,7 @@ private Q_SLOTS:
         fixture.use(
             model, userKeys ? QStringLiteral("sk-openai") : QString(), userKeys ? QStringLiteral("sk-ant") : QString());
         fixture.fake->on("POST", path, ScriptedReply::json(reply));
-        const Outcome outcome = generate(fixture);
-        QCOMPARE(outcome.calls, 1);
-        QCOMPARE(messageOf(*outcome.result), "reply: Reply text");
+        QCOMPARE(generate(fixture), "reply: Reply text");
 
         QCOMPARE(fixture.fake->requestCount(), 1);
         const auto request = fixture.fake->lastRequest();
@@ -131,45 +120,61 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("mistralai/mistral-7b-instruct:free"));
         QTest::ignoreMessage(QtInfoMsg, "This build carries no key for the free models (ZENTRIK_OPENROUTER_KEY)");
-        const Outcome outcome = generate(fixture);
-        QCOMPARE(messageOf(*outcome.result),
+        QCOMPARE(generate(fixture),
             "The free models need a key built into the program, and this build carries none. "
             "Please choose another model in Settings.");
         QCOMPARE(fixture.fake->requestCount(), 0);
     }
 
+    // Whole or streamed, a request the selection cannot serve is refused before anything is
+    // sent, and the caller hears of it only after its call has returned.
     void refusesBeforeSending_data()
     {
+        QTest::addColumn<bool>("streamed");
         QTest::addColumn<QString>("model");
         QTest::addColumn<QString>("openAIKey");
         QTest::addColumn<QString>("claudeKey");
         QTest::addColumn<QString>("message");
         const QString unsupported = "Unsupported model selected. Please choose a valid model in Settings.";
         const QString missing = "API key is missing. Please add it in Settings.";
-        QTest::newRow("unknown id") << "gpt-4o"
-                                    << "k"
-                                    << "k" << unsupported;
-        QTest::newRow("empty id") << ""
-                                  << "k"
-                                  << "k" << unsupported;
-        QTest::newRow("OpenAI without key") << "gpt-4-turbo"
-                                            << ""
-                                            << "k" << missing;
-        QTest::newRow("Anthropic without key") << "claude-3-opus-20240229"
+        for (const bool streamed : { false, true }) {
+            const char *how = streamed ? "streamed" : "whole";
+            QTest::addRow("%s, unknown id", how) << streamed << "gpt-4o"
+                                                 << "k"
+                                                 << "k" << unsupported;
+            QTest::addRow("%s, empty id", how) << streamed << ""
                                                << "k"
-                                               << "" << missing;
+                                               << "k" << unsupported;
+            QTest::addRow("%s, OpenAI without key", how) << streamed << "gpt-4-turbo"
+                                                         << ""
+                                                         << "k" << missing;
+            QTest::addRow("%s, Anthropic without key", how) << streamed << "claude-3-opus-20240229"
+                                                            << "k"
+                                                            << "" << missing;
+        }
     }
 
     void refusesBeforeSending()
     {
+        QFETCH(bool, streamed);
         QFETCH(QString, model);
         QFETCH(QString, openAIKey);
         QFETCH(QString, claudeKey);
         QFETCH(QString, message);
         ProviderFixture fixture;
         fixture.use(model, openAIKey, claudeKey);
-        const Outcome outcome = generate(fixture);
-        QCOMPARE(messageOf(*outcome.result), message);
+        if (streamed) {
+            test::Completion<std::optional<APIError>> done;
+            const auto id = fixture.manager->streamText(
+                QStringLiteral("Prompt"), this, [](const QString &) {}, done.callback());
+            done.started();
+            QVERIFY(!fixture.manager->isStreamActive(id));
+            QVERIFY2(done.waitOnce(), qPrintable(done.fault()));
+            QVERIFY(done.result().has_value());
+            QCOMPARE(done.result()->message(), message);
+        } else {
+            QCOMPARE(generate(fixture), message);
+        }
         QCOMPARE(fixture.fake->requestCount(), 0);
     }
 
@@ -222,9 +227,7 @@ private Q_SLOTS:
         for (const QString &line : log.split('|', Qt::SkipEmptyParts)) {
             QTest::ignoreMessage(QtInfoMsg, line.toUtf8().constData());
         }
-        const Outcome outcome = generate(fixture);
-        QCOMPARE(outcome.calls, 1);
-        QCOMPARE(messageOf(*outcome.result), message);
+        QCOMPARE(generate(fixture), message);
     }
 
     void transportFailuresHaveTheirMessages_data()
@@ -263,9 +266,7 @@ private Q_SLOTS:
             closed.close();
             qputenv("ZENTRIK_OPENAI_BASE_URL", QStringLiteral("http://127.0.0.1:%1").arg(port).toUtf8());
         }
-        const Outcome outcome = generate(fixture);
-        QCOMPARE(outcome.calls, 1);
-        QCOMPARE(messageOf(*outcome.result), message);
+        QCOMPARE(generate(fixture), message);
     }
 
     void destroyedCallerGetsNoCompletion()
@@ -280,7 +281,8 @@ private Q_SLOTS:
         fixture.manager->generateText("p", caller.get(), [&calls](const TextResult &) { ++calls; });
         QTRY_COMPARE(fixture.fake->requestCount(), 1);
         caller.reset();
-        QTest::qWait(250);
+        // Once the client holds no call, nothing is left that could call back.
+        QTRY_COMPARE(fixture.manager->httpClient().activeCallCount(), 0);
         QCOMPARE(calls, 0);
     }
 };
