@@ -175,7 +175,7 @@ private Q_SLOTS:
             child.start(QCoreApplication::applicationFilePath(),
                 { QStringLiteral("-class"), QStringLiteral("PreferencesBusyWriterChild") });
             QVERIFY(child.waitForStarted());
-            QTest::qWait(150 + 40 * round);
+            QTest::qWait(150 + 40 * round); // killed at another moment of its writing each round
             child.kill();
             child.waitForFinished();
             Preferences reader;

@@ -219,17 +219,18 @@ private Q_SLOTS:
         KeyService service;
         std::optional<KeyService::Outcome> written;
         std::optional<KeyService::Outcome> read;
+        bool readAfterWrite = false;
         service.write(
             { { QStringLiteral("openAIKey"), QStringLiteral("sk-one") }, { QStringLiteral("claudeKey"), QString() } },
             this, [&](const KeyService::Outcome &outcome) { written = outcome; });
         service.read({ QStringLiteral("openAIKey"), QStringLiteral("claudeKey") }, this,
             [&](const KeyService::Outcome &outcome) {
-                // Completions come in the order asked.
-                QVERIFY(written.has_value());
+                readAfterWrite = written.has_value();
                 read = outcome;
             });
         QVERIFY(!written && !read); // never from inside the call
         QTRY_VERIFY(read.has_value());
+        QVERIFY(readAfterWrite); // completions come in the order asked
         QVERIFY(written->succeeded());
         QVERIFY(read->succeeded());
         QCOMPARE(read->values, (QHash<QString, QString> { { QStringLiteral("openAIKey"), QStringLiteral("sk-one") } }));
@@ -275,6 +276,31 @@ private Q_SLOTS:
 };
 ZENTRIK_TEST(SecretStoreTest)
 
+namespace {
+
+// Runs one store operation by its row number in the tables below; whether it succeeded.
+bool runOperation(SecretStore &store, int operation)
+{
+    switch (operation) {
+    case 0:
+        return store.set(QStringLiteral("v"), QStringLiteral("k"));
+    case 1:
+        return store.get(QStringLiteral("k")).has_value();
+    case 2:
+        return store.getData(QStringLiteral("k"), true).has_value();
+    case 3:
+        return store.remove(QStringLiteral("k"));
+    case 4:
+        return store.clear();
+    case 5:
+        return !store.allKeys().isEmpty();
+    default:
+        return store.isAvailable();
+    }
+}
+
+} // namespace
+
 // The child half of failsFastWithoutSecretService.
 class NoSecretServiceTest : public QObject
 {
@@ -298,28 +324,7 @@ private Q_SLOTS:
         SecretStore store;
         QElapsedTimer timer;
         timer.start();
-        bool succeeded = true;
-        switch (operation) {
-        case 0:
-            succeeded = store.set(QStringLiteral("v"), QStringLiteral("k"));
-            break;
-        case 1:
-            succeeded = store.get(QStringLiteral("k")).has_value();
-            break;
-        case 2:
-            succeeded = store.getData(QStringLiteral("k"), true).has_value();
-            break;
-        case 3:
-            succeeded = store.remove(QStringLiteral("k"));
-            break;
-        case 4:
-            succeeded = store.clear();
-            break;
-        case 5:
-            succeeded = !store.allKeys().isEmpty();
-            break;
-        }
-        QVERIFY(!succeeded);
+        QVERIFY(!runOperation(store, operation));
         QCOMPARE(store.lastResultCode(), int(secretNoService));
         QVERIFY2(timer.elapsed() < SecretStore::timeoutMs + 500, qPrintable(QString::number(timer.elapsed())));
         QVERIFY(!store.isAvailable());
@@ -357,30 +362,7 @@ private Q_SLOTS:
         SecretStore store;
         QElapsedTimer timer;
         timer.start();
-        bool succeeded = true;
-        switch (operation) {
-        case 0:
-            succeeded = store.set(QStringLiteral("v"), QStringLiteral("k"));
-            break;
-        case 1:
-            succeeded = store.get(QStringLiteral("k")).has_value();
-            break;
-        case 2:
-            succeeded = store.getData(QStringLiteral("k"), true).has_value();
-            break;
-        case 3:
-            succeeded = store.remove(QStringLiteral("k"));
-            break;
-        case 4:
-            succeeded = store.clear();
-            break;
-        case 5:
-            succeeded = !store.allKeys().isEmpty();
-            break;
-        case 6:
-            succeeded = store.isAvailable();
-            break;
-        }
+        const bool succeeded = runOperation(store, operation);
         const qint64 elapsed = timer.elapsed();
         QVERIFY(!succeeded);
         QCOMPARE(store.lastResultCode(), int(secretTimedOut));
@@ -437,12 +419,12 @@ private Q_SLOTS:
         auto service = std::make_unique<KeyService>();
         bool called = false;
         service->read({ QStringLiteral("openAIKey") }, this, [&](const KeyService::Outcome &) { called = true; });
-        QTest::qWait(200);
+        QTest::qWait(200); // the read has reached the service, which does not answer
         QElapsedTimer timer;
         timer.start();
         service.reset();
         QVERIFY2(timer.elapsed() < 500, qPrintable(QString::number(timer.elapsed())));
-        QTest::qWait(50);
+        QTest::qWait(50); // an answer already queued for this test object would be delivered now
         QVERIFY(!called);
     }
 };
