@@ -9,110 +9,107 @@ class MarkdownCliTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void run_data();
-    void run();
-    void readsFile_data();
-    void readsFile();
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        QFile file(m_dir.filePath(QStringLiteral("reply.md")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("## Done\n\nSee **[the guide](https://x.org)** \xc3\xa9t\xc3\xa9.\n");
+    }
+
+    void run_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("input");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("out");
+        QTest::addColumn<QString>("errStart"); // stderr must start with this; empty: stderr must be empty
+
+        QTest::newRow("strip from stdin")
+            << QStringList { "markdown", "strip" } << QByteArray("# Hi\n**there** [x](y)\n") << 0 << "Hi\nthere x\n"
+            << "";
+        QTest::newRow("strip from dash") << QStringList { "markdown", "strip", "-" } << QByteArray("1. one\n2. two")
+                                         << 0 << "one\n2. two\n"
+                                         << "";
+        QTest::newRow("strip of blank text prints nothing")
+            << QStringList { "markdown", "strip" } << QByteArray(" \n\n") << 0 << ""
+            << "";
+        QTest::newRow("html from stdin") << QStringList { "markdown", "html" } << QByteArray("| a |\n|---|\n| ~~b~~ |")
+                                         << 0
+                                         << "<table>\n<thead>\n<tr>\n<th>a</th>\n</tr>\n</thead>\n<tbody>\n<tr>\n"
+                                            "<td><del>b</del></td>\n</tr>\n</tbody>\n</table>\n"
+                                         << "";
+        QTest::newRow("html leaves raw html out")
+            << QStringList { "markdown", "html" } << QByteArray("<script>x</script>") << 0
+            << "<!-- raw HTML omitted -->\n"
+            << "";
+        QTest::newRow("no action") << QStringList { "markdown" } << QByteArray() << 2 << ""
+                                   << "zentrik-cli: missing the action: strip or html";
+        QTest::newRow("unknown action") << QStringList { "markdown", "render" } << QByteArray() << 2 << ""
+                                        << "zentrik-cli: unknown action \"render\"";
+        QTest::newRow("two files") << QStringList { "markdown", "strip", "a", "b" } << QByteArray() << 2 << ""
+                                   << "zentrik-cli: expected at most one file, got 2";
+        QTest::newRow("unknown option") << QStringList { "markdown", "strip", "--bold" } << QByteArray() << 2 << ""
+                                        << "zentrik-cli: Unknown option 'bold'";
+        QTest::newRow("missing file") << QStringList { "markdown", "html", "/nonexistent/reply.md" } << QByteArray()
+                                      << 1 << ""
+                                      << "zentrik-cli: cannot read /nonexistent/reply.md: ";
+        QTest::newRow("directory") << QStringList { "markdown", "strip", "/tmp" } << QByteArray() << 1 << ""
+                                   << "zentrik-cli: cannot read /tmp: it is a directory";
+    }
+
+    void run()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, input);
+        QFETCH(int, exitCode);
+        QFETCH(QString, out);
+        QFETCH(QString, errStart);
+        const CliText result = runCli(arguments, input);
+        QCOMPARE(result.exitCode, exitCode);
+        QCOMPARE(result.out, out);
+        if (errStart.isEmpty()) {
+            QCOMPARE(result.err, QString());
+        } else {
+            QVERIFY2(result.err.startsWith(errStart), qPrintable(result.err));
+            // One line, so a script can show it as it is.
+            QCOMPARE(result.err.count(QLatin1Char('\n')), 1);
+        }
+    }
+
+    void readsFile_data()
+    {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QString>("out");
+        QTest::newRow("strip") << "strip"
+                               << "Done\n\nSee the guide \u00e9t\u00e9.\n";
+        QTest::newRow("html")
+            << "html"
+            << "<h2>Done</h2>\n<p>See <strong><a href=\"https://x.org\">the guide</a></strong> \u00e9t\u00e9.</p>\n";
+        QTest::newRow("help") << "--help"
+                              << "";
+    }
+
+    void readsFile()
+    {
+        QFETCH(QString, action);
+        QFETCH(QString, out);
+        const CliText result
+            = runCli({ QStringLiteral("markdown"), action, m_dir.filePath(QStringLiteral("reply.md")) });
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.err, QString());
+        if (action == QStringLiteral("--help")) {
+            QVERIFY2(result.out.startsWith(QStringLiteral("Usage: zentrik-cli markdown")), qPrintable(result.out));
+            QVERIFY(result.out.contains(QStringLiteral("strip")));
+            QVERIFY(result.out.contains(QStringLiteral("html")));
+        } else {
+            QCOMPARE(result.out, out);
+        }
+    }
 
 private:
     QTemporaryDir m_dir;
 };
-
-void MarkdownCliTest::initTestCase()
-{
-    QVERIFY(m_dir.isValid());
-    QFile file(m_dir.filePath(QStringLiteral("reply.md")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("## Done\n\nSee **[the guide](https://x.org)** \xc3\xa9t\xc3\xa9.\n");
-}
-
-void MarkdownCliTest::run_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("out");
-    QTest::addColumn<QString>("errStart"); // stderr must start with this; empty: stderr must be empty
-
-    QTest::newRow("strip from stdin") << QStringList { "markdown", "strip" } << QByteArray("# Hi\n**there** [x](y)\n")
-                                      << 0 << "Hi\nthere x\n"
-                                      << "";
-    QTest::newRow("strip from dash") << QStringList { "markdown", "strip", "-" } << QByteArray("1. one\n2. two") << 0
-                                     << "one\n2. two\n"
-                                     << "";
-    QTest::newRow("strip of blank text prints nothing")
-        << QStringList { "markdown", "strip" } << QByteArray(" \n\n") << 0 << ""
-        << "";
-    QTest::newRow("html from stdin") << QStringList { "markdown", "html" } << QByteArray("| a |\n|---|\n| ~~b~~ |") << 0
-                                     << "<table>\n<thead>\n<tr>\n<th>a</th>\n</tr>\n</thead>\n<tbody>\n<tr>\n"
-                                        "<td><del>b</del></td>\n</tr>\n</tbody>\n</table>\n"
-                                     << "";
-    QTest::newRow("html leaves raw html out")
-        << QStringList { "markdown", "html" } << QByteArray("<script>x</script>") << 0 << "<!-- raw HTML omitted -->\n"
-        << "";
-    QTest::newRow("no action") << QStringList { "markdown" } << QByteArray() << 2 << ""
-                               << "zentrik-cli: missing the action: strip or html";
-    QTest::newRow("unknown action") << QStringList { "markdown", "render" } << QByteArray() << 2 << ""
-                                    << "zentrik-cli: unknown action \"render\"";
-    QTest::newRow("two files") << QStringList { "markdown", "strip", "a", "b" } << QByteArray() << 2 << ""
-                               << "zentrik-cli: expected at most one file, got 2";
-    QTest::newRow("unknown option") << QStringList { "markdown", "strip", "--bold" } << QByteArray() << 2 << ""
-                                    << "zentrik-cli: Unknown option 'bold'";
-    QTest::newRow("missing file") << QStringList { "markdown", "html", "/nonexistent/reply.md" } << QByteArray() << 1
-                                  << ""
-                                  << "zentrik-cli: cannot read /nonexistent/reply.md: ";
-    QTest::newRow("directory") << QStringList { "markdown", "strip", "/tmp" } << QByteArray() << 1 << ""
-                               << "zentrik-cli: cannot read /tmp: it is a directory";
-}
-
-void MarkdownCliTest::run()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QByteArray, input);
-    QFETCH(int, exitCode);
-    QFETCH(QString, out);
-    QFETCH(QString, errStart);
-    const CliText result = runCli(arguments, input);
-    QCOMPARE(result.exitCode, exitCode);
-    QCOMPARE(result.out, out);
-    if (errStart.isEmpty()) {
-        QCOMPARE(result.err, QString());
-    } else {
-        QVERIFY2(result.err.startsWith(errStart), qPrintable(result.err));
-        // One line, so a script can show it as it is.
-        QCOMPARE(result.err.count(QLatin1Char('\n')), 1);
-    }
-}
-
-void MarkdownCliTest::readsFile_data()
-{
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<QString>("out");
-    QTest::newRow("strip") << "strip"
-                           << "Done\n\nSee the guide \u00e9t\u00e9.\n";
-    QTest::newRow("html")
-        << "html"
-        << "<h2>Done</h2>\n<p>See <strong><a href=\"https://x.org\">the guide</a></strong> \u00e9t\u00e9.</p>\n";
-    QTest::newRow("help") << "--help"
-                          << "";
-}
-
-void MarkdownCliTest::readsFile()
-{
-    QFETCH(QString, action);
-    QFETCH(QString, out);
-    const CliText result = runCli({ QStringLiteral("markdown"), action, m_dir.filePath(QStringLiteral("reply.md")) });
-    QCOMPARE(result.exitCode, 0);
-    QCOMPARE(result.err, QString());
-    if (action == QStringLiteral("--help")) {
-        QVERIFY2(result.out.startsWith(QStringLiteral("Usage: zentrik-cli markdown")), qPrintable(result.out));
-        QVERIFY(result.out.contains(QStringLiteral("strip")));
-        QVERIFY(result.out.contains(QStringLiteral("html")));
-    } else {
-        QCOMPARE(result.out, out);
-    }
-}
 
 ZENTRIK_TEST(MarkdownCliTest)
 

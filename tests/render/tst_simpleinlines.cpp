@@ -70,133 +70,129 @@ class SimpleInlinesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void agreesWithCmark_data();
-    void agreesWithCmark();
-    void randomLinesAgree();
-};
+    void agreesWithCmark_data()
+    {
+        QTest::addColumn<QString>("line");
+        // False where the line must be left to cmark.
+        QTest::addColumn<bool>("rendered");
 
-void SimpleInlinesTest::agreesWithCmark_data()
-{
-    QTest::addColumn<QString>("line");
-    // False where the line must be left to cmark.
-    QTest::addColumn<bool>("rendered");
+        QTest::newRow("plain") << "Plain words, numbers 12 and more." << true;
+        QTest::newRow("escaped characters") << "quotes \"q\" > and 'a' (p)" << true;
+        QTest::newRow("code span") << "a `code()` span" << true;
+        QTest::newRow("code escapes its content") << "x `<b>&amp;\"*_` y" << true;
+        QTest::newRow("double backticks around one") << "``a `b` c`` d" << true;
+        QTest::newRow("backticks of another length inside") << "`a``b` c" << true;
+        QTest::newRow("unclosed code span") << "an `unclosed code" << true;
+        QTest::newRow("closed then unclosed") << "`a` and ``b" << true;
+        QTest::newRow("longest run that opens")
+            << "a " + QString(80, QLatin1Char('`')) + "x" + QString(80, QLatin1Char('`')) << true;
+        QTest::newRow("emphasis kinds") << "**bold** and *em* and ~~gone~~ here" << true;
+        QTest::newRow("strong at the start") << "**Note:** text" << true;
+        QTest::newRow("closer after punctuation") << "**Note:**" << true;
+        QTest::newRow("inside parentheses") << "(**a**) and (*b*)." << true;
+        QTest::newRow("inside a word") << "x**y**z and a*b*c" << true;
+        QTest::newRow("closer that could open") << "*a*b*c*" << true;
+        QTest::newRow("strikethrough inside a word") << "text ~~a~~b" << true;
+        QTest::newRow("emoji") << "emoji **\U0001F600** and *\U0001F600*\U0001F600" << true;
+        QTest::newRow("accented") << "caf\u00e9 **\u00fcber** \u00e9*t\u00e9*" << true;
+        QTest::newRow("unclosed strong") << "word **bo" << true;
+        QTest::newRow("run at the end") << "word **" << true;
+        QTest::newRow("run between blanks") << "a * b *c*" << true;
+        QTest::newRow("runs that cannot open") << "x ** a** b" << true;
+        QTest::newRow("run before a blank at the start") << "** a" << false;
+        QTest::newRow("star at the start") << "*a" << true;
+        QTest::newRow("link") << "see [link](https://example.com/docs/x?a=1#b) after" << true;
+        QTest::newRow("link at the start") << "[docs](page.html)." << true;
+        QTest::newRow("unsafe link") << "[x](javascript:alert) y" << true;
+        QTest::newRow("tab") << "tab\tinside" << true;
 
-    QTest::newRow("plain") << "Plain words, numbers 12 and more." << true;
-    QTest::newRow("escaped characters") << "quotes \"q\" > and 'a' (p)" << true;
-    QTest::newRow("code span") << "a `code()` span" << true;
-    QTest::newRow("code escapes its content") << "x `<b>&amp;\"*_` y" << true;
-    QTest::newRow("double backticks around one") << "``a `b` c`` d" << true;
-    QTest::newRow("backticks of another length inside") << "`a``b` c" << true;
-    QTest::newRow("unclosed code span") << "an `unclosed code" << true;
-    QTest::newRow("closed then unclosed") << "`a` and ``b" << true;
-    QTest::newRow("longest run that opens")
-        << "a " + QString(80, QLatin1Char('`')) + "x" + QString(80, QLatin1Char('`')) << true;
-    QTest::newRow("emphasis kinds") << "**bold** and *em* and ~~gone~~ here" << true;
-    QTest::newRow("strong at the start") << "**Note:** text" << true;
-    QTest::newRow("closer after punctuation") << "**Note:**" << true;
-    QTest::newRow("inside parentheses") << "(**a**) and (*b*)." << true;
-    QTest::newRow("inside a word") << "x**y**z and a*b*c" << true;
-    QTest::newRow("closer that could open") << "*a*b*c*" << true;
-    QTest::newRow("strikethrough inside a word") << "text ~~a~~b" << true;
-    QTest::newRow("emoji") << "emoji **\U0001F600** and *\U0001F600*\U0001F600" << true;
-    QTest::newRow("accented") << "caf\u00e9 **\u00fcber** \u00e9*t\u00e9*" << true;
-    QTest::newRow("unclosed strong") << "word **bo" << true;
-    QTest::newRow("run at the end") << "word **" << true;
-    QTest::newRow("run between blanks") << "a * b *c*" << true;
-    QTest::newRow("runs that cannot open") << "x ** a** b" << true;
-    QTest::newRow("run before a blank at the start") << "** a" << false;
-    QTest::newRow("star at the start") << "*a" << true;
-    QTest::newRow("link") << "see [link](https://example.com/docs/x?a=1#b) after" << true;
-    QTest::newRow("link at the start") << "[docs](page.html)." << true;
-    QTest::newRow("unsafe link") << "[x](javascript:alert) y" << true;
-    QTest::newRow("tab") << "tab\tinside" << true;
+        QTest::newRow("empty") << "" << false;
+        QTest::newRow("leading blank") << " leading" << false;
+        QTest::newRow("digit may start an item") << "1. item" << false;
+        QTest::newRow("bullet") << "- item" << false;
+        QTest::newRow("heading") << "# head" << false;
+        QTest::newRow("three stars") << "***a***" << false;
+        QTest::newRow("three backticks") << "```a" << false;
+        QTest::newRow("line break") << "a\nb" << false;
+        QTest::newRow("underscore") << "snake_case" << false;
+        QTest::newRow("backslash") << "a \\* b" << false;
+        QTest::newRow("entity") << "AT&T" << false;
+        QTest::newRow("raw html") << "a <b>x</b>" << false;
+        QTest::newRow("www address") << "see www.example.com" << false;
+        QTest::newRow("scheme address") << "see https://example.com" << false;
+        QTest::newRow("address in emphasis") << "see *http://x.org*" << false;
+        QTest::newRow("email") << "mail a@b.co" << false;
+        QTest::newRow("image") << "an ![img](p.png)" << false;
+        QTest::newRow("lengths differ") << "**a* b" << false;
+        QTest::newRow("nested") << "*a **b** c*" << false;
+        QTest::newRow("code in emphasis") << "**`a`** b" << false;
+        QTest::newRow("closer after a blank") << "**a ** b" << false;
+        QTest::newRow("closer before a letter after punctuation") << "*a.*b" << false;
+        QTest::newRow("spaces around code") << "a ` b ` c" << false;
+        QTest::newRow("unclosed then closed") << "``a `b` c" << false;
+        // cmark leaves the last span literal: the search for the second span's closer passes a
+        // run of three and makes cmark forget the later one.
+        QTest::newRow("unclosed then a run passed over") << "x `` `a```b` ```x```" << false;
+        QTest::newRow("run too long to open")
+            << "a " + QString(81, QLatin1Char('`')) + "x" + QString(81, QLatin1Char('`')) << false;
+        QTest::newRow("control character in code") << "a `b\u0001` c" << false;
+        QTest::newRow("single tilde") << "a ~b~ c" << false;
+        QTest::newRow("three tildes") << "a ~~~b~~~ c" << false;
+        QTest::newRow("bracket without address") << "a [b] c" << false;
+        QTest::newRow("address with a blank") << "a [b](c d) e" << false;
+        QTest::newRow("address in angle brackets") << "a [b](<c>) e" << false;
+        QTest::newRow("empty address") << "a [b]() e" << false;
+        QTest::newRow("unclosed link") << "a [b](c" << false;
+        QTest::newRow("markup in link text") << "a [*b*](c) d" << false;
+        QTest::newRow("closing bracket") << "a] b" << false;
+        QTest::newRow("no-break space beside a run") << "**a**\u00a0b" << false;
+        QTest::newRow("punctuation beside a run") << "**a\u00ab**" << false;
+        QTest::newRow("null character") << QStringLiteral("a") + QChar(0) + QStringLiteral("b") << false;
+        QTest::newRow("lone surrogate") << QStringLiteral("a") + QChar(0xd83d) + QStringLiteral(" b") << false;
+        QTest::newRow("byte order mark") << QStringLiteral("a") + QChar(0xfeff) + QStringLiteral("b") << false;
+    }
 
-    QTest::newRow("empty") << "" << false;
-    QTest::newRow("leading blank") << " leading" << false;
-    QTest::newRow("digit may start an item") << "1. item" << false;
-    QTest::newRow("bullet") << "- item" << false;
-    QTest::newRow("heading") << "# head" << false;
-    QTest::newRow("three stars") << "***a***" << false;
-    QTest::newRow("three backticks") << "```a" << false;
-    QTest::newRow("line break") << "a\nb" << false;
-    QTest::newRow("underscore") << "snake_case" << false;
-    QTest::newRow("backslash") << "a \\* b" << false;
-    QTest::newRow("entity") << "AT&T" << false;
-    QTest::newRow("raw html") << "a <b>x</b>" << false;
-    QTest::newRow("www address") << "see www.example.com" << false;
-    QTest::newRow("scheme address") << "see https://example.com" << false;
-    QTest::newRow("address in emphasis") << "see *http://x.org*" << false;
-    QTest::newRow("email") << "mail a@b.co" << false;
-    QTest::newRow("image") << "an ![img](p.png)" << false;
-    QTest::newRow("lengths differ") << "**a* b" << false;
-    QTest::newRow("nested") << "*a **b** c*" << false;
-    QTest::newRow("code in emphasis") << "**`a`** b" << false;
-    QTest::newRow("closer after a blank") << "**a ** b" << false;
-    QTest::newRow("closer before a letter after punctuation") << "*a.*b" << false;
-    QTest::newRow("spaces around code") << "a ` b ` c" << false;
-    QTest::newRow("unclosed then closed") << "``a `b` c" << false;
-    // cmark leaves the last span literal: the search for the second span's closer passes a
-    // run of three and makes cmark forget the later one.
-    QTest::newRow("unclosed then a run passed over") << "x `` `a```b` ```x```" << false;
-    QTest::newRow("run too long to open")
-        << "a " + QString(81, QLatin1Char('`')) + "x" + QString(81, QLatin1Char('`')) << false;
-    QTest::newRow("control character in code") << "a `b\u0001` c" << false;
-    QTest::newRow("single tilde") << "a ~b~ c" << false;
-    QTest::newRow("three tildes") << "a ~~~b~~~ c" << false;
-    QTest::newRow("bracket without address") << "a [b] c" << false;
-    QTest::newRow("address with a blank") << "a [b](c d) e" << false;
-    QTest::newRow("address in angle brackets") << "a [b](<c>) e" << false;
-    QTest::newRow("empty address") << "a [b]() e" << false;
-    QTest::newRow("unclosed link") << "a [b](c" << false;
-    QTest::newRow("markup in link text") << "a [*b*](c) d" << false;
-    QTest::newRow("closing bracket") << "a] b" << false;
-    QTest::newRow("no-break space beside a run") << "**a**\u00a0b" << false;
-    QTest::newRow("punctuation beside a run") << "**a\u00ab**" << false;
-    QTest::newRow("null character") << QStringLiteral("a") + QChar(0) + QStringLiteral("b") << false;
-    QTest::newRow("lone surrogate") << QStringLiteral("a") + QChar(0xd83d) + QStringLiteral(" b") << false;
-    QTest::newRow("byte order mark") << QStringLiteral("a") + QChar(0xfeff) + QStringLiteral("b") << false;
-}
-
-void SimpleInlinesTest::agreesWithCmark()
-{
-    QFETCH(QString, line);
-    QFETCH(bool, rendered);
-    QString rich;
-    bool clean = false;
-    QCOMPARE(SimpleInlines::render(line, rich, clean), rendered);
-    const QString difference = disagreement(line);
-    QVERIFY2(difference.isEmpty(), qPrintable(difference));
-}
-
-// Lines strung together from the characters that decide how a delimiter reads: whatever
-// the shortcut takes on must come out as cmark has it.
-void SimpleInlinesTest::randomLinesAgree()
-{
-    static const QStringList tokens = { "a", "word", "\u00e9", "\U0001F600", " ", " ", "  ", "*", "**", "~~", "~", "`",
-        "``", "[", "]", "(", ")", "[t](u)", "[t](https://x.y/z)", ":", "http", "!", ".", ",", "\"", ">", "_", "<", "&",
-        "\\", "w", "ww", "-", "\t", "1" };
-    QRandomGenerator random(4242);
-    int rendered = 0;
-    constexpr int lines = 20000;
-    for (int i = 0; i < lines; ++i) {
-        QString line = random.bounded(3) == 0 ? QString() : QStringLiteral("x");
-        for (int n = 0, count = random.bounded(1, 10); n < count; ++n) {
-            line += tokens.at(random.bounded(int(tokens.size())));
-        }
-        while (line.endsWith(QLatin1Char(' ')) || line.endsWith(QLatin1Char('\t'))) {
-            line.chop(1);
-        }
+    void agreesWithCmark()
+    {
+        QFETCH(QString, line);
+        QFETCH(bool, rendered);
         QString rich;
         bool clean = false;
-        if (SimpleInlines::render(line, rich, clean)) {
-            ++rendered;
-        }
+        QCOMPARE(SimpleInlines::render(line, rich, clean), rendered);
         const QString difference = disagreement(line);
         QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
-    // The lines are made so that a good share of them hold only what the shortcut takes on.
-    QVERIFY2(rendered > lines / 5, qPrintable(QString::number(rendered)));
-}
+
+    // Lines strung together from the characters that decide how a delimiter reads: whatever
+    // the shortcut takes on must come out as cmark has it.
+    void randomLinesAgree()
+    {
+        static const QStringList tokens = { "a", "word", "\u00e9", "\U0001F600", " ", " ", "  ", "*", "**", "~~", "~",
+            "`", "``", "[", "]", "(", ")", "[t](u)", "[t](https://x.y/z)", ":", "http", "!", ".", ",", "\"", ">", "_",
+            "<", "&", "\\", "w", "ww", "-", "\t", "1" };
+        QRandomGenerator random(4242);
+        int rendered = 0;
+        constexpr int lines = 20000;
+        for (int i = 0; i < lines; ++i) {
+            QString line = random.bounded(3) == 0 ? QString() : QStringLiteral("x");
+            for (int n = 0, count = random.bounded(1, 10); n < count; ++n) {
+                line += tokens.at(random.bounded(int(tokens.size())));
+            }
+            while (line.endsWith(QLatin1Char(' ')) || line.endsWith(QLatin1Char('\t'))) {
+                line.chop(1);
+            }
+            QString rich;
+            bool clean = false;
+            if (SimpleInlines::render(line, rich, clean)) {
+                ++rendered;
+            }
+            const QString difference = disagreement(line);
+            QVERIFY2(difference.isEmpty(), qPrintable(difference));
+        }
+        // The lines are made so that a good share of them hold only what the shortcut takes on.
+        QVERIFY2(rendered > lines / 5, qPrintable(QString::number(rendered)));
+    }
+};
 
 ZENTRIK_TEST(SimpleInlinesTest)
 

@@ -12,106 +12,102 @@ class TableRowsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void matchesTheTableParse_data();
-    void matchesTheTableParse();
-    void isParagraphText_data();
-    void isParagraphText();
+    void matchesTheTableParse_data()
+    {
+        QTest::addColumn<QString>("row");
+        // False where the rows must be left to a parse of the table.
+        QTest::addColumn<bool>("rendered");
+
+        QTest::newRow("plain") << "| a | b | c |" << true;
+        QTest::newRow("markup") << "| `code()` | **bold** and *em* | ~~gone~~ |" << true;
+        QTest::newRow("number") << "| 1234 | 2024 was | x |" << true;
+        QTest::newRow("emoji and accents") << "| \U0001F600 | caf\u00e9 | \u00fcber |" << true;
+        QTest::newRow("no closing pipe") << "| a | b" << true;
+        QTest::newRow("unfinished cell") << "| a | `co" << true;
+        QTest::newRow("too many cells") << "| a | b | c | d | e |" << true;
+        QTest::newRow("empty cells") << "| | |" << true;
+        QTest::newRow("two pipes") << "||" << true;
+        QTest::newRow("no space after pipe") << "|a|b|" << true;
+        QTest::newRow("pipe splits a code span") << "| `a|b` | c |" << true;
+        QTest::newRow("emphasis does not cross cells") << "| *a | b* | c |" << true;
+        QTest::newRow("addresses and entities") << "| www.example.com | a@b.co | x &amp; &copy |" << true;
+        QTest::newRow("raw html") << "| x <b>y</b> | a <span class=\"y\"> | z |" << true;
+        QTest::newRow("html block cell") << "| <div> | b | c |" << false;
+        QTest::newRow("quotes and parentheses") << "| \"q\" | (p) | 'a' |" << true;
+        QTest::newRow("pipe alone") << "|" << false;
+        QTest::newRow("pipe and spaces") << "|   " << false;
+        QTest::newRow("escaped pipe") << "| a \\| b | c |" << false;
+        QTest::newRow("tab") << "| a\tb | c |" << false;
+        QTest::newRow("list marker cell") << "| - x | 1. | 2) |" << false;
+        QTest::newRow("rule cell") << "| *** | b | c |" << false;
+        QTest::newRow("fence cell") << "| ```x | b | c |" << false;
+        QTest::newRow("heading cell") << "| # h | b | c |" << false;
+        QTest::newRow("no leading pipe") << "a | b | c" << false;
+    }
+
+    // Whatever the rows render to must be what the table's own parse gives them.
+    void matchesTheTableParse()
+    {
+        QFETCH(QString, row);
+        QFETCH(bool, rendered);
+        const QString header = QStringLiteral("| h1 | h2 | h3 |\n|:---|:-:|--:|\n");
+        const QList<MarkdownBlock> parsed = MarkdownRenderer::render(header + row);
+
+        const std::optional<QList<QStringList>> rows = TableRows::render({ QStringView(row) }, 3);
+        QCOMPARE(rows.has_value(), rendered);
+        if (rows) {
+            QCOMPARE(parsed.size(), 1);
+            QCOMPARE(parsed.first().tableRows, *rows);
+        }
+
+        // Two rows at once, the finished one first, land in the right cells.
+        const QString finished = QStringLiteral("| x **y** | 7 |");
+        const std::optional<QList<QStringList>> both
+            = TableRows::render({ QStringView(finished), QStringView(row) }, 3);
+        QCOMPARE(both.has_value(), rendered);
+        if (both) {
+            const QList<MarkdownBlock> twoRows = MarkdownRenderer::render(header + finished + QLatin1Char('\n') + row);
+            QCOMPARE(twoRows.first().tableRows, *both);
+        }
+    }
+
+    void isParagraphText_data()
+    {
+        QTest::addColumn<QString>("cell");
+        QTest::addColumn<bool>("paragraph");
+
+        QTest::newRow("word") << "word" << true;
+        QTest::newRow("single letter") << "a" << true;
+        QTest::newRow("year") << "2024" << true;
+        QTest::newRow("numbered item") << "12. x" << false;
+        QTest::newRow("paren item") << "3)" << false;
+        QTest::newRow("code span") << "`x`" << true;
+        QTest::newRow("fence") << "```" << false;
+        QTest::newRow("tilde fence") << "~~~x" << false;
+        QTest::newRow("strikethrough") << "~~x~~" << true;
+        QTest::newRow("bold") << "**x**" << true;
+        QTest::newRow("bullet") << "* x" << false;
+        QTest::newRow("rule") << "___" << false;
+        QTest::newRow("emoji") << "\U0001F600" << true;
+        QTest::newRow("quote") << "> x" << false;
+        QTest::newRow("html") << "<div>" << false;
+        QTest::newRow("definition") << "[a]: b" << false;
+        QTest::newRow("empty") << "" << false;
+    }
+
+    void isParagraphText()
+    {
+        QFETCH(QString, cell);
+        QFETCH(bool, paragraph);
+        QCOMPARE(TableRows::isParagraphText(cell), paragraph);
+        if (paragraph) {
+            // Alone, it is indeed one paragraph.
+            const QList<MarkdownBlock> blocks = MarkdownRenderer::render(cell);
+            QCOMPARE(blocks.size(), 1);
+            QCOMPARE(blocks.first().type, MarkdownBlock::Type::Paragraph);
+        }
+    }
 };
-
-void TableRowsTest::matchesTheTableParse_data()
-{
-    QTest::addColumn<QString>("row");
-    // False where the rows must be left to a parse of the table.
-    QTest::addColumn<bool>("rendered");
-
-    QTest::newRow("plain") << "| a | b | c |" << true;
-    QTest::newRow("markup") << "| `code()` | **bold** and *em* | ~~gone~~ |" << true;
-    QTest::newRow("number") << "| 1234 | 2024 was | x |" << true;
-    QTest::newRow("emoji and accents") << "| \U0001F600 | caf\u00e9 | \u00fcber |" << true;
-    QTest::newRow("no closing pipe") << "| a | b" << true;
-    QTest::newRow("unfinished cell") << "| a | `co" << true;
-    QTest::newRow("too many cells") << "| a | b | c | d | e |" << true;
-    QTest::newRow("empty cells") << "| | |" << true;
-    QTest::newRow("two pipes") << "||" << true;
-    QTest::newRow("no space after pipe") << "|a|b|" << true;
-    QTest::newRow("pipe splits a code span") << "| `a|b` | c |" << true;
-    QTest::newRow("emphasis does not cross cells") << "| *a | b* | c |" << true;
-    QTest::newRow("addresses and entities") << "| www.example.com | a@b.co | x &amp; &copy |" << true;
-    QTest::newRow("raw html") << "| x <b>y</b> | a <span class=\"y\"> | z |" << true;
-    QTest::newRow("html block cell") << "| <div> | b | c |" << false;
-    QTest::newRow("quotes and parentheses") << "| \"q\" | (p) | 'a' |" << true;
-    QTest::newRow("pipe alone") << "|" << false;
-    QTest::newRow("pipe and spaces") << "|   " << false;
-    QTest::newRow("escaped pipe") << "| a \\| b | c |" << false;
-    QTest::newRow("tab") << "| a\tb | c |" << false;
-    QTest::newRow("list marker cell") << "| - x | 1. | 2) |" << false;
-    QTest::newRow("rule cell") << "| *** | b | c |" << false;
-    QTest::newRow("fence cell") << "| ```x | b | c |" << false;
-    QTest::newRow("heading cell") << "| # h | b | c |" << false;
-    QTest::newRow("no leading pipe") << "a | b | c" << false;
-}
-
-// Whatever the rows render to must be what the table's own parse gives them.
-void TableRowsTest::matchesTheTableParse()
-{
-    QFETCH(QString, row);
-    QFETCH(bool, rendered);
-    const QString header = QStringLiteral("| h1 | h2 | h3 |\n|:---|:-:|--:|\n");
-    const QList<MarkdownBlock> parsed = MarkdownRenderer::render(header + row);
-
-    const std::optional<QList<QStringList>> rows = TableRows::render({ QStringView(row) }, 3);
-    QCOMPARE(rows.has_value(), rendered);
-    if (rows) {
-        QCOMPARE(parsed.size(), 1);
-        QCOMPARE(parsed.first().tableRows, *rows);
-    }
-
-    // Two rows at once, the finished one first, land in the right cells.
-    const QString finished = QStringLiteral("| x **y** | 7 |");
-    const std::optional<QList<QStringList>> both = TableRows::render({ QStringView(finished), QStringView(row) }, 3);
-    QCOMPARE(both.has_value(), rendered);
-    if (both) {
-        const QList<MarkdownBlock> twoRows = MarkdownRenderer::render(header + finished + QLatin1Char('\n') + row);
-        QCOMPARE(twoRows.first().tableRows, *both);
-    }
-}
-
-void TableRowsTest::isParagraphText_data()
-{
-    QTest::addColumn<QString>("cell");
-    QTest::addColumn<bool>("paragraph");
-
-    QTest::newRow("word") << "word" << true;
-    QTest::newRow("single letter") << "a" << true;
-    QTest::newRow("year") << "2024" << true;
-    QTest::newRow("numbered item") << "12. x" << false;
-    QTest::newRow("paren item") << "3)" << false;
-    QTest::newRow("code span") << "`x`" << true;
-    QTest::newRow("fence") << "```" << false;
-    QTest::newRow("tilde fence") << "~~~x" << false;
-    QTest::newRow("strikethrough") << "~~x~~" << true;
-    QTest::newRow("bold") << "**x**" << true;
-    QTest::newRow("bullet") << "* x" << false;
-    QTest::newRow("rule") << "___" << false;
-    QTest::newRow("emoji") << "\U0001F600" << true;
-    QTest::newRow("quote") << "> x" << false;
-    QTest::newRow("html") << "<div>" << false;
-    QTest::newRow("definition") << "[a]: b" << false;
-    QTest::newRow("empty") << "" << false;
-}
-
-void TableRowsTest::isParagraphText()
-{
-    QFETCH(QString, cell);
-    QFETCH(bool, paragraph);
-    QCOMPARE(TableRows::isParagraphText(cell), paragraph);
-    if (paragraph) {
-        // Alone, it is indeed one paragraph.
-        const QList<MarkdownBlock> blocks = MarkdownRenderer::render(cell);
-        QCOMPARE(blocks.size(), 1);
-        QCOMPARE(blocks.first().type, MarkdownBlock::Type::Paragraph);
-    }
-}
 
 ZENTRIK_TEST(TableRowsTest)
 
