@@ -65,16 +65,14 @@ private Q_SLOTS:
     void unreadableStdinIsAnError_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("redact") << QStringList { QStringLiteral("redact"), QStringLiteral("-") };
-        QTest::newRow("redact without argument") << QStringList { QStringLiteral("redact") };
-        QTest::newRow("markdown strip") << QStringList { QStringLiteral("markdown"), QStringLiteral("strip") };
-        QTest::newRow("ask") << QStringList { QStringLiteral("ask") };
-        QTest::newRow("debug") << QStringList { QStringLiteral("debug"), QStringLiteral("-") };
-        QTest::newRow("image") << QStringList { QStringLiteral("image") };
-        QTest::newRow("keys set") << QStringList { QStringLiteral("keys"), QStringLiteral("set"),
-            QStringLiteral("openai") };
-        QTest::newRow("notes search") << QStringList { QStringLiteral("notes"), QStringLiteral("search"),
-            QStringLiteral("-") };
+        QTest::newRow("redact") << QStringList { "redact", "-" };
+        QTest::newRow("redact without argument") << QStringList { "redact" };
+        QTest::newRow("markdown strip") << QStringList { "markdown", "strip" };
+        QTest::newRow("ask") << QStringList { "ask" };
+        QTest::newRow("debug") << QStringList { "debug", "-" };
+        QTest::newRow("image") << QStringList { "image" };
+        QTest::newRow("keys set") << QStringList { "keys", "set", "openai" };
+        QTest::newRow("notes search") << QStringList { "notes", "search", "-" };
     }
 
     void unreadableStdinIsAnError()
@@ -123,7 +121,7 @@ private Q_SLOTS:
 
         QProcessEnvironment env = environment();
         env.insert(QStringLiteral("OPENAI_API_KEY"), QString::fromUtf8(key));
-        const CliResult ask = runCliProcess({ QStringLiteral("ask"), QStringLiteral("Two plus two?") }, {}, env);
+        const CliResult ask = runCliProcess({ "ask", "Two plus two?" }, {}, env);
         QCOMPARE(ask.exitCode, 1);
         QCOMPARE(ask.err,
             "zentrik-cli: OPENAI_API_KEY contains " + fault + "; an API key is printable ASCII without spaces\n");
@@ -133,10 +131,7 @@ private Q_SLOTS:
     // Only the line break that ends stdin is not part of the key.
     void keysSetKeepsTheKeyWithoutItsLineBreak()
     {
-        QCOMPARE(runCliProcess({ QStringLiteral("keys"), QStringLiteral("set"), QStringLiteral("openai") },
-                     "sk-line\r\n", environment())
-                     .exitCode,
-            0);
+        QCOMPARE(runCliProcess({ "keys", "set", "openai" }, "sk-line\r\n", environment()).exitCode, 0);
         QCOMPARE(SecretStore().get(QStringLiteral("openAIKey")), std::optional<QString>(QStringLiteral("sk-line")));
     }
 
@@ -147,15 +142,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QByteArray>("input");
-        QTest::newRow("keys set") << QStringList { QStringLiteral("keys"), QStringLiteral("set"),
-            QStringLiteral("openai") }
-                                  << QByteArray("sk-new\n");
-        QTest::newRow("keys delete") << QStringList { QStringLiteral("keys"), QStringLiteral("delete"),
-            QStringLiteral("fal") } << QByteArray();
-        QTest::newRow("keys status") << QStringList { QStringLiteral("keys"), QStringLiteral("status") }
-                                     << QByteArray();
-        QTest::newRow("ask without a key in the environment")
-            << QStringList { QStringLiteral("ask"), QStringLiteral("Two plus two?") } << QByteArray();
+        QTest::newRow("keys set") << QStringList { "keys", "set", "openai" } << QByteArray("sk-new\n");
+        QTest::newRow("keys delete") << QStringList { "keys", "delete", "fal" } << QByteArray();
+        QTest::newRow("keys status") << QStringList { "keys", "status" } << QByteArray();
+        QTest::newRow("ask without a key in the environment") << QStringList { "ask", "Two plus two?" } << QByteArray();
     }
 
     void aHungSecretServiceGivesOneClearLine()

@@ -7,7 +7,7 @@ namespace {
 
 CliText run(const QStringList &arguments, const QByteArray &input = {})
 {
-    return runCli(QStringList { QStringLiteral("redact") } + arguments, input);
+    return runCli(QStringList { "redact" } + arguments, input);
 }
 
 } // namespace
@@ -20,7 +20,7 @@ class RedactCliTest : public QObject
 private Q_SLOTS:
     void redactsTheArgument()
     {
-        const CliText result = run({ QStringLiteral("Call (555) 123-4567, Anna") });
+        const CliText result = run({ "Call (555) 123-4567, Anna" });
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QStringLiteral("Call [PHONE_NUMBER], Anna\n"));
     }
@@ -33,7 +33,7 @@ private Q_SLOTS:
         // Through a pipe into the program, where the bytes must come back as they went in.
         QTest::addColumn<bool>("asProgram");
 
-        QTest::newRow("dash") << QStringList { QStringLiteral("-") } << QByteArray("Mail bob@example.com\n")
+        QTest::newRow("dash") << QStringList { "-" } << QByteArray("Mail bob@example.com\n")
                               << QStringLiteral("Mail [EMAIL_ADDRESS]\n") << false;
         QTest::newRow("no argument") << QStringList {} << QByteArray("Hi Anna.\nlogin: root\n")
                                      << QStringLiteral("Hi [NAME].\n[USERNAME]\n") << false;
@@ -47,15 +47,15 @@ private Q_SLOTS:
         QFETCH(QByteArray, input);
         QFETCH(QString, expected);
         QFETCH(bool, asProgram);
-        const CliText result = asProgram ? runCliProcess(QStringList { QStringLiteral("redact") } + arguments, input)
-                                         : run(arguments, input);
+        const CliText result
+            = asProgram ? runCliProcess(QStringList { "redact" } + arguments, input) : run(arguments, input);
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, expected);
     }
 
     void help()
     {
-        const CliText result = run({ QStringLiteral("--help") });
+        const CliText result = run({ "--help" });
         QCOMPARE(result.exitCode, 0);
         QVERIFY2(result.out.contains(QStringLiteral("zentrik-cli redact")), qPrintable(result.out));
     }
@@ -63,8 +63,8 @@ private Q_SLOTS:
     void usageErrors_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("two texts") << QStringList { QStringLiteral("a"), QStringLiteral("b") };
-        QTest::newRow("unknown option") << QStringList { QStringLiteral("--json"), QStringLiteral("a") };
+        QTest::newRow("two texts") << QStringList { "a", "b" };
+        QTest::newRow("unknown option") << QStringList { "--json", "a" };
     }
 
     void usageErrors()

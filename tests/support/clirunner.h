@@ -13,6 +13,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -121,10 +122,15 @@ inline CliResult runCli(const QStringList &arguments, const QByteArray &input = 
 // Runs the built program (the test target defines ZENTRIK_CLI_PATH) in the test's environment
 // plus `extra`, and captures what it prints.
 #ifdef ZENTRIK_CLI_PATH
+// `inChild` runs in the child before the program starts (a limit, another user).
 inline CliResult runCliProcess(const QStringList &arguments, const QByteArray &input = {},
-    const QProcessEnvironment &extra = {}, const QString &workingDirectory = {})
+    const QProcessEnvironment &extra = {}, const QString &workingDirectory = {},
+    const std::function<void()> &inChild = {})
 {
     QProcess process;
+    if (inChild) {
+        process.setChildProcessModifier(inChild);
+    }
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     for (const QString &key : extra.keys()) {
         env.insert(key, extra.value(key));
