@@ -7,7 +7,6 @@
 #include <QProcess>
 
 #include <csignal>
-#include <functional>
 #include <memory>
 
 #include <sys/resource.h>
@@ -41,29 +40,14 @@ class TestVoiceCli : public QObject
         return runCli(arguments, input, key);
     }
 
-    // The program itself, in its own process: for a limit or a user that only a process can have.
-    Run runProcess(const QStringList &arguments, const std::function<void()> &inChild = {})
+    // The program's own environment for a run in a process of its own: the key from the
+    // environment and no secret store.
+    static QProcessEnvironment processEnvironment()
     {
-        QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        QProcessEnvironment env;
         env.insert(QStringLiteral("OPENAI_API_KEY"), QStringLiteral("sk-cli"));
-        // No secret store: the key comes from the environment.
         env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
-        process.setProcessEnvironment(env);
-        if (inChild) {
-            process.setChildProcessModifier(inChild);
-        }
-        process.start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
-        process.closeWriteChannel();
-        CliResult result;
-        if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
-            process.kill();
-            return result;
-        }
-        result.exitCode = process.exitCode();
-        result.out = process.readAllStandardOutput();
-        result.err = process.readAllStandardError();
-        return result;
+        return env;
     }
 
     static QByteArray readAll(const QString &path)
@@ -308,7 +292,7 @@ private Q_SLOTS:
             arguments = { "config", "set", "dark-mode", "true" };
         }
         const bool fullDisk = fault == QStringLiteral("full disk");
-        const Run result = runProcess(arguments, [fullDisk, asOtherUser] {
+        const Run result = runCliProcess(arguments, {}, processEnvironment(), {}, [fullDisk, asOtherUser] {
             if (fullDisk) {
                 std::signal(SIGXFSZ, SIG_IGN);
                 const rlimit limit { 16384, 16384 };
@@ -346,9 +330,7 @@ private Q_SLOTS:
         const auto start = [&](const QStringList &arguments) {
             auto process = std::make_unique<QProcess>();
             QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-            env.insert(QStringLiteral("OPENAI_API_KEY"), QStringLiteral("sk-cli"));
-            env.insert(
-                QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent/zentrik-bus"));
+            env.insert(processEnvironment());
             process->setProcessEnvironment(env);
             process->start(QStringLiteral(ZENTRIK_CLI_PATH), arguments);
             processes.push_back(std::move(process));
