@@ -4,6 +4,7 @@
 #include "pdf/pdftext.h"
 #include "pdffixtures.h"
 #include "support/providerfixture.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 #include "tools/chatmessagelistmodel.h"
 
@@ -32,15 +33,9 @@ QString filler(int page, int words)
     return text.join(QLatin1Char(' '));
 }
 
-QByteArray completion(const QString &text)
-{
-    const QJsonObject message { { "role", "assistant" }, { "content", text } };
-    return QJsonDocument(QJsonObject { { "choices", QJsonArray { QJsonObject { { "message", message } } } } }).toJson();
-}
-
 QString sentText(const test::RecordedRequest &request)
 {
-    return request.json().object().value("messages").toArray().last().toObject().value("content").toString();
+    return test::lastMessageText(request.json());
 }
 
 } // namespace
@@ -217,8 +212,8 @@ private Q_SLOTS:
         QVERIFY(chat.openFile(file));
 
         fixture.fake->enqueue("POST", "/v1/chat/completions",
-            ScriptedReply::json(completion(QStringLiteral("```json\n{\"title\":\"Turbines\",\"summary\":\"About "
-                                                          "blades.\",\"keyPoints\":[\"a\",\"b\",\"c\"]}\n```"))));
+            ScriptedReply::json(test::completion(QStringLiteral("```json\n{\"title\":\"Turbines\",\"summary\":\"About "
+                                                                "blades.\",\"keyPoints\":[\"a\",\"b\",\"c\"]}\n```"))));
         chat.summarize();
         QVERIFY(chat.isSummarizing());
         QTRY_VERIFY(!chat.isSummarizing());
@@ -227,7 +222,7 @@ private Q_SLOTS:
         QVERIFY(sentText(fixture.fake->lastRequest()).contains(QStringLiteral("--- Page 2 ---")));
 
         fixture.fake->enqueue(
-            "POST", "/v1/chat/completions", ScriptedReply::json(completion(QStringLiteral("Not JSON at all"))));
+            "POST", "/v1/chat/completions", ScriptedReply::json(test::completion(QStringLiteral("Not JSON at all"))));
         chat.summarize();
         QTRY_VERIFY(!chat.isSummarizing());
         QVERIFY(chat.keyPoints().isEmpty());
@@ -235,7 +230,7 @@ private Q_SLOTS:
         QVERIFY(chat.hasSummary());
 
         fixture.fake->enqueue("POST", "/v1/chat/completions",
-            ScriptedReply::json(completion(QStringLiteral("In the north warehouse (page 2)."))));
+            ScriptedReply::json(test::completion(QStringLiteral("In the north warehouse (page 2)."))));
         chat.setNewMessage(QStringLiteral("Where are the blades?"));
         chat.send();
         QTRY_VERIFY(!chat.isProcessing());
@@ -276,7 +271,7 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::json(completion(QStringLiteral("ok"))));
+        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::json(test::completion(QStringLiteral("ok"))));
         const QString file = path(QStringLiteral("contacts.pdf"));
         QVERIFY(pdffixtures::writeTextPdf(file, { QStringLiteral("Contact: ops@example.com for access") }));
         PdfChatViewModel chat;
