@@ -25,53 +25,44 @@ private Q_SLOTS:
         QTest::addColumn<QString>("agent");
         QTest::addColumn<QString>("screen");
         QTest::addColumn<QString>("argument");
+        const auto row = [](const char *name, const OptionalItem &item, const QString &agent, const QString &screen,
+                             const QString &argument) { QTest::newRow(name) << item << agent << screen << argument; };
 
-        QTest::newRow("nothing selected") << OptionalItem() << QString() << "dashboard" << QString();
-        QTest::newRow("home") << OptionalItem(NavigationItem::home()) << QString() << "dashboard" << QString();
-        QTest::newRow("ask") << OptionalItem(NavigationItem::tool("Ask Me Anything")) << QString() << "askMeAnything"
-                             << "Ask Me Anything";
-        QTest::newRow("pdf") << OptionalItem(NavigationItem::tool("Chat With Your PDFs")) << QString() << "pdfChat"
-                             << "Chat With Your PDFs";
-        QTest::newRow("unknown tool") << OptionalItem(NavigationItem::tool("Time Machine")) << QString()
-                                      << "toolNotImplemented"
-                                      << "Time Machine";
-        QTest::newRow("tool names are exact")
-            << OptionalItem(NavigationItem::tool("ask me anything")) << QString() << "toolNotImplemented"
-            << "ask me anything";
-        QTest::newRow("a category name is no tool")
-            << OptionalItem(NavigationItem::tool("Marketing")) << QString() << "toolNotImplemented"
-            << "Marketing";
-        QTest::newRow("empty tool name") << OptionalItem(NavigationItem::tool(QString())) << QString()
-                                         << "toolNotImplemented" << QString();
-        QTest::newRow("category") << OptionalItem(NavigationItem::category("Human Resources")) << QString()
-                                  << "categoryGrid"
-                                  << "Human Resources";
-        QTest::newRow("unknown category")
-            << OptionalItem(NavigationItem::category("Finance")) << QString() << "toolNotImplemented"
-            << "Finance";
-        QTest::newRow("settings") << OptionalItem(NavigationItem::settings()) << QString() << "settings" << QString();
+        row("nothing selected", OptionalItem(), QString(), "dashboard", QString());
+        row("home", OptionalItem(NavigationItem::home()), QString(), "dashboard", QString());
+        row("ask", OptionalItem(NavigationItem::tool("Ask Me Anything")), QString(), "askMeAnything",
+            "Ask Me Anything");
+        row("pdf", OptionalItem(NavigationItem::tool("Chat With Your PDFs")), QString(), "pdfChat",
+            "Chat With Your PDFs");
+        row("unknown tool", OptionalItem(NavigationItem::tool("Time Machine")), QString(), "toolNotImplemented",
+            "Time Machine");
+        row("tool names are exact", OptionalItem(NavigationItem::tool("ask me anything")), QString(),
+            "toolNotImplemented", "ask me anything");
+        row("a category name is no tool", OptionalItem(NavigationItem::tool("Marketing")), QString(),
+            "toolNotImplemented", "Marketing");
+        row("empty tool name", OptionalItem(NavigationItem::tool(QString())), QString(), "toolNotImplemented",
+            QString());
+        row("category", OptionalItem(NavigationItem::category("Human Resources")), QString(), "categoryGrid",
+            "Human Resources");
+        row("unknown category", OptionalItem(NavigationItem::category("Finance")), QString(), "toolNotImplemented",
+            "Finance");
+        row("settings", OptionalItem(NavigationItem::settings()), QString(), "settings", QString());
 
         // A card picked from the dashboard or a grid opens the tool that serves its title.
-        QTest::newRow("card with nothing selected") << OptionalItem() << "Persuasive Sales Copy"
-                                                    << "salesGenerator"
-                                                    << "Persuasive Sales Copy";
-        QTest::newRow("support card in its grid")
-            << OptionalItem(NavigationItem::category("Customer Support")) << "Customer Support Ticket Response Agent"
-            << "customerSupportGenerator"
-            << "Customer Support Ticket Response Agent";
-        QTest::newRow("image card") << OptionalItem(NavigationItem::category("Marketing"))
-                                    << "Images and Logo Generator"
-                                    << "imageStudio"
-                                    << "Images and Logo Generator";
-        QTest::newRow("a card no tool serves") << OptionalItem(NavigationItem::home()) << "Crystal Ball"
-                                               << "agentDetail"
-                                               << "Crystal Ball";
+        row("card with nothing selected", OptionalItem(), "Persuasive Sales Copy", "salesGenerator",
+            "Persuasive Sales Copy");
+        row("support card in its grid", OptionalItem(NavigationItem::category("Customer Support")),
+            "Customer Support Ticket Response Agent", "customerSupportGenerator",
+            "Customer Support Ticket Response Agent");
+        row("image card", OptionalItem(NavigationItem::category("Marketing")), "Images and Logo Generator",
+            "imageStudio", "Images and Logo Generator");
+        row("a card no tool serves", OptionalItem(NavigationItem::home()), "Crystal Ball", "agentDetail",
+            "Crystal Ball");
         // A tool or the settings selected means the card is no longer what is shown.
-        QTest::newRow("tool wins over card") << OptionalItem(NavigationItem::tool("Voice Notes")) << "Slogan Generator"
-                                             << "voiceNotes"
-                                             << "Voice Notes";
-        QTest::newRow("settings win over card") << OptionalItem(NavigationItem::settings()) << "Slogan Generator"
-                                                << "settings" << QString();
+        row("tool wins over card", OptionalItem(NavigationItem::tool("Voice Notes")), "Slogan Generator", "voiceNotes",
+            "Voice Notes");
+        row("settings win over card", OptionalItem(NavigationItem::settings()), "Slogan Generator", "settings",
+            QString());
     }
 
     void routing()
@@ -111,15 +102,15 @@ private Q_SLOTS:
         QTest::addColumn<OptionalItem>("item");
         QTest::addColumn<QString>("agent");
         QTest::addColumn<QString>("title");
-        QTest::newRow("dashboard") << OptionalItem() << QString() << "Zentrik Dashboard";
-        QTest::newRow("generator") << OptionalItem(NavigationItem::home()) << "Slogan Generator"
-                                   << "Marketing";
-        QTest::newRow("support") << OptionalItem() << "Documentation Explainer"
-                                 << "Customer Support";
-        QTest::newRow("image card") << OptionalItem() << "Images and Logo Generator"
-                                    << "Image Creation Studio";
-        QTest::newRow("tool") << OptionalItem(NavigationItem::tool("Voice Notes")) << QString() << "Voice Notes";
-        QTest::newRow("category") << OptionalItem(NavigationItem::category("Tech")) << QString() << "Tech";
+        const auto row = [](const char *name, const OptionalItem &item, const QString &agent, const QString &title) {
+            QTest::newRow(name) << item << agent << title;
+        };
+        row("dashboard", OptionalItem(), QString(), "Zentrik Dashboard");
+        row("generator", OptionalItem(NavigationItem::home()), "Slogan Generator", "Marketing");
+        row("support", OptionalItem(), "Documentation Explainer", "Customer Support");
+        row("image card", OptionalItem(), "Images and Logo Generator", "Image Creation Studio");
+        row("tool", OptionalItem(NavigationItem::tool("Voice Notes")), QString(), "Voice Notes");
+        row("category", OptionalItem(NavigationItem::category("Tech")), QString(), "Tech");
     }
 
     void titlesNameTheScreen()

@@ -28,47 +28,48 @@ private Q_SLOTS:
         QTest::addColumn<QString>("responseUrl");
         QTest::addColumn<int>("logCount");
         QTest::addColumn<QString>("error");
+        const auto row = [](const char *name, const QByteArray &json, const int &state, const int &position,
+                             const QString &responseUrl, const int &logCount, const QString &error) {
+            QTest::newRow(name) << json << state << position << responseUrl << logCount << error;
+        };
 
-        QTest::newRow("queued at position 0")
-            << QByteArray("{\"status\":\"IN_QUEUE\",\"queue_position\":0,\"response_url\":\"https://q/r\"}")
-            << int(QueueStatus::State::inQueue) << 0 << "https://q/r" << 0 << "";
-        QTest::newRow("queued further back")
-            << QByteArray(R"({"status":"IN_QUEUE","queue_position":7,"response_url":"u","logs":null})")
-            << int(QueueStatus::State::inQueue) << 7 << "u" << 0 << "";
-        QTest::newRow("in progress without logs")
-            << QByteArray(R"({"status":"IN_PROGRESS"})") << int(QueueStatus::State::inProgress) << 0 << "" << 0 << "";
-        QTest::newRow("in progress with null logs") << QByteArray(R"({"status":"IN_PROGRESS","logs":null})")
-                                                    << int(QueueStatus::State::inProgress) << 0 << "" << 0 << "";
-        QTest::newRow("in progress with logs")
-            << QByteArray(R"({"status":"IN_PROGRESS","logs":[)"
-                          R"({"message":"a","timestamp":"t1","labels":{"level":"STDERR"}},)"
-                          R"({"message":"b","timestamp":"t2","labels":{"level":"DEBUG"}}]})")
-            << int(QueueStatus::State::inProgress) << 0 << "" << 2 << "";
-        QTest::newRow("completed without logs")
-            << QByteArray("{\"status\":\"COMPLETED\",\"response_url\":\"https://q/r\"}")
-            << int(QueueStatus::State::completed) << 0 << "https://q/r" << 0 << "";
-        QTest::newRow("unknown status value") << QByteArray(R"({"status":"PAUSED","queue_position":1})") << -1 << 0
-                                              << "" << 0 << "Invalid status value: PAUSED";
-        QTest::newRow("lower-case status value") << QByteArray(R"({"status":"completed","response_url":"u"})") << -1
-                                                 << 0 << "" << 0 << "Invalid status value: completed";
-        QTest::newRow("empty status value")
-            << QByteArray(R"({"status":""})") << -1 << 0 << "" << 0 << "Invalid status value: ";
-        QTest::newRow("status not a string")
-            << QByteArray(R"({"status":3})") << -1 << 0 << "" << 0 << "Missing or mistyped value for key: status";
-        QTest::newRow("queued without position") << QByteArray(R"({"status":"IN_QUEUE","response_url":"u"})") << -1 << 0
-                                                 << "" << 0 << "Missing or mistyped value for key: queue_position";
-        QTest::newRow("negative position")
-            << QByteArray(R"({"status":"IN_QUEUE","queue_position":-1,"response_url":"u"})") << -1 << 0 << "" << 0
-            << "Missing or mistyped value for key: queue_position";
-        QTest::newRow("fractional position")
-            << QByteArray(R"({"status":"IN_QUEUE","queue_position":1.5,"response_url":"u"})") << -1 << 0 << "" << 0
-            << "Missing or mistyped value for key: queue_position";
-        QTest::newRow("completed without address") << QByteArray(R"({"status":"COMPLETED"})") << -1 << 0 << "" << 0
-                                                   << "Missing or mistyped value for key: response_url";
-        QTest::newRow("unknown log level") << QByteArray(
-            R"({"status":"IN_PROGRESS","logs":[{"message":"a","timestamp":"t","labels":{"level":"TRACE"}}]})")
-                                           << -1 << 0 << "" << 0 << "Invalid log level: TRACE";
-        QTest::newRow("an array") << QByteArray("[1,2]") << -1 << 0 << "" << 0 << "The status answer is not an object";
+        row("queued at position 0",
+            QByteArray("{\"status\":\"IN_QUEUE\",\"queue_position\":0,\"response_url\":\"https://q/r\"}"),
+            int(QueueStatus::State::inQueue), 0, "https://q/r", 0, "");
+        row("queued further back",
+            QByteArray(R"({"status":"IN_QUEUE","queue_position":7,"response_url":"u","logs":null})"),
+            int(QueueStatus::State::inQueue), 7, "u", 0, "");
+        row("in progress without logs", QByteArray(R"({"status":"IN_PROGRESS"})"), int(QueueStatus::State::inProgress),
+            0, "", 0, "");
+        row("in progress with null logs", QByteArray(R"({"status":"IN_PROGRESS","logs":null})"),
+            int(QueueStatus::State::inProgress), 0, "", 0, "");
+        row("in progress with logs",
+            QByteArray(R"({"status":"IN_PROGRESS","logs":[)"
+                       R"({"message":"a","timestamp":"t1","labels":{"level":"STDERR"}},)"
+                       R"({"message":"b","timestamp":"t2","labels":{"level":"DEBUG"}}]})"),
+            int(QueueStatus::State::inProgress), 0, "", 2, "");
+        row("completed without logs", QByteArray("{\"status\":\"COMPLETED\",\"response_url\":\"https://q/r\"}"),
+            int(QueueStatus::State::completed), 0, "https://q/r", 0, "");
+        row("unknown status value", QByteArray(R"({"status":"PAUSED","queue_position":1})"), -1, 0, "", 0,
+            "Invalid status value: PAUSED");
+        row("lower-case status value", QByteArray(R"({"status":"completed","response_url":"u"})"), -1, 0, "", 0,
+            "Invalid status value: completed");
+        row("empty status value", QByteArray(R"({"status":""})"), -1, 0, "", 0, "Invalid status value: ");
+        row("status not a string", QByteArray(R"({"status":3})"), -1, 0, "", 0,
+            "Missing or mistyped value for key: status");
+        row("queued without position", QByteArray(R"({"status":"IN_QUEUE","response_url":"u"})"), -1, 0, "", 0,
+            "Missing or mistyped value for key: queue_position");
+        row("negative position", QByteArray(R"({"status":"IN_QUEUE","queue_position":-1,"response_url":"u"})"), -1, 0,
+            "", 0, "Missing or mistyped value for key: queue_position");
+        row("fractional position", QByteArray(R"({"status":"IN_QUEUE","queue_position":1.5,"response_url":"u"})"), -1,
+            0, "", 0, "Missing or mistyped value for key: queue_position");
+        row("completed without address", QByteArray(R"({"status":"COMPLETED"})"), -1, 0, "", 0,
+            "Missing or mistyped value for key: response_url");
+        row("unknown log level",
+            QByteArray(
+                R"({"status":"IN_PROGRESS","logs":[{"message":"a","timestamp":"t","labels":{"level":"TRACE"}}]})"),
+            -1, 0, "", 0, "Invalid log level: TRACE");
+        row("an array", QByteArray("[1,2]"), -1, 0, "", 0, "The status answer is not an object");
     }
 
     void decodesStatus()
@@ -134,17 +135,19 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("json");
         QTest::addColumn<Payload::Kind>("kind");
-        QTest::newRow("string") << QByteArray(R"("text")") << Payload::Kind::string;
-        QTest::newRow("integer") << QByteArray("42") << Payload::Kind::integer;
-        QTest::newRow("negative integer") << QByteArray("-7") << Payload::Kind::integer;
-        QTest::newRow("double") << QByteArray("1.5") << Payload::Kind::number;
-        QTest::newRow("boolean") << QByteArray("false") << Payload::Kind::boolean;
-        QTest::newRow("null") << QByteArray("null") << Payload::Kind::nilValue;
-        QTest::newRow("array") << QByteArray(R"([1,"a",null,[true]])") << Payload::Kind::array;
-        QTest::newRow("object") << QByteArray(
-            "{\"images\":[{\"url\":\"https://x/y.png\",\"width\":1024}],\"seed\":3.25}")
-                                << Payload::Kind::dict;
-        QTest::newRow("empty object") << QByteArray("{}") << Payload::Kind::dict;
+        const auto row = [](const char *name, const QByteArray &json, const Payload::Kind &kind) {
+            QTest::newRow(name) << json << kind;
+        };
+        row("string", QByteArray(R"("text")"), Payload::Kind::string);
+        row("integer", QByteArray("42"), Payload::Kind::integer);
+        row("negative integer", QByteArray("-7"), Payload::Kind::integer);
+        row("double", QByteArray("1.5"), Payload::Kind::number);
+        row("boolean", QByteArray("false"), Payload::Kind::boolean);
+        row("null", QByteArray("null"), Payload::Kind::nilValue);
+        row("array", QByteArray(R"([1,"a",null,[true]])"), Payload::Kind::array);
+        row("object", QByteArray("{\"images\":[{\"url\":\"https://x/y.png\",\"width\":1024}],\"seed\":3.25}"),
+            Payload::Kind::dict);
+        row("empty object", QByteArray("{}"), Payload::Kind::dict);
     }
 
     void mapsJsonOneToOne()
@@ -188,28 +191,20 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("id");
         QTest::addColumn<QString>("normalised"); // empty: refused
-        QTest::newRow("owner and name") << "fal-ai/flux-pro"
-                                        << "fal-ai/flux-pro";
-        QTest::newRow("with a sub-path") << "fal-ai/flux/schnell"
-                                         << "fal-ai/flux/schnell";
-        QTest::newRow("numeric owner") << "12345-my-app"
-                                       << "12345/my-app";
-        QTest::newRow("not in the catalogue") << "someone/new-model"
-                                              << "someone/new-model";
-        QTest::newRow("single word") << "my-model"
-                                     << "my-model";
-        QTest::newRow("empty") << ""
-                               << "";
-        QTest::newRow("empty segment") << "fal-ai//flux"
-                                       << "";
-        QTest::newRow("leading slash") << "/fal-ai/flux"
-                                       << "";
-        QTest::newRow("dot segment") << "fal-ai/../admin"
-                                     << "";
-        QTest::newRow("space") << "fal ai/flux"
-                               << "";
-        QTest::newRow("query") << "fal-ai/flux?x=1"
-                               << "";
+        const auto row = [](const char *name, const QString &id, const QString &normalised) {
+            QTest::newRow(name) << id << normalised;
+        };
+        row("owner and name", "fal-ai/flux-pro", "fal-ai/flux-pro");
+        row("with a sub-path", "fal-ai/flux/schnell", "fal-ai/flux/schnell");
+        row("numeric owner", "12345-my-app", "12345/my-app");
+        row("not in the catalogue", "someone/new-model", "someone/new-model");
+        row("single word", "my-model", "my-model");
+        row("empty", "", "");
+        row("empty segment", "fal-ai//flux", "");
+        row("leading slash", "/fal-ai/flux", "");
+        row("dot segment", "fal-ai/../admin", "");
+        row("space", "fal ai/flux", "");
+        row("query", "fal-ai/flux?x=1", "");
     }
 
     void normalisesApplicationIds()
@@ -230,10 +225,13 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("source");
         QTest::addColumn<QByteArray>("authorization");
-        QTest::newRow("key pair") << 0 << QByteArray("Key id:secret");
-        QTest::newRow("id and secret") << 1 << QByteArray("Key id2:secret2");
-        QTest::newRow("custom") << 2 << QByteArray("Key computed");
-        QTest::newRow("environment") << 3 << QByteArray("Key env-key");
+        const auto row = [](const char *name, const int &source, const QByteArray &authorization) {
+            QTest::newRow(name) << source << authorization;
+        };
+        row("key pair", 0, QByteArray("Key id:secret"));
+        row("id and secret", 1, QByteArray("Key id2:secret2"));
+        row("custom", 2, QByteArray("Key computed"));
+        row("environment", 3, QByteArray("Key env-key"));
     }
 
     void sendsTheFourHeadersInOrder()
@@ -336,22 +334,20 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<int>("errorKind"); // -1: success
         QTest::addColumn<QString>("message");
-        QTest::newRow("success") << 200 << QByteArray(R"({"request_id":"r"})") << -1 << "";
-        QTest::newRow("success without body") << 200 << QByteArray() << -1 << "";
-        QTest::newRow("success, not JSON")
-            << 200 << QByteArray("<html/>") << int(FalError::Kind::invalidResultFormat) << "";
-        QTest::newRow("401 with detail") << 401 << QByteArray(R"({"detail":"Invalid key"})")
-                                         << int(FalError::Kind::unauthorized) << "Invalid key";
-        QTest::newRow("403 plain text") << 403 << QByteArray("Forbidden") << int(FalError::Kind::unauthorized)
-                                        << "Forbidden";
-        QTest::newRow("422 validation list")
-            << 422 << QByteArray(R"({"detail":[{"msg":"field required"},{"msg":"too long"}]})")
-            << int(FalError::Kind::httpError) << "field required; too long";
-        QTest::newRow("500 with message")
-            << 500 << QByteArray(R"({"message":"boom"})") << int(FalError::Kind::httpError) << "boom";
-        QTest::newRow("502 nested error")
-            << 502 << QByteArray(R"({"error":{"message":"upstream"}})") << int(FalError::Kind::httpError) << "upstream";
-        QTest::newRow("404 empty") << 404 << QByteArray() << int(FalError::Kind::httpError) << "";
+        const auto row = [](const char *name, const int &status, const QByteArray &body, const int &errorKind,
+                             const QString &message) { QTest::newRow(name) << status << body << errorKind << message; };
+        row("success", 200, QByteArray(R"({"request_id":"r"})"), -1, "");
+        row("success without body", 200, QByteArray(), -1, "");
+        row("success, not JSON", 200, QByteArray("<html/>"), int(FalError::Kind::invalidResultFormat), "");
+        row("401 with detail", 401, QByteArray(R"({"detail":"Invalid key"})"), int(FalError::Kind::unauthorized),
+            "Invalid key");
+        row("403 plain text", 403, QByteArray("Forbidden"), int(FalError::Kind::unauthorized), "Forbidden");
+        row("422 validation list", 422, QByteArray(R"({"detail":[{"msg":"field required"},{"msg":"too long"}]})"),
+            int(FalError::Kind::httpError), "field required; too long");
+        row("500 with message", 500, QByteArray(R"({"message":"boom"})"), int(FalError::Kind::httpError), "boom");
+        row("502 nested error", 502, QByteArray(R"({"error":{"message":"upstream"}})"), int(FalError::Kind::httpError),
+            "upstream");
+        row("404 empty", 404, QByteArray(), int(FalError::Kind::httpError), "");
     }
 
     void readsAnswers()

@@ -25,21 +25,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("operation");
         QTest::addColumn<QString>("model");
-        QTest::newRow("chat, OpenAI") << "chat"
-                                      << "gpt-4o-mini";
-        QTest::newRow("chat, Anthropic") << "chat"
-                                         << "claude-3-haiku-20240307";
-        QTest::newRow("streamed chat, OpenAI") << "stream"
-                                               << "gpt-4o-mini";
-        QTest::newRow("streamed chat, Anthropic") << "stream"
-                                                  << "claude-3-haiku-20240307";
-        QTest::newRow("transcription") << "transcribe" << QString();
-        QTest::newRow("DALL-E") << "image"
-                                << "DALL-E";
-        QTest::newRow("Together") << "image"
-                                  << "black-forest-labs/FLUX.1-schnell-Free";
-        QTest::newRow("fal submit") << "image"
-                                    << "fal-ai/flux/schnell";
+        const auto row = [](const char *name, const QString &operation, const QString &model) {
+            QTest::newRow(name) << operation << model;
+        };
+        row("chat, OpenAI", "chat", "gpt-4o-mini");
+        row("chat, Anthropic", "chat", "claude-3-haiku-20240307");
+        row("streamed chat, OpenAI", "stream", "gpt-4o-mini");
+        row("streamed chat, Anthropic", "stream", "claude-3-haiku-20240307");
+        row("transcription", "transcribe", QString());
+        row("DALL-E", "image", "DALL-E");
+        row("Together", "image", "black-forest-labs/FLUX.1-schnell-Free");
+        row("fal submit", "image", "fal-ai/flux/schnell");
     }
 
     void everyPaidRequestArrivesOnce()

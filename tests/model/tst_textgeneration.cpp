@@ -185,32 +185,31 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("log");
+        const auto row = [](const char *name, const QString &model, const int &status, const QByteArray &body,
+                             const QString &message,
+                             const QString &log) { QTest::newRow(name) << model << status << body << message << log; };
 
         const QString invalid = "Invalid response received from the server.";
-        QTest::newRow("empty choices") << "gpt-4o-mini" << 200 << QByteArray(R"({"choices":[]})") << invalid
-                                       << QString();
-        QTest::newRow("null content") << "gpt-3.5-turbo-1106" << 200
-                                      << QByteArray(R"({"choices":[{"message":{"role":"assistant","content":null}}]})")
-                                      << invalid << QString();
-        QTest::newRow("not JSON") << "gpt-4o-mini" << 200 << QByteArray("<html>oops</html>")
-                                  << "Failed to parse the server response: illegal value" << QString();
-        QTest::newRow("truncated JSON") << "gpt-4o-mini" << 200 << QByteArray(R"({"choices":[)")
-                                        << "Failed to parse the server response: unterminated array" << QString();
-        QTest::newRow("JSON array") << "gpt-4o-mini" << 200 << QByteArray("[1]") << invalid << QString();
-        QTest::newRow("no body") << "gpt-4o-mini" << 200 << QByteArray() << "No data received from the server."
-                                 << QString();
-        QTest::newRow("error body") << "gpt-4o-mini" << 401
-                                    << QByteArray(R"({"error":{"message":"Incorrect API key provided: sk-op***ai."}})")
-                                    << invalid << "OpenAI answered HTTP 401: Incorrect API key provided: sk-op***ai.";
-        QTest::newRow("Anthropic without text") << "claude-instant" << 200 << QByteArray(R"({"content":[]})") << invalid
-                                                << "API request failed: Invalid response received from the server.";
-        QTest::newRow("Anthropic error body")
-            << "claude-3-5-sonnet-20240620" << 529
-            << QByteArray(R"({"type":"error","error":{"type":"overloaded_error","message":"Overloaded"}})") << invalid
-            << "Anthropic answered HTTP 529: Overloaded|API request failed: Invalid response received from the server.";
-        QTest::newRow("Anthropic not JSON")
-            << "claude-instant" << 200 << QByteArray("x") << "Failed to parse the server response: illegal value"
-            << "API request failed: Failed to parse the server response: illegal value";
+        row("empty choices", "gpt-4o-mini", 200, QByteArray(R"({"choices":[]})"), invalid, QString());
+        row("null content", "gpt-3.5-turbo-1106", 200,
+            QByteArray(R"({"choices":[{"message":{"role":"assistant","content":null}}]})"), invalid, QString());
+        row("not JSON", "gpt-4o-mini", 200, QByteArray("<html>oops</html>"),
+            "Failed to parse the server response: illegal value", QString());
+        row("truncated JSON", "gpt-4o-mini", 200, QByteArray(R"({"choices":[)"),
+            "Failed to parse the server response: unterminated array", QString());
+        row("JSON array", "gpt-4o-mini", 200, QByteArray("[1]"), invalid, QString());
+        row("no body", "gpt-4o-mini", 200, QByteArray(), "No data received from the server.", QString());
+        row("error body", "gpt-4o-mini", 401,
+            QByteArray(R"({"error":{"message":"Incorrect API key provided: sk-op***ai."}})"), invalid,
+            "OpenAI answered HTTP 401: Incorrect API key provided: sk-op***ai.");
+        row("Anthropic without text", "claude-instant", 200, QByteArray(R"({"content":[]})"), invalid,
+            "API request failed: Invalid response received from the server.");
+        row("Anthropic error body", "claude-3-5-sonnet-20240620", 529,
+            QByteArray(R"({"type":"error","error":{"type":"overloaded_error","message":"Overloaded"}})"), invalid,
+            "Anthropic answered HTTP 529: Overloaded|API request failed: Invalid response received from the server.");
+        row("Anthropic not JSON", "claude-instant", 200, QByteArray("x"),
+            "Failed to parse the server response: illegal value",
+            "API request failed: Failed to parse the server response: illegal value");
     }
 
     void readsAnswersInTheCommonOrder()
@@ -234,16 +233,15 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("scenario");
         QTest::addColumn<QString>("message");
-        QTest::newRow("never answers") << "silent"
-                                       << "The request timed out. Please try again.";
-        QTest::newRow("closes mid-body")
-            << "truncated"
-            << "The network connection was lost. Please check your internet connection and try again.";
-        QTest::newRow("unknown host")
-            << "invalid"
-            << "Unable to find the server. Please check your internet connection or try again later.";
-        QTest::newRow("refused") << "refused"
-                                 << "A network error occurred: Connection refused";
+        const auto row = [](const char *name, const QString &scenario, const QString &message) {
+            QTest::newRow(name) << scenario << message;
+        };
+        row("never answers", "silent", "The request timed out. Please try again.");
+        row("closes mid-body", "truncated",
+            "The network connection was lost. Please check your internet connection and try again.");
+        row("unknown host", "invalid",
+            "Unable to find the server. Please check your internet connection or try again later.");
+        row("refused", "refused", "A network error occurred: Connection refused");
     }
 
     void transportFailuresHaveTheirMessages()

@@ -24,38 +24,34 @@ private Q_SLOTS:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("out");
         QTest::addColumn<QString>("errStart"); // stderr must start with this; empty: stderr must be empty
+        const auto row = [](const char *name, const QStringList &arguments, const QByteArray &input,
+                             const int &exitCode, const QString &out, const QString &errStart) {
+            QTest::newRow(name) << arguments << input << exitCode << out << errStart;
+        };
 
-        QTest::newRow("strip from stdin")
-            << QStringList { "markdown", "strip" } << QByteArray("# Hi\n**there** [x](y)\n") << 0 << "Hi\nthere x\n"
-            << "";
-        QTest::newRow("strip from dash") << QStringList { "markdown", "strip", "-" } << QByteArray("1. one\n2. two")
-                                         << 0 << "one\n2. two\n"
-                                         << "";
-        QTest::newRow("strip of blank text prints nothing")
-            << QStringList { "markdown", "strip" } << QByteArray(" \n\n") << 0 << ""
-            << "";
-        QTest::newRow("html from stdin") << QStringList { "markdown", "html" } << QByteArray("| a |\n|---|\n| ~~b~~ |")
-                                         << 0
-                                         << "<table>\n<thead>\n<tr>\n<th>a</th>\n</tr>\n</thead>\n<tbody>\n<tr>\n"
-                                            "<td><del>b</del></td>\n</tr>\n</tbody>\n</table>\n"
-                                         << "";
-        QTest::newRow("html leaves raw html out")
-            << QStringList { "markdown", "html" } << QByteArray("<script>x</script>") << 0
-            << "<!-- raw HTML omitted -->\n"
-            << "";
-        QTest::newRow("no action") << QStringList { "markdown" } << QByteArray() << 2 << ""
-                                   << "zentrik-cli: missing the action: strip or html";
-        QTest::newRow("unknown action") << QStringList { "markdown", "render" } << QByteArray() << 2 << ""
-                                        << "zentrik-cli: unknown action \"render\"";
-        QTest::newRow("two files") << QStringList { "markdown", "strip", "a", "b" } << QByteArray() << 2 << ""
-                                   << "zentrik-cli: expected at most one file, got 2";
-        QTest::newRow("unknown option") << QStringList { "markdown", "strip", "--bold" } << QByteArray() << 2 << ""
-                                        << "zentrik-cli: Unknown option 'bold'";
-        QTest::newRow("missing file") << QStringList { "markdown", "html", "/nonexistent/reply.md" } << QByteArray()
-                                      << 1 << ""
-                                      << "zentrik-cli: cannot read /nonexistent/reply.md: ";
-        QTest::newRow("directory") << QStringList { "markdown", "strip", "/tmp" } << QByteArray() << 1 << ""
-                                   << "zentrik-cli: cannot read /tmp: it is a directory";
+        row("strip from stdin", QStringList { "markdown", "strip" }, QByteArray("# Hi\n**there** [x](y)\n"), 0,
+            "Hi\nthere x\n", "");
+        row("strip from dash", QStringList { "markdown", "strip", "-" }, QByteArray("1. one\n2. two"), 0,
+            "one\n2. two\n", "");
+        row("strip of blank text prints nothing", QStringList { "markdown", "strip" }, QByteArray(" \n\n"), 0, "", "");
+        row("html from stdin", QStringList { "markdown", "html" }, QByteArray("| a |\n|---|\n| ~~b~~ |"), 0,
+            "<table>\n<thead>\n<tr>\n<th>a</th>\n</tr>\n</thead>\n<tbody>\n<tr>\n"
+            "<td><del>b</del></td>\n</tr>\n</tbody>\n</table>\n",
+            "");
+        row("html leaves raw html out", QStringList { "markdown", "html" }, QByteArray("<script>x</script>"), 0,
+            "<!-- raw HTML omitted -->\n", "");
+        row("no action", QStringList { "markdown" }, QByteArray(), 2, "",
+            "zentrik-cli: missing the action: strip or html");
+        row("unknown action", QStringList { "markdown", "render" }, QByteArray(), 2, "",
+            "zentrik-cli: unknown action \"render\"");
+        row("two files", QStringList { "markdown", "strip", "a", "b" }, QByteArray(), 2, "",
+            "zentrik-cli: expected at most one file, got 2");
+        row("unknown option", QStringList { "markdown", "strip", "--bold" }, QByteArray(), 2, "",
+            "zentrik-cli: Unknown option 'bold'");
+        row("missing file", QStringList { "markdown", "html", "/nonexistent/reply.md" }, QByteArray(), 1, "",
+            "zentrik-cli: cannot read /nonexistent/reply.md: ");
+        row("directory", QStringList { "markdown", "strip", "/tmp" }, QByteArray(), 1, "",
+            "zentrik-cli: cannot read /tmp: it is a directory");
     }
 
     void run()

@@ -95,34 +95,24 @@ private Q_SLOTS:
         QTest::addColumn<QString>("start");
         QTest::addColumn<QString>("piece");
         QTest::addColumn<QStringList>("log");
+        const auto row = [](const char *name, const QString &start, const QString &piece, const QStringList &log) {
+            QTest::newRow(name) << start << piece << log;
+        };
 
-        QTest::newRow("first piece") << ""
-                                     << "Hello" << QStringList { "insert 0-0" };
-        QTest::newRow("growing paragraph") << "Hello"
-                                           << " **world**" << QStringList { "change 0 text" };
-        QTest::newRow("new block") << "Hello\n\n"
-                                   << "# Title" << QStringList { "insert 1-1" };
-        QTest::newRow("earlier rows stay quiet") << "one\n\ntwo\n\nthree"
-                                                 << " more" << QStringList { "change 2 text" };
-        QTest::newRow("setext underline") << "Title\n"
-                                          << "===" << QStringList { "change 0 type,level" };
-        QTest::newRow("list item added") << "- a"
-                                         << "\n- b" << QStringList { "change 0 items" };
-        QTest::newRow("code language completes") << "```"
-                                                 << "py\nx = 1" << QStringList { "change 0 text,language" };
-        QTest::newRow("code grows") << "```py\nx = 1"
-                                    << "\ny = 2" << QStringList { "change 0 text" };
-        QTest::newRow("table row added") << "a|b\n-|-\n1|2"
-                                         << "\n3|4" << QStringList { "change 0 tableRows" };
-        QTest::newRow("paragraph becomes a table")
-            << "a|b\n"
-            << ":-|-:" << QStringList { "change 0 type,text,tableHeader,columnAlignments" };
-        QTest::newRow("rule taken back into a paragraph") << "x\n***"
-                                                          << "b" << QStringList { "change 0 text", "remove 1-1" };
-        QTest::newRow("two blocks at once") << "a"
-                                            << "\n\n## b\n\n> c" << QStringList { "insert 1-2" };
-        QTest::newRow("empty piece") << "a"
-                                     << "" << QStringList {};
+        row("first piece", "", "Hello", QStringList { "insert 0-0" });
+        row("growing paragraph", "Hello", " **world**", QStringList { "change 0 text" });
+        row("new block", "Hello\n\n", "# Title", QStringList { "insert 1-1" });
+        row("earlier rows stay quiet", "one\n\ntwo\n\nthree", " more", QStringList { "change 2 text" });
+        row("setext underline", "Title\n", "===", QStringList { "change 0 type,level" });
+        row("list item added", "- a", "\n- b", QStringList { "change 0 items" });
+        row("code language completes", "```", "py\nx = 1", QStringList { "change 0 text,language" });
+        row("code grows", "```py\nx = 1", "\ny = 2", QStringList { "change 0 text" });
+        row("table row added", "a|b\n-|-\n1|2", "\n3|4", QStringList { "change 0 tableRows" });
+        row("paragraph becomes a table", "a|b\n",
+            ":-|-:", QStringList { "change 0 type,text,tableHeader,columnAlignments" });
+        row("rule taken back into a paragraph", "x\n***", "b", QStringList { "change 0 text", "remove 1-1" });
+        row("two blocks at once", "a", "\n\n## b\n\n> c", QStringList { "insert 1-2" });
+        row("empty piece", "a", "", QStringList {});
     }
 
     void updates()

@@ -69,33 +69,26 @@ private Q_SLOTS:
         QTest::addColumn<QString>("title");
         QTest::addColumn<QStringList>("entered"); // label=value, in the order typed
         QTest::addColumn<QString>("expectedBlock");
+        const auto row
+            = [](const char *name, const QString &family, const QString &title, const QStringList &entered,
+                  const QString &expectedBlock) { QTest::newRow(name) << family << title << entered << expectedBlock; };
 
-        QTest::newRow("an empty form leaves the block empty")
-            << "customer-support"
-            << "Customer Support Ticket Response Agent" << QStringList {} << "";
-        QTest::newRow("form order differs from label order")
-            << "marketing"
-            << "Blog Post Writing"
-            << QStringList { "Writing Style=Narrative", "Blog Title=Rust", "Tone=Minimal", "Target Audience=Devs" }
-            << "Blog Title: Rust\nTarget Audience: Devs\nTone: Minimal\nWriting Style: Narrative";
-        QTest::newRow("a cleared field is still written")
-            << "sales"
-            << "Follow-up Email Sequence" << QStringList { "Prospect Name=", "Sequence Length=3 Emails" }
-            << "Prospect Name: \nSequence Length: 3 Emails";
-        QTest::newRow("the same label typed twice keeps the last value")
-            << "human-resources"
-            << "Job Description Generator"
-            << QStringList { "Job Title=Nurse", "Department=Care", "Job Title=Head Nurse" }
-            << "Department: Care\nJob Title: Head Nurse";
-        QTest::newRow("a value kept from another assistant is written too")
-            << "customer-support"
-            << "Documentation Explainer" << QStringList { "Target Audience=Beginners", "Customer Name=Ann" }
-            << "Customer Name: Ann\nTarget Audience: Beginners";
-        QTest::newRow("values are written verbatim")
-            << "marketing"
-            << "SWOT Analysis Generator"
-            << QStringList { "Industry=a: b\n\nStructure:", "Company/Product Name=  Acme  " }
-            << "Company/Product Name:   Acme  \nIndustry: a: b\n\nStructure:";
+        row("an empty form leaves the block empty", "customer-support", "Customer Support Ticket Response Agent",
+            QStringList {}, "");
+        row("form order differs from label order", "marketing", "Blog Post Writing",
+            QStringList { "Writing Style=Narrative", "Blog Title=Rust", "Tone=Minimal", "Target Audience=Devs" },
+            "Blog Title: Rust\nTarget Audience: Devs\nTone: Minimal\nWriting Style: Narrative");
+        row("a cleared field is still written", "sales", "Follow-up Email Sequence",
+            QStringList { "Prospect Name=", "Sequence Length=3 Emails" }, "Prospect Name: \nSequence Length: 3 Emails");
+        row("the same label typed twice keeps the last value", "human-resources", "Job Description Generator",
+            QStringList { "Job Title=Nurse", "Department=Care", "Job Title=Head Nurse" },
+            "Department: Care\nJob Title: Head Nurse");
+        row("a value kept from another assistant is written too", "customer-support", "Documentation Explainer",
+            QStringList { "Target Audience=Beginners", "Customer Name=Ann" },
+            "Customer Name: Ann\nTarget Audience: Beginners");
+        row("values are written verbatim", "marketing", "SWOT Analysis Generator",
+            QStringList { "Industry=a: b\n\nStructure:", "Company/Product Name=  Acme  " },
+            "Company/Product Name:   Acme  \nIndustry: a: b\n\nStructure:");
     }
 
     void valuesEnterAlphabeticallyByLabel()
@@ -163,19 +156,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("family");
         QTest::addColumn<QString>("title");
+        const auto row = [](const char *name, const QString &family, const QString &title) {
+            QTest::newRow(name) << family << title;
+        };
 
-        QTest::newRow("empty title") << "marketing"
-                                     << "";
-        QTest::newRow("not in any table") << "sales"
-                                          << "Cold Call Script";
-        QTest::newRow("another family's assistant") << "customer-support"
-                                                    << "Slogan Generator";
-        QTest::newRow("a card that is no generator") << "marketing"
-                                                     << "Images and Logo Generator";
-        QTest::newRow("titles are matched exactly") << "human-resources"
-                                                    << "job description generator";
-        QTest::newRow("trailing blank") << "sales"
-                                        << "Persuasive Sales Copy ";
+        row("empty title", "marketing", "");
+        row("not in any table", "sales", "Cold Call Script");
+        row("another family's assistant", "customer-support", "Slogan Generator");
+        row("a card that is no generator", "marketing", "Images and Logo Generator");
+        row("titles are matched exactly", "human-resources", "job description generator");
+        row("trailing blank", "sales", "Persuasive Sales Copy ");
     }
 
     void unknownTitleGivesNoPrompt()

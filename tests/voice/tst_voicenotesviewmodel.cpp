@@ -77,15 +77,14 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("scenario");
         QTest::addColumn<QString>("message");
-        QTest::newRow("no key") << "no key"
-                                << "API key is missing. Please add it in Settings.";
-        QTest::newRow("service error") << "401"
-                                       << "Invalid response received from the server.";
-        QTest::newRow("not JSON") << "html"
-                                  << "Failed to parse the server response: ";
-        QTest::newRow("connection lost")
-            << "truncated"
-            << "The network connection was lost. Please check your internet connection and try again.";
+        const auto row = [](const char *name, const QString &scenario, const QString &message) {
+            QTest::newRow(name) << scenario << message;
+        };
+        row("no key", "no key", "API key is missing. Please add it in Settings.");
+        row("service error", "401", "Invalid response received from the server.");
+        row("not JSON", "html", "Failed to parse the server response: ");
+        row("connection lost", "truncated",
+            "The network connection was lost. Please check your internet connection and try again.");
     }
 
     void failedTranscriptionAddsNoNote()
