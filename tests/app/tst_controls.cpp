@@ -274,12 +274,6 @@ private Q_SLOTS:
         QVERIFY(generator);
         QObject *dialog = askAboutAnEmail(window);
         QVERIFY(dialog);
-        const QStringList texts = visibleTexts(window);
-        for (const QString &text : { QStringLiteral("Personal Information Detected"),
-                 QStringLiteral("Original Message"), QStringLiteral("Redacted Message"),
-                 QStringLiteral("Send Original"), QStringLiteral("Send Redacted") }) {
-            QVERIFY2(texts.contains(text), qPrintable(text));
-        }
         QVERIFY(m_fake->requests().isEmpty()); // nothing leaves before the choice
         QQuickItem *redacted = findItem(window, QStringLiteral("sendRedactedButton"));
         QTRY_COMPARE(focused(window), redacted);
