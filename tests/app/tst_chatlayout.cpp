@@ -202,11 +202,11 @@ private Q_SLOTS:
     void copyButtonsCopyTheReplyCleanedAndTheQuestionAsTyped()
     {
         m_fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::json(ssefixture::completion(QStringLiteral("# Title\n\n**bold**"))));
+            ScriptedReply::json(test::completion(QStringLiteral("# Title\n\n**bold**"))));
         const auto app = openAskMeAnything();
         QVERIFY(app);
         QQuickWindow *window = app->window();
-        ask(window, QStringLiteral("**as typed**"));
+        QVERIFY(ask(window, QStringLiteral("**as typed**")));
         QTRY_VERIFY_WITH_TIMEOUT(copyButtonOf(window, QStringLiteral("# Title\n\n**bold**")), 10000);
         QQuickItem *replyButton = copyButtonOf(window, QStringLiteral("# Title\n\n**bold**"));
         QQuickItem *questionButton = copyButtonOf(window, QStringLiteral("**as typed**"));
