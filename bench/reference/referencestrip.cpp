@@ -47,7 +47,7 @@ bool matchesRulePattern(const QString &text)
     const icu::UnicodeString subject = toIcu(text);
     const auto ruleMatcher = matcher(stripsteps::rulePattern, subject);
     UErrorCode status = U_ZERO_ERROR;
-    return ruleMatcher && ruleMatcher->find(status) && U_SUCCESS(status);
+    return ruleMatcher && static_cast<bool>(ruleMatcher->find(status)) && static_cast<bool>(U_SUCCESS(status));
 }
 
 } // namespace zentrik::reference

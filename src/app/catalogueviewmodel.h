@@ -31,9 +31,9 @@ public:
     [[nodiscard]] QStringList tools() const;
 
     // The category of that name ({} when there is none).
-    Q_INVOKABLE QVariantMap category(const QString &name) const;
+    [[nodiscard]] Q_INVOKABLE QVariantMap category(const QString &name) const;
     // The card of that title ({} when there is none).
-    Q_INVOKABLE QVariantMap agent(const QString &title) const;
+    [[nodiscard]] Q_INVOKABLE QVariantMap agent(const QString &title) const;
 };
 
 } // namespace zentrik

@@ -76,9 +76,9 @@ public:
     [[nodiscard]] QString monospaceFontFamily() const;
 
     // The Material Icons glyph for a system symbol name.
-    Q_INVOKABLE QString glyph(const QString &symbol) const;
+    [[nodiscard]] Q_INVOKABLE QString glyph(const QString &symbol) const;
     // A named display colour of the catalogue in the current appearance.
-    Q_INVOKABLE QColor color(const QString &name) const;
+    [[nodiscard]] Q_INVOKABLE QColor color(const QString &name) const;
 
     // Registers the bundled icon font with the application (once) and returns its family.
     static QString loadIconFont();

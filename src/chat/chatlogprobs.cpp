@@ -15,7 +15,7 @@ std::optional<QList<ChatLogprobs::Token>> tokensFromJson(JsonFields &fields, QLa
         return std::nullopt;
     }
     QList<ChatLogprobs::Token> tokens;
-    for (const QJsonValue &entry : *array) {
+    for (const QJsonValue entry : *array) {
         auto token = tokenFromJson(entry, depth);
         if (!token) {
             fields.fail();
@@ -39,7 +39,7 @@ std::optional<ChatLogprobs::Token> tokenFromJson(const QJsonValue &value, int de
     token.logprob = fields.require(fields.number(QLatin1StringView("logprob")));
     if (const auto bytes = fields.array(QLatin1StringView("bytes"))) {
         QList<int> list;
-        for (const QJsonValue &byte : *bytes) {
+        for (const QJsonValue byte : *bytes) {
             if (!byte.isDouble()) {
                 return std::nullopt;
             }

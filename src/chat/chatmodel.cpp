@@ -9,7 +9,7 @@ std::optional<ChatModel> ChatModel::fromJson(const QJsonObject &object)
     using L = QLatin1StringView;
     JsonFields fields(object);
     ChatModel list;
-    for (const QJsonValue &value : fields.require(fields.array(L("data")))) {
+    for (const QJsonValue value : fields.require(fields.array(L("data")))) {
         if (!value.isObject()) {
             return std::nullopt;
         }

@@ -66,7 +66,7 @@ std::optional<QList<T>> listFromJson(const QJsonArray &array, std::optional<T> (
 {
     QList<T> list;
     list.reserve(array.size());
-    for (const QJsonValue &entry : array) {
+    for (const QJsonValue entry : array) {
         auto item = parse(entry);
         if (!item) {
             return std::nullopt;

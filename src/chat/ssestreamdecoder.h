@@ -76,7 +76,7 @@ public:
         }
         const auto status = m_reader.finish([this, &sink](const SseLine &line) { return handle(line, sink); });
         if (status == SseReader::Status::Ok && !m_ended) {
-            deliver(endOfInput(), sink);
+            sink(endOfInput());
         }
     }
 
@@ -97,12 +97,12 @@ protected:
         return event;
     }
 
-    Event failure(ChatError error)
+    Event failure(const ChatError &error)
     {
         m_ended = true;
         Event event;
         event.kind = Event::Kind::failed;
-        event.error = std::move(error);
+        event.error = error;
         return event;
     }
 
@@ -120,7 +120,7 @@ protected:
 private:
     bool handle(const SseLine &line, const Sink &sink) { return deliver(m_ended ? Event {} : decode(line), sink); }
 
-    bool deliver(const Event &event, const Sink &sink) const
+    [[nodiscard]] bool deliver(const Event &event, const Sink &sink) const
     {
         if (event.kind == Event::Kind::skipped) {
             return true;

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -24,11 +25,11 @@ public:
         // read(2) rather than QFile, which reports a directory or a closed descriptor on
         // stdin as an empty text.
         QByteArray bytes;
-        char buffer[65536];
+        std::array<char, 65536> buffer {};
         for (;;) {
-            const ssize_t got = ::read(STDIN_FILENO, buffer, sizeof buffer);
+            const ssize_t got = ::read(STDIN_FILENO, buffer.data(), buffer.size());
             if (got > 0) {
-                bytes.append(buffer, got);
+                bytes.append(buffer.data(), got);
             } else if (got == 0) {
                 return bytes;
             } else if (errno != EINTR) {
@@ -41,8 +42,8 @@ public:
     }
     QByteArray readLine() override { return input() ? m_in.readLine() : QByteArray(); }
     bool atEnd() override { return !input() || m_in.atEnd(); }
-    bool inputIsTerminal() const override { return ::isatty(STDIN_FILENO) != 0; }
-    bool errorIsTerminal() const override { return ::isatty(STDERR_FILENO) != 0; }
+    [[nodiscard]] bool inputIsTerminal() const override { return ::isatty(STDIN_FILENO) != 0; }
+    [[nodiscard]] bool errorIsTerminal() const override { return ::isatty(STDERR_FILENO) != 0; }
 
 private:
     static void write(FILE *stream, const QByteArray &bytes)

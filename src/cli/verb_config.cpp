@@ -58,14 +58,14 @@ int runConfig(const QStringList &arguments)
     if (args.isEmpty()) {
         return usageError(verbName, QStringLiteral("say get or set"));
     }
-    const QString action = args.at(0);
+    const QString &action = args.at(0);
     if (action != QStringLiteral("get") && action != QStringLiteral("set")) {
         return usageError(verbName, QStringLiteral("unknown action '%1'; use get or set").arg(action));
     }
     if (args.size() < 2 || !settingNames.contains(args.at(1))) {
         return usageError(verbName, QStringLiteral("name one of %1").arg(settingNames.join(QStringLiteral(", "))));
     }
-    const QString name = args.at(1);
+    const QString &name = args.at(1);
     Preferences preferences;
 
     if (action == QStringLiteral("get")) {
@@ -90,7 +90,7 @@ int runConfig(const QStringList &arguments)
     if (args.size() != 3) {
         return usageError(verbName, QStringLiteral("config set takes a name and a value"));
     }
-    const QString value = args.at(2);
+    const QString &value = args.at(2);
     if (name == QStringLiteral("text-model")) {
         if (!isKnownTextModel(value)) {
             return usageError(

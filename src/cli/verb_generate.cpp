@@ -39,7 +39,7 @@ int runGenerate(const QStringList &arguments)
     if (const int *exit = std::get_if<int>(&parsed)) {
         return *exit;
     }
-    const FormSelection &form = std::get<FormSelection>(parsed);
+    const auto &form = std::get<FormSelection>(parsed);
     const auto send = parseSendChoice(parser, sendOption, verbName);
     if (const int *exit = std::get_if<int>(&send)) {
         return *exit;

@@ -36,7 +36,7 @@ Input readInput(const QStringList &positional)
         const std::optional<QByteArray> bytes = readStandardInput(error);
         return { bytes ? QString::fromUtf8(*bytes) : QString(), error };
     }
-    const QString path = positional.at(1);
+    const QString &path = positional.at(1);
     if (QFileInfo(path).isDir()) {
         return { {}, tr("cannot read %1: it is a directory").arg(path) };
     }
@@ -63,7 +63,7 @@ int runMarkdown(const QStringList &arguments)
     if (positional.isEmpty()) {
         return usageError(verbName, tr("missing the action: strip or html"));
     }
-    const QString action = positional.first();
+    const QString &action = positional.first();
     if (action != QStringLiteral("strip") && action != QStringLiteral("html")) {
         return usageError(verbName, tr("unknown action \"%1\": use strip or html").arg(action));
     }

@@ -39,7 +39,7 @@ int runPrompt(const QStringList &arguments)
     if (const int *exit = std::get_if<int>(&parsed)) {
         return *exit;
     }
-    const FormSelection &form = std::get<FormSelection>(parsed);
+    const auto &form = std::get<FormSelection>(parsed);
     printOut(form.family->composePrompt(form.assistant->title, form.inputs) + QLatin1Char('\n'));
     return exitSuccess;
 }

@@ -14,7 +14,7 @@ namespace {
 // The most a decoded picture may take, in MiB: maxPixels at four bytes a pixel. Readers
 // that know the size up front are checked against maxPixels before they allocate; the
 // limit stops those that do not.
-constexpr int allocationLimitMiB = int(ImageCodec::maxPixels * 4 / (1024 * 1024));
+constexpr int allocationLimitMiB = int(ImageCodec::maxPixels * 4 / (qint64(1024) * 1024));
 
 bool tooLarge(const QSize &size)
 {
@@ -44,8 +44,10 @@ std::optional<Bitmap> ImageCodec::decode(const QByteArray &bytes)
     if (!buffer.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
+    // The limit is process-wide, not the reader's: this raises Qt's default of 128 MiB for
+    // every QImageReader in the program, the window's pictures included.
+    QImageReader::setAllocationLimit(allocationLimitMiB);
     QImageReader reader(&buffer);
-    reader.setAllocationLimit(allocationLimitMiB);
     // Ask for the size first, so that a small file claiming a huge picture allocates nothing.
     const QSize claimed = reader.size();
     if (claimed.isValid() && (claimed.isEmpty() || tooLarge(claimed))) {
@@ -91,7 +93,7 @@ QByteArray ImageCodec::encodePng(const Bitmap &bitmap)
         for (int y = 0; y < bitmap.height; ++y) {
             const uchar *from = pixels + y * rowBytes;
             uchar *to = image.scanLine(y);
-            for (int x = 0; x < bitmap.width; ++x) {
+            for (qsizetype x = 0; x < bitmap.width; ++x) {
                 to[4 * x] = to[4 * x + 1] = to[4 * x + 2] = from[2 * x];
                 to[4 * x + 3] = from[2 * x + 1];
             }

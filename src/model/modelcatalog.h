@@ -4,15 +4,11 @@
 
 #include <QList>
 
-namespace zentrik {
-
 // The fixed model catalogues, built once on first use, in the order the pickers show them.
-namespace ModelCatalog {
+namespace zentrik::ModelCatalog {
 [[nodiscard]] const QList<AIModel> &textModels();
 [[nodiscard]] const QList<ImageModel> &imageModels();
 
 inline const QString defaultTextModel = QStringLiteral("gpt-4o-mini");
 inline const QString defaultImageModel = QStringLiteral("fal-ai/flux-pro");
-} // namespace ModelCatalog
-
-} // namespace zentrik
+} // namespace zentrik::ModelCatalog

@@ -54,7 +54,7 @@ std::optional<QString> anthropicReply(const QJsonObject &object)
     }
     QString text;
     bool found = false;
-    for (const QJsonValue &block : content.toArray()) {
+    for (const QJsonValue block : content.toArray()) {
         const QJsonValue blockText = block.toObject().value(QLatin1String("text"));
         if (blockText.isString()) {
             text += blockText.toString();

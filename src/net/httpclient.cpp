@@ -158,7 +158,7 @@ TransportError tooLarge()
 {
     return { TransportError::Kind::Other,
         HttpClient::tr("The answer is larger than %1 MB and was not read.")
-            .arg(HttpClient::maxReplySize / (1024 * 1024)) };
+            .arg(HttpClient::maxReplySize / (qsizetype(1024) * 1024)) };
 }
 
 QList<std::pair<QByteArray, QByteArray>> headersOf(const QNetworkReply *reply)
@@ -452,8 +452,9 @@ bool HttpClient::take(const CallPtr &call, const QByteArray &bytes)
         // An announced length is reserved at once; otherwise the buffer doubles, but never
         // past the limit, so a reply near it does not hold twice its size.
         const qint64 announced = announcedLength(reply);
-        call->body.reserve(announced >= needed ? qsizetype(announced)
-                                               : std::min(maxReplySize, std::max<qsizetype>(2 * needed, 64 * 1024)));
+        call->body.reserve(announced >= needed
+                ? qsizetype(announced)
+                : std::min(maxReplySize, std::max<qsizetype>(2 * needed, qsizetype(64) * 1024)));
     }
     call->body.append(bytes);
     return true;

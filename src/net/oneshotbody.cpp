@@ -32,7 +32,7 @@ qint64 OneShotBody::readData(char *data, qint64 maxSize)
     return count;
 }
 
-qint64 OneShotBody::writeData(const char *, qint64)
+qint64 OneShotBody::writeData(const char * /*data*/, qint64 /*maxSize*/)
 {
     return -1;
 }

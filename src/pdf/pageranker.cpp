@@ -47,7 +47,7 @@ QStringList PageRanker::tokens(const QString &text)
 
 double PageRanker::idf(const QString &term) const
 {
-    const double n = double(m_termCounts.size());
+    const auto n = double(m_termCounts.size());
     const double df = m_documentFrequency.value(term);
     return std::log((n - df + 0.5) / (df + 0.5) + 1.0);
 }

@@ -140,7 +140,7 @@ void PdfChatViewModel::requestSummary(const QString &prompt)
             showRequestError(*error);
             return;
         }
-        const QString &reply = std::get<QString>(result);
+        const auto &reply = std::get<QString>(result);
         m_summary = parsePdfSummary(reply);
         m_summaryMarkdown = m_summary ? QString() : reply;
         Q_EMIT summaryChanged();

@@ -127,7 +127,7 @@ std::optional<PdfSummary> parsePdfSummary(const QString &reply)
     summary.summary = object.value(QStringLiteral("summary")).toString().trimmed();
     const QJsonValue points = object.contains(QStringLiteral("keyPoints")) ? object.value(QStringLiteral("keyPoints"))
                                                                            : object.value(QStringLiteral("key_points"));
-    for (const QJsonValue &point : points.toArray()) {
+    for (const QJsonValue point : points.toArray()) {
         if (point.isString() && !point.toString().trimmed().isEmpty()) {
             summary.keyPoints.append(point.toString().trimmed());
         }

@@ -111,7 +111,7 @@ private:
 
     static constexpr size_t alignment = alignof(std::max_align_t);
     static constexpr size_t header = alignment;
-    static constexpr size_t chunkSize = 64 * 1024;
+    static constexpr size_t chunkSize = size_t(64) * 1024;
 
     std::vector<std::unique_ptr<std::byte, FreeChunk>> m_chunks;
     size_t m_used = 0;

@@ -19,7 +19,7 @@ public:
         Inline,
     };
 
-    explicit CmarkDocument(QByteArrayView utf8, Extensions extensions = Extensions::All);
+    explicit CmarkDocument(QByteArrayView utf8, Extensions which = Extensions::All);
     ~CmarkDocument();
     CmarkDocument(const CmarkDocument &) = delete;
     CmarkDocument &operator=(const CmarkDocument &) = delete;

@@ -125,7 +125,8 @@ QString stripMarkdown(const QString &markdown)
     // Starts as a read-only view of the reply; each step that changes something makes the
     // next copy, and a step that finds nothing makes none, so a long reply is held only a
     // few times over.
-    icu::UnicodeString text(false, reinterpret_cast<const UChar *>(markdown.utf16()), int32_t(markdown.size()));
+    icu::UnicodeString text(
+        static_cast<UBool>(false), reinterpret_cast<const UChar *>(markdown.utf16()), int32_t(markdown.size()));
     const auto &patterns = compiledSteps();
     for (size_t i = 0; i < stripsteps::steps.size(); ++i) {
         if (i == stripsteps::linkStep) {
@@ -143,8 +144,8 @@ QString stripMarkdown(const QString &markdown)
         bool found = false;
         {
             const std::unique_ptr<icu::RegexMatcher> matcher(patterns.at(i)->matcher(text, status));
-            found = U_SUCCESS(status) && matcher->find(status) && U_SUCCESS(status);
-            if (found) {
+            if (U_SUCCESS(status) && matcher->find(status) && U_SUCCESS(status)) {
+                found = true;
                 matcher->reset();
                 replaced = matcher->replaceAll(icu::UnicodeString(stripsteps::steps.at(i).replacement), status);
             }
@@ -189,7 +190,7 @@ bool matchesRulePattern(const QString &text)
     if (U_FAILURE(status)) {
         return false;
     }
-    trailingMatcher->useAnchoringBounds(false);
+    trailingMatcher->useAnchoringBounds(static_cast<UBool>(false));
     const int32_t length = subject.length();
     // "$" holds at the end, and before a final line break of one or two characters.
     for (int32_t end = length; end >= 0 && end >= length - 2; --end) {

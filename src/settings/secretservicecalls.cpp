@@ -125,7 +125,7 @@ bool deleteMatching(const Attributes &attributes, SecretDeadline &deadline, int 
         return false;
     }
     code = removed ? secretSuccess : secretNotFound;
-    return removed;
+    return removed != FALSE;
 }
 
 } // namespace zentrik::secretcalls

@@ -97,7 +97,7 @@ bool SecretStore::set(const QByteArray &data, const QString &key, std::optional<
         g_object_unref(service);
         return false;
     }
-    const bool locked = secret_collection_get_locked(collection);
+    const bool locked = secret_collection_get_locked(collection) != FALSE;
     g_object_unref(collection);
     if (locked) {
         m_lastResultCode = secretLocked;
@@ -113,7 +113,7 @@ bool SecretStore::set(const QByteArray &data, const QString &key, std::optional<
     secret_value_unref(value);
     g_object_unref(service);
     m_lastResultCode = stored ? secretSuccess : classify(storeError.error, deadline);
-    return stored;
+    return stored != FALSE;
 }
 
 std::optional<QString> SecretStore::get(const QString &key)

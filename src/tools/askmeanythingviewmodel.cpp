@@ -44,7 +44,7 @@ QStringList AskMeAnythingViewModel::suggestions()
     return labels;
 }
 
-std::optional<QString> AskMeAnythingViewModel::validate(const QString &) const
+std::optional<QString> AskMeAnythingViewModel::validate(const QString & /*text*/) const
 {
     if (!apiManager()) {
         return tr("Please select a text model in Settings.");

@@ -154,7 +154,7 @@ QString GeneratorViewModel::composedPrompt() const
 
 bool GeneratorViewModel::canGenerate() const
 {
-    return !m_selectedTitle.isEmpty() && !m_isGenerating && m_apiManager;
+    return !m_selectedTitle.isEmpty() && !m_isGenerating && !m_apiManager.isNull();
 }
 
 void GeneratorViewModel::generate()

@@ -175,7 +175,7 @@ QString ImageGeneratorViewModel::modelName() const
     if (m_apiManager.isNull()) {
         return {};
     }
-    const QString id = m_apiManager->selectedImageModel();
+    QString id = m_apiManager->selectedImageModel();
     for (const ImageModel &model : m_apiManager->imageModels()) {
         if (model.id == id) {
             return model.name;

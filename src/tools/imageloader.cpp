@@ -92,7 +92,7 @@ void ImageLoader::download(HttpClient &http, const QString &address, QObject *co
                 const QByteArray bytes = file.read(HttpClient::maxReplySize + 1);
                 if (bytes.size() > HttpClient::maxReplySize) {
                     return Failure { failedToLoad(),
-                        QStringLiteral("larger than %1 MB").arg(HttpClient::maxReplySize / (1024 * 1024)) };
+                        QStringLiteral("larger than %1 MB").arg(HttpClient::maxReplySize / (qsizetype(1024) * 1024)) };
                 }
                 return Download { bytes, 0 };
             },
@@ -107,7 +107,7 @@ void ImageLoader::download(HttpClient &http, const QString &address, QObject *co
             done(Failure { message, message });
             return;
         }
-        const HttpResponse &response = std::get<HttpResponse>(result);
+        const auto &response = std::get<HttpResponse>(result);
         done(Download { response.body, response.status });
     });
 }
