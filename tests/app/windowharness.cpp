@@ -133,7 +133,7 @@ void saveScreenshots(QQuickWindow *window, const QString &name)
     for (const auto &[size, suffix] :
         { std::pair { QSize(1280, 800), QString() }, std::pair { QSize(800, 600), QStringLiteral("-800x600") } }) {
         window->resize(size);
-        QTest::qWaitFor([window, size] { return window->size() == size; });
+        (void)QTest::qWaitFor([window, size] { return window->size() == size; });
         for (int frame = 0; frame < 3; ++frame) { // layouts and images settle over a few frames
             waitForFrame(window);
         }
