@@ -15,16 +15,20 @@ function(_zentrik_rank folder out)
   message(FATAL_ERROR "src/${folder} has no place in ZENTRIK_LAYERS")
 endfunction()
 
-# zentrik_library(<folder> [DEPENDS <folder>...] [QT <component>...] [LIBS <target>...])
+# zentrik_library(<folder> [QML] [DEPENDS <folder>...] [QT <component>...] [LIBS <target>...])
 # Builds every .cpp/.h of the current folder into the static library zentrik_<folder>.
+# QML: the library's classes may carry QML_ELEMENT, QML_UNCREATABLE, QML_SINGLETON… from the
+# header-only Qt6::QmlIntegration (the library itself never links QtQml); their metatypes are
+# extracted, and the window makes them the QML module Zentrik.<Folder> (ZentrikQmlModules.cmake).
 function(zentrik_library folder)
-  cmake_parse_arguments(ARG "" "" "DEPENDS;QT;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "QML" "" "DEPENDS;QT;LIBS" ${ARGN})
   _zentrik_rank(${folder} own_rank)
   file(GLOB sources CONFIGURE_DEPENDS
        ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h ${CMAKE_CURRENT_SOURCE_DIR}/*.qrc)
   add_library(zentrik_${folder} STATIC ${sources})
   target_include_directories(zentrik_${folder} PUBLIC
     ${PROJECT_SOURCE_DIR}/src ${PROJECT_BINARY_DIR}/generated)
+  set_property(TARGET zentrik_${folder} PROPERTY ZENTRIK_DEPENDS ${ARG_DEPENDS})
   foreach(dep IN LISTS ARG_DEPENDS)
     _zentrik_rank(${dep} dep_rank)
     if(NOT dep_rank LESS own_rank)
@@ -36,6 +40,11 @@ function(zentrik_library folder)
     target_link_libraries(zentrik_${folder} PUBLIC Qt6::${component})
   endforeach()
   target_link_libraries(zentrik_${folder} PUBLIC Qt6::Core ${ARG_LIBS})
+  if(ARG_QML)
+    target_link_libraries(zentrik_${folder} PUBLIC Qt6::QmlIntegration)
+    qt_extract_metatypes(zentrik_${folder})
+    set_property(GLOBAL APPEND PROPERTY ZENTRIK_QML_LIBRARIES ${folder})
+  endif()
 endfunction()
 
 # zentrik_test(<folder> LIBS <target>... [GUI] [TIMEOUT <seconds>])

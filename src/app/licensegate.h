@@ -32,7 +32,7 @@ class LicenseGate : public QObject, public QQmlParserStatus
     Q_PROPERTY(bool showLicenseSetup READ showLicenseSetup NOTIFY stateChanged FINAL)
     Q_PROPERTY(bool isChecking READ isChecking NOTIFY stateChanged FINAL)
     Q_PROPERTY(QString message READ message NOTIFY messageChanged FINAL)
-    Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
+    Q_PROPERTY(zentrik::APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
 
 public:
     enum class State { Idle, Checking, Verified, NeedsKey };

@@ -14,6 +14,7 @@
 #include <QObject>
 #include <QString>
 #include <QUrl>
+#include <QtQmlIntegration>
 
 #include <chrono>
 #include <functional>
@@ -31,10 +32,13 @@ using ImageResult = std::variant<QString, ImageError>;
 
 // The one object through which every tool reaches a model service: the catalogues, the
 // user's choices, the provider keys and the routing rule. One instance lives as long as
-// the window (or the CLI run) and is shared by every screen.
+// the window (or the CLI run) and is shared by every screen: in the window it is the QML
+// singleton APIManager, made by the engine on first use and deleted with it.
 class APIManager : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
     Q_PROPERTY(QString selectedTextModel READ selectedTextModel WRITE setSelectedTextModel NOTIFY
             selectedTextModelChanged FINAL)
     Q_PROPERTY(QString selectedImageModel READ selectedImageModel WRITE setSelectedImageModel NOTIFY

@@ -5,6 +5,7 @@
 #include "tools/askmeanythingviewmodel.h"
 
 #include <QUrl>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -12,9 +13,10 @@ namespace zentrik {
 // its text. Questions carry the document's text (for a long document, the pages that best
 // match the question) and ask the model to cite pages. The privacy guard checks the whole
 // prompt, the document's text included, before anything is sent.
-class PdfChatViewModel : public AskMeAnythingViewModel
+class PdfChatViewModel : public zentrik::AskMeAnythingViewModel
 {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(QUrl source READ source NOTIFY documentChanged FINAL)
     Q_PROPERTY(QString documentTitle READ documentTitle NOTIFY documentChanged FINAL)
     Q_PROPERTY(int pageCount READ pageCount NOTIFY documentChanged FINAL)

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -10,6 +11,7 @@ namespace zentrik {
 class PiiAlertViewModel : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(bool showAlert READ showAlert WRITE setShowAlert NOTIFY showAlertChanged FINAL)
     Q_PROPERTY(QString originalMessage READ originalMessage NOTIFY originalMessageChanged FINAL)
     Q_PROPERTY(QString redactedMessage READ redactedMessage NOTIFY redactedMessageChanged FINAL)

@@ -3,6 +3,7 @@
 #include "render/incrementalrenderer.h"
 
 #include <QAbstractListModel>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -13,6 +14,7 @@ namespace zentrik {
 class MarkdownModel : public QAbstractListModel
 {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged FINAL)
     Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
 

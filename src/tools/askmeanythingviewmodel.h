@@ -4,21 +4,23 @@
 #include "tools/chattoolviewmodel.h"
 
 #include <QStringList>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
 // The general chat. Each send validates the model choice, asks about personal information
 // when the redacted copy differs, puts the chosen suggestion's prefix before the text and
 // waits for the whole reply. The model sees only that one prompt, not the conversation.
-class AskMeAnythingViewModel : public ChatToolViewModel
+class AskMeAnythingViewModel : public zentrik::ChatToolViewModel
 {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(QString newMessage READ newMessage WRITE setNewMessage NOTIFY newMessageChanged FINAL)
     Q_PROPERTY(QString selectedSuggestion READ selectedSuggestion WRITE setSelectedSuggestion NOTIFY
             selectedSuggestionChanged FINAL)
     Q_PROPERTY(QStringList suggestions READ suggestions CONSTANT FINAL)
     Q_PROPERTY(bool isAIProcessing READ isProcessing NOTIFY isProcessingChanged FINAL)
-    Q_PROPERTY(PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
+    Q_PROPERTY(zentrik::PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
 
 public:
     explicit AskMeAnythingViewModel(QObject *parent = nullptr);

@@ -2,6 +2,7 @@
 
 #include <QAbstractListModel>
 #include <QString>
+#include <QtQmlIntegration>
 
 #include <memory>
 #include <vector>
@@ -30,6 +31,8 @@ using DebuggerMessage = ChatMessageRecord;
 class ChatMessageListModel : public QAbstractListModel
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("owned by a chat screen's view model")
     Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
 
 public:

@@ -13,8 +13,8 @@ namespace zentrik {
 class ChatToolViewModel : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
-    Q_PROPERTY(ChatMessageListModel *messages READ messages CONSTANT FINAL)
+    Q_PROPERTY(zentrik::APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
+    Q_PROPERTY(zentrik::ChatMessageListModel *messages READ messages CONSTANT FINAL)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
     // Whether the error is one the user fixes in Settings (a missing key, no usable model).
     Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)

@@ -3,6 +3,7 @@
 #include "tools/chattoolviewmodel.h"
 
 #include <QStringList>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -12,9 +13,10 @@ struct ConversationSuggestion;
 // The Code Debugger ("debugger") and the Sample Data Generator ("sampleData"). A send shows
 // the message as typed, sends its redacted copy without asking, and streams the reply for
 // the free and OpenAI models (the others answer in one piece).
-class DevToolViewModel : public ChatToolViewModel
+class DevToolViewModel : public zentrik::ChatToolViewModel
 {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(QString tool READ tool WRITE setTool NOTIFY toolChanged FINAL)
     Q_PROPERTY(QString input READ input WRITE setInput NOTIFY inputChanged FINAL)
     Q_PROPERTY(QString selectedSuggestion READ selectedSuggestion WRITE setSelectedSuggestion NOTIFY

@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QVariantList>
 #include <QVariantMap>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -23,7 +24,8 @@ class StreamCoalescer;
 class GeneratorViewModel : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
+    QML_ELEMENT
+    Q_PROPERTY(zentrik::APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
     Q_PROPERTY(QString family READ family WRITE setFamily NOTIFY familyChanged FINAL)
     Q_PROPERTY(QString familyName READ familyName NOTIFY familyChanged FINAL)
     Q_PROPERTY(QString pickerPrompt READ pickerPrompt NOTIFY familyChanged FINAL)
@@ -38,7 +40,7 @@ class GeneratorViewModel : public QObject
     Q_PROPERTY(QVariantList fields READ fields NOTIFY selectedTitleChanged FINAL)
     Q_PROPERTY(QVariantMap inputs READ inputsMap NOTIFY inputsChanged FINAL)
     Q_PROPERTY(QString output READ output NOTIFY outputChanged FINAL)
-    Q_PROPERTY(MarkdownModel *outputBlocks READ outputBlocks CONSTANT FINAL)
+    Q_PROPERTY(zentrik::MarkdownModel *outputBlocks READ outputBlocks CONSTANT FINAL)
     Q_PROPERTY(bool isGenerating READ isGenerating NOTIFY isGeneratingChanged FINAL)
     Q_PROPERTY(bool isStreaming READ isStreaming NOTIFY isStreamingChanged FINAL)
     // The reply shown was stopped by the user before it was complete.
@@ -46,7 +48,7 @@ class GeneratorViewModel : public QObject
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
     // Whether the error is one the user fixes in Settings (a missing key, no usable model).
     Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)
-    Q_PROPERTY(PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
+    Q_PROPERTY(zentrik::PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
     Q_PROPERTY(bool canGenerate READ canGenerate NOTIFY canGenerateChanged FINAL)
 
 public:

@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QVariantList>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -19,7 +20,8 @@ namespace zentrik {
 class ImageGeneratorViewModel : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
+    QML_ELEMENT
+    Q_PROPERTY(zentrik::APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
     Q_PROPERTY(QString prompt READ prompt WRITE setPrompt NOTIFY promptChanged FINAL)
     Q_PROPERTY(QStringList sizeLabels READ sizeLabels CONSTANT FINAL)
     Q_PROPERTY(ImageSize selectedSize READ selectedSize WRITE setSelectedSize NOTIFY selectedSizeChanged FINAL)
@@ -31,7 +33,8 @@ class ImageGeneratorViewModel : public QObject
     // Where the view shows the picture from (always a local file); empty before the first.
     Q_PROPERTY(QUrl imageUrl READ imageUrl NOTIFY imageChanged FINAL)
     Q_PROPERTY(bool hasImage READ hasImage NOTIFY imageChanged FINAL)
-    Q_PROPERTY(QSize imageSize READ imageSize NOTIFY imageChanged FINAL)
+    // QSizeF, the type QML knows as `size`.
+    Q_PROPERTY(QSizeF imageSize READ imageSize NOTIFY imageChanged FINAL)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
     // Whether the error is one the user fixes in Settings (a missing key).
     Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)

@@ -4,6 +4,7 @@
 
 #include <QAbstractListModel>
 #include <QList>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -13,6 +14,8 @@ namespace zentrik {
 class VoiceNoteListModel : public QAbstractListModel
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("owned by the voice notes view model")
     Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
 
 public:

@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -18,8 +19,9 @@ namespace zentrik {
 class VoiceNotesViewModel : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
-    Q_PROPERTY(VoiceNoteListModel *notes READ notes CONSTANT FINAL)
+    QML_ELEMENT
+    Q_PROPERTY(zentrik::APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
+    Q_PROPERTY(zentrik::VoiceNoteListModel *notes READ notes CONSTANT FINAL)
     Q_PROPERTY(int noteCount READ noteCount NOTIFY noteCountChanged FINAL)
     Q_PROPERTY(bool isRecording READ isRecording NOTIFY isRecordingChanged FINAL)
     Q_PROPERTY(bool isStarting READ isStarting NOTIFY isStartingChanged FINAL)
@@ -32,7 +34,7 @@ class VoiceNotesViewModel : public QObject
     Q_PROPERTY(bool canRetry READ canRetry NOTIFY canRetryChanged FINAL)
     Q_PROPERTY(QString storageWarning READ storageWarning NOTIFY storageWarningChanged FINAL)
     Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchTextChanged FINAL)
-    Q_PROPERTY(VoiceNoteEditor *editor READ editor CONSTANT FINAL)
+    Q_PROPERTY(zentrik::VoiceNoteEditor *editor READ editor CONSTANT FINAL)
     Q_PROPERTY(bool showDeleteConfirmation READ showDeleteConfirmation NOTIFY pendingDeleteChanged FINAL)
     Q_PROPERTY(QString pendingDeleteTitle READ pendingDeleteTitle NOTIFY pendingDeleteChanged FINAL)
 

@@ -159,7 +159,7 @@ private Q_SLOTS:
         QVERIFY(haiku > 0);
         picker->setProperty("currentIndex", haiku);
         QVERIFY(QMetaObject::invokeMethod(picker, "activated", Q_ARG(int, haiku)));
-        auto *manager = app->engine()->singletonInstance<APIManager *>(qmlTypeId("Zentrik", 1, 0, "APIManager"));
+        auto *manager = app->engine()->singletonInstance<APIManager *>(qmlTypeId("Zentrik.Model", 1, 0, "APIManager"));
         QVERIFY(manager);
         QCOMPARE(manager->selectedTextModel(), QStringLiteral("gpt-4o-mini")); // nothing written before Save
         QVERIFY(click(findItem(window, QStringLiteral("saveButton"))));
