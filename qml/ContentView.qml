@@ -13,8 +13,12 @@ ApplicationWindow {
     minimumWidth: 800
     minimumHeight: 600
     visible: true
+
+    // The program makes the navigation and hands it over when it loads this window.
+    required property ContentViewModel navigation
+
     // The desktop adds " — Zentrik" (the application's display name) after the title itself.
-    title: licenseGate.isLicenseVerified ? contentModel.screenTitle : qsTr("Zentrik")
+    title: licenseGate.isLicenseVerified ? window.navigation.screenTitle : qsTr("Zentrik")
     color: Theme.windowColor
     // Buttons read as written ("Save", "Send Redacted"), not in capitals.
     font.capitalization: Font.MixedCase
@@ -28,11 +32,6 @@ ApplicationWindow {
         id: licenseGate
         objectName: "licenseGate"
         apiManager: APIManager
-    }
-
-    ContentViewModel {
-        id: contentModel
-        objectName: "navigation"
     }
 
     // Popups that Qt Quick builds itself (the file dialogs, tool tips) paint their body
@@ -55,34 +54,15 @@ ApplicationWindow {
     Shortcut {
         sequences: ["Ctrl+,"]
         enabled: licenseGate.isLicenseVerified
-        onActivated: contentModel.showSettings()
+        onActivated: window.navigation.showSettings()
     }
 
-    Loader {
+    LicenseStage {
         id: stage
         objectName: "stage"
         anchors.fill: parent
         focus: true
-        sourceComponent: licenseGate.isLicenseVerified ? mainView
-                         : licenseGate.showLicenseSetup ? licenseSetup : licenseChecking
-    }
-
-    Component {
-        id: mainView
-        MainView {
-            navigation: contentModel
-        }
-    }
-
-    Component {
-        id: licenseChecking
-        LicenseCheckingView {}
-    }
-
-    Component {
-        id: licenseSetup
-        LicenseSetupView {
-            gate: licenseGate
-        }
+        navigation: window.navigation
+        gate: licenseGate
     }
 }

@@ -17,6 +17,7 @@ class ContentViewModel : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
+    QML_UNCREATABLE("made by the program and handed to its window")
     Q_PROPERTY(QString screen READ screen NOTIFY routeChanged FINAL)
     Q_PROPERTY(QString screenArgument READ screenArgument NOTIFY routeChanged FINAL)
     Q_PROPERTY(QString screenTitle READ screenTitle NOTIFY routeChanged FINAL)

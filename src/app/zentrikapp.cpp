@@ -1,7 +1,6 @@
 #include "app/zentrikapp.h"
 
 #include "app/applogging.h"
-#include "app/contentviewmodel.h"
 #include "app/sidebarmodel.h"
 #include "app/theme.h"
 #include "buildconfig.h"
@@ -85,6 +84,7 @@ bool ZentrikApp::load()
 {
     m_engine = std::make_unique<QQmlApplicationEngine>();
     m_engine->addImportPath(importPath);
+    m_engine->setInitialProperties({ { QStringLiteral("navigation"), QVariant::fromValue(&m_navigation) } });
     m_engine->load(contentViewUrl());
     const QList<QObject *> roots = m_engine->rootObjects();
     m_window = roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.constFirst());
@@ -97,16 +97,12 @@ bool ZentrikApp::load()
 
 void ZentrikApp::openAtStart(const QString &destination)
 {
-    auto *navigation = m_window ? m_window->findChild<ContentViewModel *>() : nullptr;
-    if (!navigation) {
-        return;
-    }
     if (destination == QStringLiteral("Settings")) {
-        navigation->showSettings();
+        m_navigation.showSettings();
     } else if (AssistantCatalogue::agent(destination) != nullptr) {
-        navigation->openAgent(destination);
+        m_navigation.openAgent(destination);
     } else {
-        navigation->open(destination);
+        m_navigation.open(destination);
     }
 }
 
@@ -131,11 +127,7 @@ void ZentrikApp::measureStartup(const QElapsedTimer &sinceMain)
 
 void ZentrikApp::tourScreens()
 {
-    auto *navigation = m_window->findChild<ContentViewModel *>();
-    if (!navigation) {
-        QCoreApplication::exit(1);
-        return;
-    }
+    auto *navigation = &m_navigation;
     // Every sidebar entry, then one card of each kind of tool.
     QList<std::function<void()>> steps;
     SidebarModel entries;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/contentviewmodel.h"
+
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
@@ -31,6 +33,9 @@ public:
     bool load();
     [[nodiscard]] QQmlApplicationEngine *engine() const { return m_engine.get(); }
     [[nodiscard]] QQuickWindow *window() const { return m_window; }
+    // The window's navigation: made here and handed to ContentView, so that the program
+    // steers the window without searching its item tree.
+    [[nodiscard]] ContentViewModel *navigation() { return &m_navigation; }
 
     // Shows a screen at start: "Settings", an assistant's title, a category or a tool.
     void openAtStart(const QString &destination);
@@ -45,6 +50,8 @@ public:
 private:
     void tourScreens();
 
+    // Declared before the engine, which goes first and takes every binding to it along.
+    ContentViewModel m_navigation;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     QPointer<QQuickWindow> m_window;
 };

@@ -312,9 +312,7 @@ private Q_SLOTS:
         QVERIFY(m_fake->requests().isEmpty());
         QVERIFY(click(findItem(window, QStringLiteral("openSettingsButton"))));
         QTRY_VERIFY(findItem(window, QStringLiteral("settingsView")));
-        auto *navigation = qobject_cast<ContentViewModel *>(findObject(window, QStringLiteral("navigation")));
-        QVERIFY(navigation);
-        QCOMPARE(navigation->screen(), QStringLiteral("settings"));
+        QCOMPARE(app->navigation()->screen(), QStringLiteral("settings"));
     }
 
     void pdfPagesTurnWithWheelKeysAndField()

@@ -17,13 +17,6 @@
 using namespace zentrik;
 using namespace zentrik::test;
 
-namespace {
-ContentViewModel *navigationOf(const ZentrikApp &app)
-{
-    return qobject_cast<ContentViewModel *>(findObject(app.window(), QStringLiteral("navigation")));
-}
-} // namespace
-
 // The real window, started as the program starts it, driven by mouse and keyboard.
 class WindowTest : public QObject
 {
@@ -110,7 +103,7 @@ private Q_SLOTS:
         QQuickItem *card = findItem(app->window(), QStringLiteral("agentCard:Slogan Generator"));
         QVERIFY(card);
         QVERIFY(click(card));
-        ContentViewModel *navigation = navigationOf(*app);
+        ContentViewModel *navigation = app->navigation();
         QVERIFY(navigation);
         QTRY_COMPARE(navigation->screen(), QStringLiteral("marketingGenerator"));
         QCOMPARE(navigation->screenArgument(), QStringLiteral("Slogan Generator"));
@@ -131,7 +124,7 @@ private Q_SLOTS:
         QVERIFY(click(
             findItem(app->window(), QStringLiteral("promptOption:Explore marketing strategies and content ideas."))));
         QTRY_VERIFY(findItem(app->window(), QStringLiteral("categoryView")));
-        ContentViewModel *navigation = navigationOf(*app);
+        ContentViewModel *navigation = app->navigation();
         QCOMPARE(navigation->screenArgument(), QStringLiteral("Marketing"));
         QVERIFY(findItem(app->window(), QStringLiteral("sidebar:Marketing"))->property("selected").toBool());
         QVERIFY(!findItem(app->window(), QStringLiteral("agentCard:Persuasive Sales Copy")));
@@ -152,7 +145,7 @@ private Q_SLOTS:
     {
         const auto app = startApp();
         QVERIFY(app);
-        ContentViewModel *navigation = navigationOf(*app);
+        ContentViewModel *navigation = app->navigation();
         QVERIFY(navigation);
         navigation->showTool(QStringLiteral("Teleporter"));
         QTRY_VERIFY(findItem(app->window(), QStringLiteral("toolNotImplementedView")));
@@ -187,7 +180,7 @@ private Q_SLOTS:
     {
         const auto app = startApp();
         QVERIFY(app);
-        navigationOf(*app)->showSettings();
+        app->navigation()->showSettings();
         QTRY_VERIFY(findItem(app->window(), QStringLiteral("howItWorksToggle")));
         QQuickItem *chevron = findItem(app->window(), QStringLiteral("howItWorksChevron"));
         const QString closedGlyph = chevron->property("text").toString();
