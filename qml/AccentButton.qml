@@ -16,6 +16,7 @@ Button {
 
     readonly property color fill: destructive ? Theme.dangerColor : Theme.accentColor
     readonly property color ink: destructive ? Theme.onDangerColor : Theme.onAccentColor
+    readonly property color labelColor: enabled ? ink : Theme.secondaryTextColor
 
     Accessible.name: text
     Keys.onReturnPressed: if (enabled) clicked()
@@ -27,14 +28,13 @@ Button {
             visible: control.symbol.length > 0
             symbol: control.symbol
             size: 18
-            color: label.color
+            color: control.labelColor
         }
         Label {
-            id: label
             Layout.fillWidth: true
             text: control.text
             font: control.font
-            color: control.enabled ? control.ink : Theme.secondaryTextColor
+            color: control.labelColor
             horizontalAlignment: Text.AlignHCenter
             elide: Text.ElideRight
         }

@@ -32,7 +32,6 @@ AbstractButton {
 
     contentItem: Item {
         Rectangle {
-            id: badge
             x: 14
             y: 14
             width: 40
@@ -50,14 +49,13 @@ AbstractButton {
         // Plain positioning: a title that wraps pushes the description down, and the
         // description is cut with an ellipsis where the card ends.
         Column {
-            x: badge.x + badge.width + 12
+            x: 14 + 40 + 12 // beside the badge
             y: 14
             width: parent.width - x - 14
             height: parent.height - 28
             spacing: 4
 
             Label {
-                id: titleLabel
                 objectName: "agentCardTitle"
                 width: parent.width
                 text: card.title
@@ -70,7 +68,7 @@ AbstractButton {
             Label {
                 objectName: "agentCardDescription"
                 width: parent.width
-                height: Math.max(0, parent.height - titleLabel.height - parent.spacing)
+                height: Math.max(0, parent.height - y)
                 text: card.description
                 color: Theme.secondaryTextColor
                 font.pixelSize: 13

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -22,6 +24,7 @@ ColumnLayout {
     Repeater {
         model: Catalogue.categories
         delegate: ColumnLayout {
+            id: category
             required property var modelData
             Layout.fillWidth: true
             Layout.topMargin: 6
@@ -30,11 +33,11 @@ ColumnLayout {
             RowLayout {
                 spacing: 8
                 SymbolIcon {
-                    symbol: modelData.icon
+                    symbol: category.modelData.icon
                     color: Theme.secondaryTextColor
                 }
                 Label {
-                    text: modelData.name
+                    text: category.modelData.name
                     font.pixelSize: 17
                     font.weight: Font.DemiBold
                     color: Theme.secondaryTextColor
@@ -43,7 +46,7 @@ ColumnLayout {
 
             AgentGrid {
                 Layout.fillWidth: true
-                agents: modelData.agents
+                agents: category.modelData.agents
                 onPicked: title => showcase.navigation.openAgent(title)
             }
         }

@@ -33,7 +33,7 @@ RowLayout {
             id: field
             objectName: "chatInputField"
             wrapMode: TextEdit.Wrap
-            font.family: input.monospace ? Theme.monospaceFontFamily : Qt.application.font.family
+            font.family: input.monospace ? Theme.monospaceFontFamily : Application.font.family
             Accessible.name: input.placeholderText
             Keys.onReturnPressed: event => {
                 if (event.modifiers & Qt.ShiftModifier) {

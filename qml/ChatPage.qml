@@ -69,6 +69,7 @@ Item {
     }
 
     RoundButton {
+        id: jumpButton
         objectName: "jumpToLatestButton"
         anchors.right: flick.right
         anchors.bottom: flick.bottom
@@ -83,11 +84,11 @@ Item {
         background: Rectangle {
             radius: height / 2
             color: Theme.accentColor
-            border.width: parent.visualFocus ? 2 : 0
+            border.width: jumpButton.visualFocus ? 2 : 0
             border.color: Theme.textColor
         }
         contentItem: Label {
-            text: "\u2193  " + parent.text
+            text: "\u2193  " + jumpButton.text
             color: "white"
             leftPadding: 8
             rightPadding: 8

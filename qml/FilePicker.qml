@@ -18,8 +18,9 @@ Item {
     // The accept button's text; empty for the dialog's own ("Open").
     property string acceptLabel
     property alias requiredModule: check.requiredModule
-    readonly property bool isOpen: loader.item !== null && loader.item.visible
+    readonly property bool isOpen: dialog !== null && dialog.visible
     property string problem
+    readonly property FileDialog dialog: loader.item as FileDialog
 
     signal accepted(url file)
 
@@ -29,10 +30,11 @@ Item {
             notice.open()
             return
         }
-        loader.active = true
-        if (picker.selectedFile.toString().length > 0)
-            loader.item.selectedFile = picker.selectedFile
-        loader.item.open()
+        if (dialog === null)
+            loader.setSource(Qt.resolvedUrl("FilePickerDialog.qml"), { picker: picker })
+        if (String(picker.selectedFile).length > 0)
+            dialog.selectedFile = picker.selectedFile
+        dialog.open()
     }
 
     visible: false
@@ -41,18 +43,9 @@ Item {
         id: check
     }
 
+    // Empty until the first open; the dialog gets this picker as it is made.
     Loader {
         id: loader
-        active: false
-        sourceComponent: FileDialog {
-            objectName: picker.objectName + ".dialog"
-            title: picker.title
-            nameFilters: picker.nameFilters
-            fileMode: picker.fileMode
-            defaultSuffix: picker.defaultSuffix
-            acceptLabel: picker.acceptLabel
-            onAccepted: picker.accepted(selectedFile)
-        }
     }
 
     AppDialog {
@@ -72,7 +65,7 @@ Item {
             AccentButton {
                 id: okButton
                 text: qsTr("OK")
-                DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+                onClicked: notice.accept()
             }
         }
     }

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -45,7 +47,7 @@ ScrollingPage {
         Layout.fillWidth: true
         Layout.maximumWidth: 520
         model: generator.assistantTitles
-        currentIndex: generator.assistantTitles.indexOf(generator.category)
+        currentIndex: Array.from(generator.assistantTitles).indexOf(generator.category)
         displayText: currentIndex < 0 ? generator.pickerPrompt : currentText
         Accessible.name: generator.pickerPrompt
         onActivated: generator.selectAssistant(currentText)

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Controls
@@ -14,6 +16,7 @@ ColumnLayout {
     Repeater {
         model: listBlock.items
         delegate: RowLayout {
+            id: entry
             required property var modelData
             Layout.fillWidth: true
             Layout.leftMargin: 22 * modelData.depth
@@ -22,7 +25,7 @@ ColumnLayout {
             Label {
                 Layout.alignment: Qt.AlignTop
                 Layout.minimumWidth: 18
-                text: modelData.task === "checked" ? "☑" : modelData.task === "unchecked" ? "☐" : modelData.marker
+                text: entry.modelData.task === "checked" ? "☑" : entry.modelData.task === "unchecked" ? "☐" : entry.modelData.marker
                 horizontalAlignment: Text.AlignRight
                 font.pixelSize: 15
                 color: Theme.secondaryTextColor
@@ -30,7 +33,7 @@ ColumnLayout {
 
             RichLabel {
                 Layout.fillWidth: true
-                text: modelData.text
+                text: entry.modelData.text
             }
         }
     }

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -22,13 +24,12 @@ SelectBox {
     Accessible.name: accessibleName
     onActivated: picked(currentValue)
 
-    contentItem: Item {
-        implicitWidth: current.implicitWidth + 12
-        implicitHeight: current.implicitHeight
-        ModelPickerRow {
-            id: current
-            anchors.fill: parent
-            anchors.leftMargin: 12
+    contentItem: Control {
+        implicitWidth: implicitContentWidth + leftPadding
+        implicitHeight: implicitContentHeight
+        padding: 0
+        leftPadding: 12
+        contentItem: ModelPickerRow {
             entry: picker.currentIndex >= 0 ? picker.models[picker.currentIndex] : ({})
         }
     }
@@ -42,7 +43,7 @@ SelectBox {
         highlighted: picker.highlightedIndex === index
         Accessible.name: modelData.name
         contentItem: ModelPickerRow {
-            entry: modelData
+            entry: modelRow.modelData
             showDetail: true
         }
     }

@@ -17,7 +17,7 @@ Rectangle {
     // The page at the middle of the pane. The view's own currentPage follows only jumps and
     // its scroll bar, not the wheel, so the pane works it out from where the pages lie.
     property int shownPage: 0
-    property Item pagesTable: null
+    property TableView pagesTable: null
 
     function showPage(index) {
         const target = Math.max(0, Math.min(index, pageCount - 1))
@@ -72,13 +72,13 @@ Rectangle {
     }
 
     Shortcut {
-        sequences: [StandardKey.MoveToNextPage]
+        sequences: ["PgDown"]
         enabled: pane.pagingEnabled && pane.pageCount > 0
         onActivated: pane.showPage(pane.shownPage + 1)
     }
 
     Shortcut {
-        sequences: [StandardKey.MoveToPreviousPage]
+        sequences: ["PgUp"]
         enabled: pane.pagingEnabled && pane.pageCount > 0
         onActivated: pane.showPage(pane.shownPage - 1)
     }
@@ -96,8 +96,9 @@ Rectangle {
             document: pane.document
             Component.onCompleted: {
                 for (let i = 0; i < children.length; ++i) {
-                    if (children[i].cellAtPos !== undefined)
-                        pane.pagesTable = children[i]
+                    const table = children[i] as TableView
+                    if (table)
+                        pane.pagesTable = table
                 }
             }
             // Pages follow the pane's width, so the whole line of text is always in view.

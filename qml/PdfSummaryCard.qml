@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -39,6 +41,7 @@ Rectangle {
         Repeater {
             model: card.chat.keyPoints
             RowLayout {
+                id: keyPoint
                 required property string modelData
                 Layout.fillWidth: true
                 SymbolIcon {
@@ -49,7 +52,7 @@ Rectangle {
                 }
                 Label {
                     Layout.fillWidth: true
-                    text: modelData
+                    text: keyPoint.modelData
                     wrapMode: Text.Wrap
                 }
             }

@@ -12,6 +12,7 @@ Button {
     // A symbol name drawn before the label, empty for none.
     property string symbol
     property real radius: 6
+    readonly property color labelColor: enabled ? Theme.textColor : Theme.secondaryTextColor
 
     Accessible.name: text
     Keys.onReturnPressed: if (enabled) clicked()
@@ -23,13 +24,12 @@ Button {
             visible: control.symbol.length > 0
             symbol: control.symbol
             size: 18
-            color: label.color
+            color: control.labelColor
         }
         Label {
-            id: label
             Layout.fillWidth: true
             text: control.text
-            color: control.enabled ? Theme.textColor : Theme.secondaryTextColor
+            color: control.labelColor
             font.bold: control.checked
             horizontalAlignment: Text.AlignHCenter
             elide: Text.ElideRight

@@ -10,7 +10,8 @@ AbstractButton {
     property string symbol
 
     objectName: "promptOption:" + text
-    implicitHeight: Math.max(96, column.implicitHeight + 32)
+    implicitHeight: Math.max(96, implicitContentHeight + topPadding + bottomPadding)
+    padding: 16
     hoverEnabled: true
     Accessible.name: text
     Accessible.role: Accessible.Button
@@ -27,26 +28,21 @@ AbstractButton {
         }
     }
 
-    contentItem: Item {
-        ColumnLayout {
-            id: column
-            anchors.fill: parent
-            anchors.margins: 16
-            spacing: 10
+    contentItem: ColumnLayout {
+        spacing: 10
 
-            SymbolIcon {
-                Layout.alignment: Qt.AlignLeft
-                symbol: card.symbol
-                size: 24
-                color: Theme.accentColor
-            }
+        SymbolIcon {
+            Layout.alignment: Qt.AlignLeft
+            symbol: card.symbol
+            size: 24
+            color: Theme.accentColor
+        }
 
-            Label {
-                Layout.fillWidth: true
-                text: card.text
-                wrapMode: Text.Wrap
-                font.pixelSize: 14
-            }
+        Label {
+            Layout.fillWidth: true
+            text: card.text
+            wrapMode: Text.Wrap
+            font.pixelSize: 14
         }
     }
 }

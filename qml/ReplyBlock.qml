@@ -3,7 +3,9 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// One block of a reply, drawn by its type.
+// One block of a reply, drawn by its type. Each kind reads the block through its parent, this
+// loader: Qt 6.4's Loader cannot make components bound to their file, so they cannot name the
+// loader's id.
 Loader {
     id: block
 
@@ -33,15 +35,15 @@ Loader {
     Component {
         id: paragraph
         RichLabel {
-            text: block.text
+            text: (parent as ReplyBlock).text
         }
     }
 
     Component {
         id: heading
         RichLabel {
-            text: block.text
-            font.pixelSize: Math.max(15, 26 - 3 * block.level)
+            text: (parent as ReplyBlock).text
+            font.pixelSize: Math.max(15, 26 - 3 * (parent as ReplyBlock).level)
             font.bold: true
             Accessible.role: Accessible.Heading
         }
@@ -50,31 +52,31 @@ Loader {
     Component {
         id: list
         ListBlock {
-            items: block.items
+            items: (parent as ReplyBlock).items
         }
     }
 
     Component {
         id: quote
         QuoteBlock {
-            text: block.text
+            text: (parent as ReplyBlock).text
         }
     }
 
     Component {
         id: code
         CodeBlock {
-            code: block.text
-            language: block.language
+            code: (parent as ReplyBlock).text
+            language: (parent as ReplyBlock).language
         }
     }
 
     Component {
         id: table
         TableBlock {
-            header: block.tableHeader
-            rows: block.tableRows
-            alignments: block.columnAlignments
+            header: (parent as ReplyBlock).tableHeader
+            rows: (parent as ReplyBlock).tableRows
+            alignments: (parent as ReplyBlock).columnAlignments
         }
     }
 

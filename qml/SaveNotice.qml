@@ -29,7 +29,7 @@ AppDialog {
             objectName: "saveNoticeText"
             Layout.maximumWidth: 420
             wrapMode: Text.Wrap
-            text: notice.failed ? settings.saveError : qsTr("Your changes have been saved successfully.")
+            text: notice.failed ? notice.settings.saveError : qsTr("Your changes have been saved successfully.")
         }
     }
 
@@ -38,7 +38,7 @@ AppDialog {
             id: okButton
             objectName: "saveNoticeOk"
             text: qsTr("OK")
-            DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+            onClicked: notice.accept()
         }
     }
 }

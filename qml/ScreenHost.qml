@@ -1,7 +1,9 @@
 import QtQuick
 import Zentrik
 
-// Shows the screen the navigation routes to.
+// Shows the screen the navigation routes to. A screen reaches the navigation through its
+// parent, this loader: Qt 6.4's Loader cannot make components bound to their file, so they
+// cannot name the loader's id.
 Loader {
     id: host
 
@@ -37,21 +39,21 @@ Loader {
     Component {
         id: homeView
         HomeView {
-            navigation: host.navigation
+            navigation: (parent as ScreenHost).navigation
         }
     }
 
     Component {
         id: categoryView
         CategoryView {
-            navigation: host.navigation
+            navigation: (parent as ScreenHost).navigation
         }
     }
 
     Component {
         id: agentDetailView
         AgentDetailView {
-            navigation: host.navigation
+            navigation: (parent as ScreenHost).navigation
         }
     }
 
@@ -83,7 +85,7 @@ Loader {
     Component {
         id: marketingView
         GeneratorView {
-            navigation: host.navigation
+            navigation: (parent as ScreenHost).navigation
             family: "marketing"
         }
     }
@@ -91,7 +93,7 @@ Loader {
     Component {
         id: salesView
         GeneratorView {
-            navigation: host.navigation
+            navigation: (parent as ScreenHost).navigation
             family: "sales"
         }
     }
@@ -99,7 +101,7 @@ Loader {
     Component {
         id: supportView
         GeneratorView {
-            navigation: host.navigation
+            navigation: (parent as ScreenHost).navigation
             family: "customer-support"
         }
     }
@@ -107,7 +109,7 @@ Loader {
     Component {
         id: hrView
         GeneratorView {
-            navigation: host.navigation
+            navigation: (parent as ScreenHost).navigation
             family: "human-resources"
         }
     }

@@ -20,8 +20,8 @@ ScrollView {
         let ancestor = item
         while (ancestor && ancestor !== column)
             ancestor = ancestor.parent
-        const flickable = page.contentItem
-        if (!ancestor || !flickable || flickable.contentY === undefined)
+        const flickable = page.contentItem as Flickable
+        if (!ancestor || !flickable)
             return
         const top = item.mapToItem(column, 0, 0).y + column.y
         const bottom = top + item.height
@@ -53,7 +53,7 @@ ScrollView {
         enabled: page.followsGrowth
         property bool movingToEnd: false
         function showEnd() {
-            const flick = page.contentItem
+            const flick = page.contentItem as Flickable
             movingToEnd = true
             flick.contentY = Math.max(0, flick.contentHeight - flick.height)
             movingToEnd = false
@@ -63,7 +63,7 @@ ScrollView {
                 showEnd()
         }
         function onContentYChanged() {
-            const flick = page.contentItem
+            const flick = page.contentItem as Flickable
             if (!movingToEnd)
                 page.following = flick.contentY >= flick.contentHeight - flick.height - 2
         }

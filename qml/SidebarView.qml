@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -44,9 +46,7 @@ Rectangle {
                 navigation: sidebar.navigation
             }
             section.property: "section"
-            section.delegate: SidebarSectionHeader {
-                width: entries.width
-            }
+            section.delegate: SidebarSectionDelegate {}
             delegate: SidebarEntry {
                 width: entries.width
                 keyboardCurrent: entries.activeFocus && ListView.isCurrentItem
