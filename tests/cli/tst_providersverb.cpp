@@ -95,9 +95,6 @@ private Q_SLOTS:
         const CliText added = runCli({ "providers", "add", "Hosted", localUrl(), "--key-stdin" }, key + "\n");
         QCOMPARE(added.exitCode, 0);
         QCOMPARE(m_local->lastRequest().header("Authorization"), "Bearer " + key);
-        const CliText asked = runCli({ "ask", "--model", "custom:Hosted/qwen2.5:0.5b", "Hi" });
-        QCOMPARE(asked.exitCode, 0);
-        QCOMPARE(m_local->lastRequest().header("Authorization"), "Bearer " + key);
         QFile preferences(m_cli->dir.filePath("config/Zentrik.conf"));
         QVERIFY(preferences.open(QIODevice::ReadOnly));
         QVERIFY(!preferences.readAll().contains(key));
@@ -170,11 +167,6 @@ private Q_SLOTS:
             qPrintable(result.out));
         QCOMPARE(runCli({ "providers", "list", "--json" }).out, QByteArray("[\n]\n"));
 
-        QCOMPARE(runCli({ "providers", "add", "Ollama", url }).exitCode, 0);
-        result = runCli({ "providers", "detect", "--json" }, {}, env);
-        const QJsonObject found = QJsonDocument::fromJson(result.out.toUtf8()).array().first().toObject();
-        QCOMPARE(found.value("added").toBool(), true);
-
         env.insert("ZENTRIK_LOCAL_SERVERS", QStringLiteral("Ollama=%1").arg(closedPort));
         result = runCli({ "providers", "detect" }, {}, env);
         QCOMPARE(result.err,
@@ -201,11 +193,6 @@ private Q_SLOTS:
         result = runCli({ "config", "set", "ca-file", m_cli->dir.filePath("missing.pem") });
         QCOMPARE(result.exitCode, 1);
         QVERIFY(result.err.contains("missing.pem cannot be read"));
-        const QString bundle = QStringLiteral("/etc/ssl/certs/ca-certificates.crt");
-        if (QFile::exists(bundle)) {
-            QCOMPARE(runCli({ "config", "set", "ca-file", bundle }).exitCode, 0);
-            QCOMPARE(runCli({ "config", "get", "ca-file" }).out, bundle + "\n");
-        }
         QCOMPARE(runCli({ "config", "set", "ca-file", "none" }).exitCode, 0);
         QCOMPARE(runCli({ "config", "get", "ca-file" }).out, QByteArray("\n"));
 
