@@ -170,6 +170,9 @@ void CustomProviders::add(
     if (const auto *problem = std::get_if<QString>(&url)) {
         return refuse(*problem);
     }
+    if (!key.isEmpty() && m_keyService == nullptr) {
+        return refuse(tr("The key cannot be stored from here."));
+    }
     if (const std::optional<QString> problem = apiKeyProblem(key)) {
         return refuse(tr("The key contains %1; API keys are printable ASCII characters without spaces.").arg(*problem));
     }
@@ -186,7 +189,7 @@ void CustomProviders::add(
             providers.append(provider);
             return QString();
         });
-        if (!error.isEmpty() && provider.hasKey) {
+        if (!error.isEmpty() && provider.hasKey && m_keyService != nullptr) {
             m_keyService->write({ { provider.keyAccount(), QString() } }, this, [](const KeyService::Outcome &) {});
         } else if (error.isEmpty()) {
             setKey(provider.name, key);
@@ -225,7 +228,7 @@ QString CustomProviders::remove(const QString &name)
         return error;
     }
     setKey(removedName, QString());
-    if (hadKey) {
+    if (hadKey && m_keyService != nullptr) {
         m_keyService->write({ { CustomProvider::keyAccountFor(removedName), QString() } }, this,
             [removedName](const KeyService::Outcome &outcome) {
                 if (!outcome.succeeded()) {

@@ -27,6 +27,8 @@ class CustomProviders : public QObject
 public:
     static constexpr const char *preferenceKey = "customProviders";
 
+    // Without an HTTP client and a key service (both may be null) the list can be read and
+    // changed, but no model listed and no key stored.
     CustomProviders(HttpClient *http, KeyService *keys, QObject *parent = nullptr);
 
     [[nodiscard]] const QList<CustomProvider> &list() const { return m_list; }
