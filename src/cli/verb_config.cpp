@@ -73,7 +73,7 @@ int setProxy(Preferences &preferences, const QString &value, bool passwordFromSt
     if (const auto *problem = std::get_if<QString>(&parsed)) {
         return usageError(verbName, *problem);
     }
-    const ProxySettings &proxy = std::get<ProxySettings>(parsed);
+    const auto &proxy = std::get<ProxySettings>(parsed);
     if (passwordFromStdin && proxy.user.isEmpty()) {
         return usageError(verbName, QStringLiteral("a proxy password needs a user: http://USER@HOST:PORT"));
     }

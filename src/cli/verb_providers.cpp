@@ -120,7 +120,7 @@ int add(APIManager &manager, const QStringList &args, bool keyFromStdin)
     if (!loadKeys(manager, manager.networkAccounts())) {
         return exitFailure;
     }
-    const QString error = await<QString>(
+    const auto error = await<QString>(
         [&](auto done) { manager.customProviders().add(args.at(1), args.at(2), key, &manager, done); });
     if (!error.isEmpty()) {
         return fail(error);
@@ -148,7 +148,7 @@ int models(APIManager &manager, const QCommandLineParser &parser, const QStringL
     if (args.size() != 2) {
         return usageError(verbName, QStringLiteral("providers models takes one provider name"));
     }
-    const QString name = args.at(1);
+    const QString &name = args.at(1);
     if (manager.customProviders().find(name) == nullptr) {
         return fail(QStringLiteral("There is no provider named \"%1\".").arg(name));
     }
@@ -259,7 +259,7 @@ int runProviders(const QStringList &arguments)
             return usageError(verbName, QStringLiteral("providers remove takes one provider name"));
         }
         const CustomProvider *provider = manager.customProviders().find(args.at(1));
-        const QString name = provider ? provider->name : args.at(1);
+        const QString name = provider != nullptr ? provider->name : args.at(1);
         if (const QString error = manager.customProviders().remove(args.at(1)); !error.isEmpty()) {
             return fail(error);
         }

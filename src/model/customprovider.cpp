@@ -23,7 +23,7 @@ bool hasControlCharacter(const QString &text)
 QStringList stringsOf(const QJsonValue &value)
 {
     QStringList strings;
-    for (const QJsonValue &entry : value.toArray()) {
+    for (const auto &entry : value.toArray()) {
         if (entry.isString() && !modelIdProblem(entry.toString())) {
             strings.append(entry.toString());
         }

@@ -16,7 +16,7 @@ namespace {
 QList<CustomProvider> parse(const QByteArray &stored)
 {
     QList<CustomProvider> providers;
-    for (const QJsonValue &entry : QJsonDocument::fromJson(stored).array()) {
+    for (const auto &entry : QJsonDocument::fromJson(stored).array()) {
         std::optional<CustomProvider> provider = CustomProvider::fromJson(entry.toObject());
         const bool taken
             = provider && std::any_of(providers.begin(), providers.end(), [&](const CustomProvider &other) {
@@ -242,7 +242,7 @@ QString CustomProviders::remove(const QString &name)
     return {};
 }
 
-void CustomProviders::refreshModels(const QString &name, QObject *context, ModelsCompletion done)
+void CustomProviders::refreshModels(const QString &name, QObject *context, const ModelsCompletion &done)
 {
     const CustomProvider *provider = find(name);
     if (provider == nullptr || m_http.isNull()) {

@@ -55,7 +55,7 @@ public:
     // Removes the provider and its key; removed() tells whoever streams from it.
     [[nodiscard]] QString remove(const QString &name);
     // Asks the server for its models (GET <base>/models) and keeps the list it gives.
-    void refreshModels(const QString &name, QObject *context, ModelsCompletion done);
+    void refreshModels(const QString &name, QObject *context, const ModelsCompletion &done);
     // Keeps this list as the one the server gives (from a detection that just read it).
     [[nodiscard]] QString setListedModels(const QString &name, const QStringList &models);
     // A model typed by hand, for servers that list none.

@@ -13,7 +13,7 @@ namespace {
 
 QUrl baseUrlFor(quint16 port)
 {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1/v1").arg(port));
+    return { QStringLiteral("http://127.0.0.1:%1/v1").arg(port) };
 }
 
 // The ids of an OpenAI model list, or std::nullopt when the answer is none (another kind
@@ -159,7 +159,7 @@ QVariantList LocalServerDetector::offerList() const
     return list;
 }
 
-void LocalServerDetector::use(const QString &baseUrl, QObject *context, Completion done)
+void LocalServerDetector::use(const QString &baseUrl, QObject *context, const Completion &done)
 {
     const QList<Server> available = offers();
     const auto offer = std::find_if(

@@ -66,7 +66,7 @@ public:
     // Adds the offered server at baseUrl as a custom provider (no key), under its name or,
     // when that is taken, the name followed by a number. The completion gets the error line,
     // empty on success; useFinished() says the same to the window.
-    void use(const QString &baseUrl, QObject *context, Completion done);
+    void use(const QString &baseUrl, QObject *context, const Completion &done);
     Q_INVOKABLE void use(const QString &baseUrl);
 
 Q_SIGNALS:

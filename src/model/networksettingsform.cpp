@@ -94,7 +94,7 @@ QString NetworkSettingsForm::problem() const
 {
     const ProxySettings &proxy = m_settings.proxy;
     if (proxy.mode == ProxySettings::Mode::manual) {
-        if (const QString problem = proxy.problem(); !problem.isEmpty()) {
+        if (QString problem = proxy.problem(); !problem.isEmpty()) {
             return problem;
         }
         if (proxy.user.isEmpty() && !proxy.password.isEmpty()) {
@@ -111,7 +111,7 @@ void NetworkSettingsForm::load(const Preferences &preferences)
         const auto manual
             = ProxySettings::parse(preferences.string(QString::fromLatin1(NetworkPreferences::manualProxyPreference)));
         if (const auto *remembered = std::get_if<ProxySettings>(&manual);
-            remembered && remembered->mode == ProxySettings::Mode::manual) {
+            remembered != nullptr && remembered->mode == ProxySettings::Mode::manual) {
             const ProxySettings::Mode mode = stored.proxy.mode;
             stored.proxy = *remembered;
             stored.proxy.mode = mode;

@@ -15,11 +15,11 @@ void ProviderSettings::setApiManager(APIManager *apiManager)
     if (m_apiManager == apiManager) {
         return;
     }
-    if (m_apiManager) {
+    if (!m_apiManager.isNull()) {
         m_apiManager->customProviders().disconnect(this);
     }
     m_apiManager = apiManager;
-    if (apiManager) {
+    if (apiManager != nullptr) {
         connect(&apiManager->customProviders(), &CustomProviders::changed, this, &ProviderSettings::providersChanged);
     }
     Q_EMIT apiManagerChanged();
@@ -29,7 +29,7 @@ void ProviderSettings::setApiManager(APIManager *apiManager)
 QVariantList ProviderSettings::providers() const
 {
     QVariantList list;
-    if (!m_apiManager) {
+    if (m_apiManager.isNull()) {
         return list;
     }
     for (const CustomProvider &provider : m_apiManager->customProviders().list()) {
@@ -47,7 +47,7 @@ QVariantList ProviderSettings::providers() const
 
 LocalServerDetector *ProviderSettings::localServers() const
 {
-    return m_apiManager ? m_apiManager->localServers() : nullptr;
+    return m_apiManager.isNull() ? nullptr : m_apiManager->localServers();
 }
 
 void ProviderSettings::setMessage(const QString &message, bool isError)
@@ -82,7 +82,7 @@ void ProviderSettings::end()
 
 void ProviderSettings::addProvider(const QString &name, const QString &baseUrl, const QString &key)
 {
-    if (!m_apiManager) {
+    if (m_apiManager.isNull()) {
         return;
     }
     begin();
@@ -119,14 +119,14 @@ void ProviderSettings::listModelsAfterAdding(const QString &name)
 
 void ProviderSettings::removeProvider(const QString &name)
 {
-    if (m_apiManager) {
+    if (!m_apiManager.isNull()) {
         report(m_apiManager->customProviders().remove(name), tr("Removed %1.").arg(name));
     }
 }
 
 void ProviderSettings::refreshModels(const QString &name)
 {
-    if (!m_apiManager) {
+    if (m_apiManager.isNull()) {
         return;
     }
     begin();
@@ -134,14 +134,14 @@ void ProviderSettings::refreshModels(const QString &name)
         name, this, [this, name](const std::variant<QStringList, QString> &outcome) {
             end();
             const auto *error = std::get_if<QString>(&outcome);
-            const int count = error ? 0 : int(std::get<QStringList>(outcome).size());
-            report(error ? *error : QString(), tr("%1 offers %n model(s).", nullptr, count).arg(name));
+            const int count = error != nullptr ? 0 : int(std::get<QStringList>(outcome).size());
+            report(error != nullptr ? *error : QString(), tr("%1 offers %n model(s).", nullptr, count).arg(name));
         });
 }
 
 void ProviderSettings::addModel(const QString &name, const QString &model)
 {
-    if (m_apiManager) {
+    if (!m_apiManager.isNull()) {
         report(m_apiManager->customProviders().addModel(name, model.trimmed()),
             tr("Added the model %1 to %2.").arg(model.trimmed(), name));
     }
@@ -149,7 +149,7 @@ void ProviderSettings::addModel(const QString &name, const QString &model)
 
 void ProviderSettings::removeModel(const QString &name, const QString &model)
 {
-    if (m_apiManager) {
+    if (!m_apiManager.isNull()) {
         report(m_apiManager->customProviders().removeModel(name, model),
             tr("Removed the model %1 from %2.").arg(model, name));
     }
@@ -157,14 +157,14 @@ void ProviderSettings::removeModel(const QString &name, const QString &model)
 
 void ProviderSettings::detectLocalServers()
 {
-    if (m_apiManager) {
+    if (!m_apiManager.isNull()) {
         m_apiManager->localServers()->detect();
     }
 }
 
 void ProviderSettings::useLocalServer(const QString &baseUrl)
 {
-    if (!m_apiManager) {
+    if (m_apiManager.isNull()) {
         return;
     }
     begin();

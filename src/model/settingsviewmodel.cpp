@@ -67,7 +67,7 @@ void SettingsViewModel::setTranscriptionProvider(const QString &name)
 QVariantList SettingsViewModel::transcriptionProviders() const
 {
     QVariantList list { QVariantMap { { QStringLiteral("id"), QString() }, { QStringLiteral("name"), tr("OpenAI") } } };
-    if (m_apiManager) {
+    if (!m_apiManager.isNull()) {
         for (const CustomProvider &provider : m_apiManager->customProviders().list()) {
             list.append(
                 QVariantMap { { QStringLiteral("id"), provider.name }, { QStringLiteral("name"), provider.name } });
@@ -141,7 +141,7 @@ QVariantList SettingsViewModel::textModels() const
     for (const AIModel &model : ModelCatalog::textModels()) {
         add(model, QString());
     }
-    if (m_apiManager) {
+    if (!m_apiManager.isNull()) {
         for (const AIModel &model : m_apiManager->customTextModels()) {
             add(model, model.usage);
         }

@@ -170,7 +170,7 @@ TransportError connectionLostMidBody()
 TransportError tooLarge(qsizetype limit)
 {
     return { TransportError::Kind::Other,
-        tr("The answer is larger than %1 MB and was not read.").arg(limit / (1024 * 1024)) };
+        tr("The answer is larger than %1 MB and was not read.").arg(limit / (qsizetype(1024) * 1024)) };
 }
 
 RedirectOutcome redirect(HttpRequest request, const QUrl &from, const QByteArray &location, int status)

@@ -30,7 +30,7 @@ std::variant<QList<QSslCertificate>, QString> TlsTrust::readCaFile(const QString
         return tr("The CA file %1 cannot be read: %2").arg(path, file.errorString());
     }
     if (file.size() > maxCaFileSize) {
-        return tr("The CA file %1 is larger than %2 MB.").arg(path).arg(maxCaFileSize / (1024 * 1024));
+        return tr("The CA file %1 is larger than %2 MB.").arg(path).arg(maxCaFileSize / (qint64(1024) * 1024));
     }
     const QByteArray pem = file.read(maxCaFileSize + 1);
     if (file.error() != QFileDevice::NoError) {
