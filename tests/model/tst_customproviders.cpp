@@ -2,13 +2,14 @@
 
 #include <QTcpServer>
 
-#include "providerfixture.h"
-#include "support/chunkline.h"
 #include "support/localmodelserver.h"
+#include "support/providerfixture.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 
 using namespace zentrik;
 using test::LocalModelServer;
+using test::ProviderFixture;
 using test::ScriptedReply;
 
 namespace {

@@ -158,7 +158,7 @@ private Q_SLOTS:
     {
         APIManager manager;
         SettingsViewModel settings(&manager);
-        waitForKeys(settings);
+        QVERIFY(keysRead(settings));
         NetworkSettingsForm &network = *settings.network();
         QCOMPARE(network.proxyMode(), QStringLiteral("system"));
         network.setProxyMode(QStringLiteral("manual"));
@@ -172,7 +172,7 @@ private Q_SLOTS:
         network.setProxyUser(QStringLiteral("ann"));
         network.setProxyPassword(QStringLiteral("pw-proxy-9"));
         QVERIFY(saveAndWait(settings));
-        waitForKeys(manager);
+        QVERIFY(keysRead(manager));
         QCOMPARE(manager.networkSettings().proxy.toString(), QStringLiteral("http://ann@proxy.example:3128"));
         QCOMPARE(manager.httpClient().networkSettings().proxy.password, QStringLiteral("pw-proxy-9"));
 
@@ -180,7 +180,7 @@ private Q_SLOTS:
         network.setProxyMode(QStringLiteral("none"));
         QVERIFY(saveAndWait(settings));
         SettingsViewModel reopened;
-        waitForKeys(reopened);
+        QVERIFY(keysRead(reopened));
         QCOMPARE(reopened.network()->proxyMode(), QStringLiteral("none"));
         QCOMPARE(reopened.network()->proxyHost(), QStringLiteral("proxy.example"));
         QCOMPARE(reopened.network()->proxyUser(), QStringLiteral("ann"));
@@ -195,7 +195,7 @@ private Q_SLOTS:
         test::serveLikeLocalModelServer(server, test::LocalModelServer::ollama);
         APIManager manager;
         SettingsViewModel settings(&manager);
-        waitForKeys(settings);
+        QVERIFY(keysRead(settings));
         ProviderSettings &providers = *settings.providers();
         QSignalSpy finished(&providers, &ProviderSettings::finished);
         QSignalSpy pickerChanged(&settings, &SettingsViewModel::textModelsChanged);

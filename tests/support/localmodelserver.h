@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -65,11 +66,11 @@ inline void serveLikeLocalModelServer(FakeProvider &fake, LocalModelServer kind,
             }
             const QJsonObject chunk = envelope(
                 "chat.completion.chunk", { { "index", 0 }, { "delta", delta }, { "finish_reason", QJsonValue() } });
-            events.append("data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n");
+            events.append(dataLine(chunk));
         }
         const QJsonObject last = envelope(
             "chat.completion.chunk", { { "index", 0 }, { "delta", QJsonObject {} }, { "finish_reason", "stop" } });
-        events.append("data: " + QJsonDocument(last).toJson(QJsonDocument::Compact) + "\n\ndata: [DONE]\n\n");
+        events.append(dataLine(last) + doneLine);
         return ScriptedReply::sse(events);
     });
 }
