@@ -73,7 +73,10 @@ HttpRequest OpenAIChatClient::request(const QByteArray &method, const QUrl &url)
     if (method == "POST") {
         request.headers.append({ QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json") });
     }
-    request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + m_apiKey.toUtf8() });
+    // A server that needs no key (a model server on this computer) is sent none.
+    if (!m_apiKey.isEmpty()) {
+        request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + m_apiKey.toUtf8() });
+    }
     for (auto it = m_customHeaders.cbegin(); it != m_customHeaders.cend(); ++it) {
         request.headers.append({ it.key().toUtf8(), it.value().toUtf8() });
     }

@@ -40,7 +40,7 @@ public:
     };
 
     // `endpoint` takes chat completions and `modelEndpoint` the model list; the caller knows
-    // which service it talks to.
+    // which service it talks to. An empty key sends no Authorization header at all.
     OpenAIChatClient(
         HttpClient *http, QString apiKey, QUrl endpoint, QUrl modelEndpoint, QMap<QString, QString> customHeaders = {});
 

@@ -9,6 +9,9 @@
 
 #include <array>
 
+#include <termios.h>
+#include <unistd.h>
+
 namespace zentrik::cli {
 
 namespace {
@@ -68,6 +71,39 @@ bool loadKeys(APIManager &manager, const QStringList &accounts)
     return true;
 }
 
+std::optional<QString> readSecret(const QString &what)
+{
+    Console &console = Console::current();
+    const bool terminal = console.inputIsTerminal();
+    termios saved {};
+    if (terminal) {
+        printErr(QStringLiteral("Enter %1: ").arg(what));
+        tcgetattr(STDIN_FILENO, &saved);
+        termios silent = saved;
+        silent.c_lflag &= ~tcflag_t(ECHO);
+        tcsetattr(STDIN_FILENO, TCSANOW, &silent);
+    }
+    std::optional<QByteArray> bytes;
+    QString error;
+    if (terminal) {
+        bytes = console.readLine();
+        tcsetattr(STDIN_FILENO, TCSANOW, &saved);
+        printErr(QStringLiteral("\n"));
+    } else {
+        bytes = console.readAllChecked(error);
+    }
+    if (!bytes) {
+        fail(error.isEmpty() ? QStringLiteral("cannot read %1 from stdin").arg(what) : error);
+        return std::nullopt;
+    }
+    // Only the line break that ends the input goes; anything else is judged as part of it.
+    QByteArray secret = *bytes;
+    while (secret.endsWith('\n') || secret.endsWith('\r')) {
+        secret.chop(1);
+    }
+    return QString::fromUtf8(secret);
+}
+
 std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser, const ModelOptions &options)
 {
     if (!environmentKeysUsable()) {
@@ -77,7 +113,7 @@ std::unique_ptr<APIManager> makeApiManager(const QCommandLineParser &parser, con
     if (parser.isSet(options.model)) {
         manager->setSelectedTextModel(parser.value(options.model));
     }
-    if (!loadKeys(*manager, { APIManager::accountForTextModel(manager->selectedTextModel()) })) {
+    if (!loadKeys(*manager, manager->accountsForTextModel(manager->selectedTextModel()))) {
         return nullptr;
     }
     return manager;

@@ -35,6 +35,10 @@ struct ModelOptions
 // it does not from the Secret Service, waiting at most the key service's time limit. False,
 // with the reason printed, when the Secret Service could not give them.
 [[nodiscard]] bool loadKeys(APIManager &manager, const QStringList &accounts);
+// Reads a secret from stdin (`what` names it: "the openai key"), without echoing it when
+// stdin is a terminal; a trailing line break is not part of it. std::nullopt, with the
+// reason printed, when stdin cannot be read.
+[[nodiscard]] std::optional<QString> readSecret(const QString &what);
 // One line about a failed Secret Service call, for the command line.
 [[nodiscard]] QString secretStoreMessage(int code);
 

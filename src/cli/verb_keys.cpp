@@ -10,9 +10,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <termios.h>
-#include <unistd.h>
-
 using namespace zentrik;
 using namespace zentrik::cli;
 
@@ -46,41 +43,6 @@ const ProviderKey *findProvider(const QString &name)
 QString failureMessage(const SecretStore &store, const QString &what)
 {
     return QStringLiteral("%1: %2").arg(what, secretStoreMessage(store.lastResultCode()));
-}
-
-// Reads the key without echoing it when stdin is a terminal; a trailing line break is not
-// part of the key. std::nullopt, with the reason printed, when stdin cannot be read.
-std::optional<QString> readKey(const QString &provider)
-{
-    Console &console = Console::current();
-    const bool terminal = console.inputIsTerminal();
-    termios saved {};
-    if (terminal) {
-        printErr(QStringLiteral("Enter the %1 key: ").arg(provider));
-        tcgetattr(STDIN_FILENO, &saved);
-        termios silent = saved;
-        silent.c_lflag &= ~tcflag_t(ECHO);
-        tcsetattr(STDIN_FILENO, TCSANOW, &silent);
-    }
-    std::optional<QByteArray> bytes;
-    QString error;
-    if (terminal) {
-        bytes = console.readLine();
-        tcsetattr(STDIN_FILENO, TCSANOW, &saved);
-        printErr(QStringLiteral("\n"));
-    } else {
-        bytes = console.readAllChecked(error);
-    }
-    if (!bytes) {
-        fail(error.isEmpty() ? QStringLiteral("cannot read the key from stdin") : error);
-        return std::nullopt;
-    }
-    // Only the line break that ends the input goes; anything else is judged as part of the key.
-    QByteArray key = *bytes;
-    while (key.endsWith('\n') || key.endsWith('\r')) {
-        key.chop(1);
-    }
-    return QString::fromUtf8(key);
 }
 
 int runKeys(const QStringList &arguments)
@@ -157,7 +119,7 @@ int runKeys(const QStringList &arguments)
         return fail(failureMessage(store, QStringLiteral("could not delete the %1 key").arg(key->provider)));
     }
 
-    const std::optional<QString> input = readKey(key->provider);
+    const std::optional<QString> input = readSecret(QStringLiteral("the %1 key").arg(key->provider));
     if (!input) {
         return exitFailure;
     }

@@ -17,6 +17,7 @@ namespace zentrik::cli {
 [[nodiscard]] Verb notesVerb();
 [[nodiscard]] Verb pdfVerb();
 [[nodiscard]] Verb promptVerb();
+[[nodiscard]] Verb providersVerb();
 [[nodiscard]] Verb redactVerb();
 [[nodiscard]] Verb sampleDataVerb();
 [[nodiscard]] Verb transcribeVerb();

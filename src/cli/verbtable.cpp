@@ -32,6 +32,7 @@ const std::vector<Verb> &verbs()
         notesVerb(),
         pdfVerb(),
         promptVerb(),
+        providersVerb(),
         redactVerb(),
         sampleDataVerb(),
         transcribeVerb(),

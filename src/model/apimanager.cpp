@@ -2,6 +2,7 @@
 
 #include "buildconfig.h"
 #include "model/modelcatalog.h"
+#include "model/networkpreferences.h"
 #include "model/providerrouting.h"
 
 #include <QDebug>
@@ -21,15 +22,19 @@ APIManager::APIManager(KeyReading reading, QObject *parent)
     : QObject(parent)
     , m_http(new HttpClient(this))
     , m_keyService(new KeyService(this))
+    , m_customProviders(new CustomProviders(m_http, m_keyService, this))
+    , m_localServers(new LocalServerDetector(m_http, m_customProviders, this))
     , m_keyReading(reading)
 {
+    connect(m_customProviders, &CustomProviders::removed, this, &APIManager::endStreamsOf);
+    applyNetworkSettings();
     readSelections();
     m_openRouterKey = QString::fromUtf8(build::openRouterKey);
     m_togetherApiKey = QString::fromUtf8(build::togetherKey);
     m_textModels = ModelCatalog::textModels();
     m_imageModels = ModelCatalog::imageModels();
     if (reading == KeyReading::atStart) {
-        readStoredKeys(userKeyAccounts);
+        readStoredKeys(allKeyAccounts());
     }
     setUpChatClient();
 }
@@ -49,17 +54,69 @@ void APIManager::overrideUserKeys(const QString &openAIKey, const QString &claud
     override(m_falAIKey, falAIKey, falAccount);
 }
 
-QString APIManager::accountForTextModel(const QString &modelId)
+QStringList APIManager::accountsForTextModel(const QString &modelId) const
 {
+    QStringList accounts;
     switch (routeTextModel(modelId).value_or(TextProvider::openRouter)) {
     case TextProvider::openAI:
-        return QString::fromLatin1(openAIAccount);
+        accounts.append(QString::fromLatin1(openAIAccount));
+        break;
     case TextProvider::anthropic:
-        return QString::fromLatin1(claudeAccount);
+        accounts.append(QString::fromLatin1(claudeAccount));
+        break;
+    case TextProvider::custom:
+        if (const auto custom = splitCustomModelId(modelId)) {
+            const CustomProvider *provider = m_customProviders->find(custom->first);
+            if (provider != nullptr && provider->hasKey) {
+                accounts.append(provider->keyAccount());
+            }
+        }
+        break;
     case TextProvider::openRouter:
         break;
     }
+    return accounts + networkAccounts();
+}
+
+QStringList APIManager::networkAccounts() const
+{
+    if (NetworkPreferences::needsPassword(networkSettings())) {
+        return { QString::fromLatin1(NetworkPreferences::proxyPasswordAccount) };
+    }
     return {};
+}
+
+QStringList APIManager::allKeyAccounts() const
+{
+    return userKeyAccounts + m_customProviders->keyAccounts() + networkAccounts();
+}
+
+NetworkSettings APIManager::networkSettings() const
+{
+    return NetworkPreferences::read(m_preferences);
+}
+
+void APIManager::applyNetworkSettings()
+{
+    NetworkSettings settings = networkSettings();
+    settings.proxy.password = m_proxyPassword;
+    m_http->setNetworkSettings(settings);
+}
+
+QString APIManager::transcriptionProvider() const
+{
+    return m_preferences.string(QString::fromLatin1(transcriptionProviderPreference));
+}
+
+QList<AIModel> APIManager::customTextModels() const
+{
+    QList<AIModel> models;
+    for (const CustomProvider &provider : m_customProviders->list()) {
+        for (const QString &model : provider.models()) {
+            models.append({ provider.modelId(model), model, QStringLiteral("AI"), provider.name });
+        }
+    }
+    return models;
 }
 
 void APIManager::readStoredKeys(const QStringList &accounts)
@@ -91,6 +148,18 @@ void APIManager::readStoredKeys(const QStringList &accounts)
         take(m_openAIKey, openAIAccount);
         take(m_claudeKey, claudeAccount);
         take(m_falAIKey, falAccount);
+        if (outcome.succeeded()) {
+            for (const CustomProvider &provider : m_customProviders->list()) {
+                if (wanted.contains(provider.keyAccount())) {
+                    m_customProviders->setKey(provider.name, outcome.values.value(provider.keyAccount()));
+                }
+            }
+            const QString proxyAccount = QString::fromLatin1(NetworkPreferences::proxyPasswordAccount);
+            if (wanted.contains(proxyAccount)) {
+                m_proxyPassword = outcome.values.value(proxyAccount);
+                applyNetworkSettings();
+            }
+        }
         Q_EMIT settingsReloaded();
     });
 }
@@ -115,7 +184,7 @@ void APIManager::setSelectedImageModel(const QString &modelId)
 
 std::optional<QString> APIManager::preflightMessage() const
 {
-    return zentrik::preflightMessage(m_selectedTextModel, m_openAIKey, m_claudeKey);
+    return zentrik::preflightMessage(m_selectedTextModel, m_openAIKey, m_claudeKey, m_customProviders);
 }
 
 void APIManager::readSelections()
@@ -131,7 +200,9 @@ void APIManager::readSelections()
 void APIManager::reloadSettings()
 {
     readSelections();
-    readStoredKeys(userKeyAccounts);
+    m_customProviders->reload();
+    applyNetworkSettings();
+    readStoredKeys(m_keyReading == KeyReading::atStart ? allKeyAccounts() : userKeyAccounts);
 }
 
 void APIManager::setUpChatClient()

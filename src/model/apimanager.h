@@ -4,7 +4,9 @@
 #include "fal/falqueuestatus.h"
 #include "model/aimodel.h"
 #include "model/apierror.h"
+#include "model/customproviders.h"
 #include "model/imageerror.h"
+#include "model/localserverdetector.h"
 #include "model/providerrouting.h"
 #include "net/httpclient.h"
 #include "settings/keyservice.h"
@@ -43,6 +45,7 @@ class APIManager : public QObject
             selectedTextModelChanged FINAL)
     Q_PROPERTY(QString selectedImageModel READ selectedImageModel WRITE setSelectedImageModel NOTIFY
             selectedImageModelChanged FINAL)
+    Q_PROPERTY(zentrik::LocalServerDetector *localServers READ localServers CONSTANT FINAL)
 
 public:
     // When the stored keys are read: at once (in the background: nothing waits for the
@@ -76,9 +79,25 @@ public:
     [[nodiscard]] bool readingKeys() const { return m_pendingKeyReads > 0; }
     // The result code of the last read of the stored keys (secretSuccess before any).
     [[nodiscard]] int keyStoreResult() const { return m_keyStoreResult; }
-    // The secret-store account of the key a text model needs; empty when it needs none of
-    // the user's keys.
-    [[nodiscard]] static QString accountForTextModel(const QString &modelId);
+    // The secret-store accounts a request to this text model needs read: its provider's key
+    // (none for the free models and for custom providers without a key), and the proxy's
+    // password when the proxy asks for one.
+    [[nodiscard]] QStringList accountsForTextModel(const QString &modelId) const;
+    // The accounts any request needs read: the proxy's password when the proxy asks for one.
+    [[nodiscard]] QStringList networkAccounts() const;
+
+    // The user's OpenAI-compatible providers, and the model servers found on this computer.
+    [[nodiscard]] CustomProviders &customProviders() { return *m_customProviders; }
+    [[nodiscard]] const CustomProviders &customProviders() const { return *m_customProviders; }
+    [[nodiscard]] LocalServerDetector *localServers() const { return m_localServers; }
+    // The text models of the custom providers, after the catalogue's, grouped by provider:
+    // each with the namespaced id, the model's own id as name, and the provider as usage.
+    [[nodiscard]] QList<AIModel> customTextModels() const;
+
+    // The proxy and CA file in effect (without the proxy's password).
+    [[nodiscard]] NetworkSettings networkSettings() const;
+    // Which provider transcribes: empty for OpenAI, otherwise a custom provider's name.
+    [[nodiscard]] QString transcriptionProvider() const;
 
     // The check the tools run before sending with the current selection and keys:
     // std::nullopt when it passes, otherwise the message to show.
@@ -111,10 +130,10 @@ public:
     [[nodiscard]] bool isStreamActive(StreamId id) const { return m_streams.contains(id); }
 
     using TranscriptionCompletion = std::function<void(const TextResult &result)>;
-    // Sends the recording at audioFilePath to OpenAI's speech-to-text with `openAIKey`,
-    // whatever text model is selected, and hands the transcript, or the error, to the
-    // completion: exactly once, on this object's thread, never from inside this call and
-    // never after `context` (when given) is destroyed.
+    // Sends the recording at audioFilePath to speech-to-text, whatever text model is
+    // selected: OpenAI's with `openAIKey`, or the custom provider chosen to transcribe, and
+    // hands the transcript, or the error, to the completion: exactly once, on this object's
+    // thread, never from inside this call and never after `context` (when given) is destroyed.
     void transcribe(const QString &audioFilePath, QObject *context, TranscriptionCompletion completion);
 
     using ImageCompletion = std::function<void(const ImageResult &result)>;
@@ -155,6 +174,8 @@ public:
     static constexpr const char *falAccount = "falAIKey";
     static constexpr const char *textModelPreference = "selectedTextModel";
     static constexpr const char *imageModelPreference = "selectedImageModel";
+    // A custom provider's name; absent or empty for OpenAI.
+    static constexpr const char *transcriptionProviderPreference = "transcriptionProvider";
 
 Q_SIGNALS:
     void selectedTextModelChanged();
@@ -164,18 +185,29 @@ Q_SIGNALS:
 
 private:
     struct ActiveStream;
+    struct TextRoute;
 
     void readSelections();
     void setUpChatClient();
+    // The network settings from the preferences, with the proxy password last read.
+    void applyNetworkSettings();
+    // Where a request for this model goes, or why it cannot be sent.
+    [[nodiscard]] std::variant<TextRoute, APIError> routeText(const QString &modelId) const;
+    // Ends the streams from a custom provider that was just removed.
+    void endStreamsOf(const QString &providerName);
+    // Every account the window reads at start: the three user keys, the custom providers'
+    // keys and the proxy's password when it needs one.
+    [[nodiscard]] QStringList allKeyAccounts() const;
     // Runs the completion on the next turn of the event loop, unless context is gone.
     void deliverLater(QObject *context, std::function<void()> deliver);
-    // The key a request to this provider needs; empty when it is missing.
-    [[nodiscard]] QString keyFor(TextProvider provider) const;
     StreamId startStream(const std::shared_ptr<ActiveStream> &stream, QObject *context);
     void finishStream(StreamId id, const std::optional<APIError> &error);
 
     HttpClient *m_http;
     KeyService *m_keyService;
+    CustomProviders *m_customProviders;
+    LocalServerDetector *m_localServers;
+    QString m_proxyPassword;
     KeyReading m_keyReading;
     int m_pendingKeyReads = 0;
     int m_keyStoreResult = secretSuccess;

@@ -18,6 +18,20 @@ struct APIManager::ActiveStream
     StreamPiece onPiece;
     StreamCompletion completion;
     QMetaObject::Connection contextWatch;
+    // The custom provider it streams from; empty for the built-in ones.
+    QString customProvider;
+};
+
+struct APIManager::TextRoute
+{
+    TextProvider provider = TextProvider::openAI;
+    // The id the provider is sent: a custom provider's model by its own id.
+    QString model;
+    // Empty only for a custom provider that keeps none.
+    QString key;
+    QUrl endpoint;
+    QUrl modelsEndpoint;
+    QString customProvider;
 };
 
 namespace {
@@ -49,17 +63,51 @@ void logMissingBuiltInKey()
 
 } // namespace
 
-QString APIManager::keyFor(TextProvider provider) const
+std::variant<APIManager::TextRoute, APIError> APIManager::routeText(const QString &modelId) const
 {
-    switch (provider) {
-    case TextProvider::openAI:
-        return m_openAIKey;
-    case TextProvider::anthropic:
-        return m_claudeKey;
-    case TextProvider::openRouter:
-        return m_openRouterKey;
+    const std::optional<TextProvider> provider = routeTextModel(modelId);
+    if (!provider) {
+        return APIError::unsupportedModel;
     }
-    return {};
+    TextRoute route { *provider, modelId, {}, TextRequest::endpoint(*provider), {}, {} };
+    switch (*provider) {
+    case TextProvider::openAI:
+        route.key = m_openAIKey;
+        route.modelsEndpoint = providerUrl(Provider::openAI, QStringLiteral("/v1/models"));
+        break;
+    case TextProvider::anthropic:
+        route.key = m_claudeKey;
+        break;
+    case TextProvider::openRouter:
+        route.key = m_openRouterKey;
+        route.modelsEndpoint = m_openRouterModelsUrl;
+        if (route.key.isEmpty()) {
+            logMissingBuiltInKey();
+            return APIError::missingBuiltInKey();
+        }
+        break;
+    case TextProvider::custom: {
+        const auto custom = splitCustomModelId(modelId);
+        const CustomProvider *found = custom ? m_customProviders->find(custom->first) : nullptr;
+        if (found == nullptr) {
+            return APIError(APIError::unsupportedModel)
+                .withDetails(tr("There is no provider named \"%1\".").arg(custom ? custom->first : modelId));
+        }
+        route.model = custom->second;
+        route.key = m_customProviders->key(found->name);
+        route.endpoint = found->chatUrl();
+        route.modelsEndpoint = found->modelsUrl();
+        route.customProvider = found->name;
+        if (found->hasKey && route.key.isEmpty()) {
+            return APIError::missingAPIKey;
+        }
+        return route;
+    }
+    }
+    if (route.key.isEmpty()) {
+        return APIError::missingAPIKey;
+    }
+    return route;
 }
 
 void APIManager::deliverLater(QObject *context, std::function<void()> deliver)
@@ -78,24 +126,17 @@ void APIManager::deliverLater(QObject *context, std::function<void()> deliver)
 
 void APIManager::generateText(const QString &prompt, QObject *context, TextCompletion completion)
 {
-    const QString model = m_selectedTextModel;
-    const std::optional<TextProvider> provider = routeTextModel(model);
-    if (!provider) {
-        deliverLater(context, [completion] { completion(APIError::unsupportedModel); });
+    auto routed = routeText(m_selectedTextModel);
+    if (const auto *error = std::get_if<APIError>(&routed)) {
+        deliverLater(context, [completion, error = *error] { completion(error); });
         return;
     }
-    const QString key = keyFor(*provider);
-    if (key.isEmpty()) {
-        const APIError error
-            = *provider == TextProvider::openRouter ? APIError::missingBuiltInKey() : APIError::missingAPIKey;
-        if (*provider == TextProvider::openRouter) {
-            logMissingBuiltInKey();
-        }
-        deliverLater(context, [completion, error] { completion(error); });
-        return;
-    }
-    m_http->send(TextRequest::build(*provider, model, prompt, key), context,
-        [provider = *provider, key, completion = std::move(completion)](const HttpResult &result) {
+    const TextRoute &route = std::get<TextRoute>(routed);
+    HttpRequest request = route.provider == TextProvider::custom
+        ? TextRequest::buildOpenAICompatible(route.endpoint, route.model, prompt, route.key)
+        : TextRequest::build(route.provider, route.model, prompt, route.key);
+    m_http->send(std::move(request), context,
+        [provider = route.provider, key = route.key, completion = std::move(completion)](const HttpResult &result) {
             TextResult reply = TextRequest::read(provider, result);
             if (auto *error = std::get_if<APIError>(&reply)) {
                 if (provider == TextProvider::anthropic) {
@@ -120,23 +161,16 @@ APIManager::StreamId APIManager::streamText(
         return stream->id;
     };
 
-    const QString model = m_selectedTextModel;
-    const std::optional<TextProvider> provider = routeTextModel(model);
-    if (!provider) {
-        return failAtOnce(APIError::unsupportedModel);
-    }
-    if (*provider == TextProvider::openRouter && !m_llmChat) {
+    if (routeTextModel(m_selectedTextModel) == TextProvider::openRouter && !m_llmChat) {
         return failAtOnce({ APIError::generalNetworkError,
             QCoreApplication::translate("APIManager", "The chat client is not set up.") });
     }
-    const QString key = *provider == TextProvider::openRouter ? m_llmChat->apiKey() : keyFor(*provider);
-    if (key.isEmpty()) {
-        if (*provider == TextProvider::openRouter) {
-            logMissingBuiltInKey();
-            return failAtOnce(APIError::missingBuiltInKey());
-        }
-        return failAtOnce(APIError::missingAPIKey);
+    auto routed = routeText(m_selectedTextModel);
+    if (const auto *error = std::get_if<APIError>(&routed)) {
+        return failAtOnce(*error);
     }
+    const TextRoute &route = std::get<TextRoute>(routed);
+    stream->customProvider = route.customProvider;
 
     m_streams.emplace(stream->id, stream);
     const StreamId id = stream->id;
@@ -145,7 +179,7 @@ APIManager::StreamId APIManager::streamText(
         stream->contextWatch = connect(context, &QObject::destroyed, this, [this, id] { m_streams.erase(id); });
     }
 
-    if (*provider == TextProvider::anthropic) {
+    if (route.provider == TextProvider::anthropic) {
         auto decoder = std::make_shared<AnthropicStreamDecoder>();
         HttpClient::StreamHandlers handlers;
         handlers.onLine = [this, id, stream, decoder](QByteArrayView line) {
@@ -180,15 +214,14 @@ APIManager::StreamId APIManager::streamText(
             const AnthropicStreamDecoder::Event end = decoder->endOfInput();
             finishStream(id, end.error ? std::optional<APIError>(toAPIError(*end.error)) : std::nullopt);
         };
-        stream->call
-            = m_http->stream(TextRequest::build(*provider, model, prompt, key, true), context, std::move(handlers));
+        stream->call = m_http->stream(
+            TextRequest::build(route.provider, route.model, prompt, route.key, true), context, std::move(handlers));
         return id;
     }
 
-    const OpenAIChatClient client = *provider == TextProvider::openRouter
+    const OpenAIChatClient client = route.provider == TextProvider::openRouter
         ? *m_llmChat
-        : OpenAIChatClient(m_http, key, TextRequest::endpoint(TextProvider::openAI),
-            providerUrl(Provider::openAI, QStringLiteral("/v1/models")));
+        : OpenAIChatClient(m_http, route.key, route.endpoint, route.modelsEndpoint);
     OpenAIChatClient::StreamHandlers handlers;
     handlers.onChunk = [stream](const ChatCompletionChunk &chunk) {
         const std::optional<QString> text = chunk.text();
@@ -200,7 +233,7 @@ APIManager::StreamId APIManager::streamText(
         finishStream(id, error ? std::optional<APIError>(toAPIError(*error)) : std::nullopt);
     };
     const QList<ChatMessage> messages { ChatMessage(ChatMessage::Role::user, prompt) };
-    stream->call = client.stream(model, messages, ChatOptions {}, context, std::move(handlers));
+    stream->call = client.stream(route.model, messages, ChatOptions {}, context, std::move(handlers));
     return id;
 }
 
@@ -224,6 +257,26 @@ void APIManager::stopStream(StreamId id)
     }
     m_http->cancel(it->second->call);
     finishStream(id, std::nullopt);
+}
+
+void APIManager::endStreamsOf(const QString &providerName)
+{
+    QList<StreamId> ending;
+    for (const auto &[id, stream] : m_streams) {
+        if (!stream->customProvider.isEmpty()
+            && stream->customProvider.compare(providerName, Qt::CaseInsensitive) == 0) {
+            ending.append(id);
+        }
+    }
+    std::sort(ending.begin(), ending.end());
+    for (const StreamId id : ending) {
+        if (const auto it = m_streams.find(id); it != m_streams.end()) {
+            m_http->cancel(it->second->call);
+            finishStream(id,
+                APIError(APIError::unsupportedModel)
+                    .withDetails(tr("The provider %1 was removed while it answered.").arg(providerName)));
+        }
+    }
 }
 
 } // namespace zentrik

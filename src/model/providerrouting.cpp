@@ -1,5 +1,6 @@
 #include "model/providerrouting.h"
 
+#include "model/customproviders.h"
 #include "model/modelcatalog.h"
 
 #include <QCoreApplication>
@@ -68,6 +69,10 @@ bool isCatalogueFreeTextModel(const QString &modelId)
 
 std::optional<TextProvider> routeTextModel(const QString &modelId)
 {
+    // First, so that a custom model whose own id ends in ":free" stays with its provider.
+    if (isCustomModelId(modelId)) {
+        return TextProvider::custom;
+    }
     if (modelId.endsWith(QStringLiteral(":free"))) {
         return TextProvider::openRouter;
     }
@@ -97,15 +102,30 @@ bool isCatalogueTextModel(const QString &modelId)
     return std::any_of(models.begin(), models.end(), [&](const AIModel &model) { return model.id == modelId; });
 }
 
-std::optional<QString> preflightMessage(
-    const QString &selectedTextModel, const QString &openAIKey, const QString &claudeKey)
+std::optional<QString> preflightMessage(const QString &selectedTextModel, const QString &openAIKey,
+    const QString &claudeKey, const CustomProviders *customProviders)
 {
+    const QString invalid
+        = QCoreApplication::translate("APIManager", "Invalid model selected. Please choose a valid model in Settings.");
     if (selectedTextModel.isEmpty()) {
         return QCoreApplication::translate("APIManager", "Please select a text model in Settings.");
     }
+    if (const auto custom = splitCustomModelId(selectedTextModel)) {
+        const CustomProvider *provider = customProviders ? customProviders->find(custom->first) : nullptr;
+        if (provider == nullptr) {
+            return invalid;
+        }
+        if (!provider->serves(custom->second)) {
+            return unsupportedModelMessage();
+        }
+        if (provider->hasKey && customProviders->key(provider->name).isEmpty()) {
+            return QCoreApplication::translate("APIManager", "%1 API key is missing. Please add it in Settings.")
+                .arg(provider->name);
+        }
+        return std::nullopt;
+    }
     if (!isCatalogueTextModel(selectedTextModel)) {
-        return QCoreApplication::translate(
-            "APIManager", "Invalid model selected. Please choose a valid model in Settings.");
+        return invalid;
     }
     if (isOpenAITextModel(selectedTextModel)) {
         if (openAIKey.isEmpty()) {

@@ -7,12 +7,15 @@
 
 namespace zentrik {
 
-enum class TextProvider { openAI, anthropic, openRouter };
+class CustomProviders;
+
+enum class TextProvider { openAI, anthropic, openRouter, custom };
 enum class ImageProvider { openAI, together, fal };
 
-// The provider that serves a text model id: ":free" ids go to OpenRouter whether or not
-// they are in the catalogue; the OpenAI and Anthropic ids are matched exactly; anything
-// else has no provider (the request fails with unsupportedModel before any network use).
+// The provider that serves a text model id: "custom:" ids go to the custom provider they
+// name; ":free" ids go to OpenRouter whether or not they are in the catalogue; the OpenAI
+// and Anthropic ids are matched exactly; anything else has no provider (the request fails
+// with unsupportedModel before any network use).
 [[nodiscard]] std::optional<TextProvider> routeTextModel(const QString &modelId);
 
 // "DALL-E" goes to OpenAI, the free FLUX model to Together, every other id to fal.
@@ -27,9 +30,12 @@ enum class ImageProvider { openAI, together, fal };
 
 // The check every tool runs before it sends (the chats, the developer tools, the generators
 // and the CLI alike): std::nullopt when the selection can be used, otherwise the message to
-// show in place of a reply. A model passes whenever its provider's key is there.
-[[nodiscard]] std::optional<QString> preflightMessage(
-    const QString &selectedTextModel, const QString &openAIKey, const QString &claudeKey);
+// show in place of a reply. A model passes whenever its provider's key is there: a custom
+// provider's model when the provider exists, serves it, and has its key read if it keeps
+// one. A custom id naming no provider is outside every catalogue; a model its provider no
+// longer serves is unsupported.
+[[nodiscard]] std::optional<QString> preflightMessage(const QString &selectedTextModel, const QString &openAIKey,
+    const QString &claudeKey, const CustomProviders *customProviders = nullptr);
 
 // The fal client keeps its own two addresses.
 enum class Provider { openAI, anthropic, openRouter, together };

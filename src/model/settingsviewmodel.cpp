@@ -2,6 +2,7 @@
 
 #include "model/apimanager.h"
 #include "model/modelcatalog.h"
+#include "model/networkpreferences.h"
 #include "settings/apikeycheck.h"
 
 #include <QVariantMap>
@@ -12,6 +13,7 @@ namespace {
 const QString openAIAccount = QString::fromLatin1(APIManager::openAIAccount);
 const QString claudeAccount = QString::fromLatin1(APIManager::claudeAccount);
 const QString falAccount = QString::fromLatin1(APIManager::falAccount);
+const QString proxyPasswordAccount = QString::fromLatin1(NetworkPreferences::proxyPasswordAccount);
 
 template<typename T> bool assign(T &field, const T &value)
 {
@@ -29,8 +31,12 @@ SettingsViewModel::SettingsViewModel(QObject *parent)
 
 SettingsViewModel::SettingsViewModel(APIManager *apiManager, QObject *parent)
     : QObject(parent)
+    , m_providers(new ProviderSettings(this))
+    , m_network(new NetworkSettingsForm(this))
     , m_apiManager(apiManager)
 {
+    connect(m_providers, &ProviderSettings::providersChanged, this, &SettingsViewModel::textModelsChanged);
+    m_providers->setApiManager(apiManager);
     if (apiManager) {
         load();
     } else {
@@ -47,7 +53,27 @@ void SettingsViewModel::setApiManager(APIManager *apiManager)
         return;
     }
     m_apiManager = apiManager;
+    m_providers->setApiManager(apiManager);
     Q_EMIT apiManagerChanged();
+}
+
+void SettingsViewModel::setTranscriptionProvider(const QString &name)
+{
+    if (assign(m_transcriptionProvider, name)) {
+        Q_EMIT transcriptionProviderChanged();
+    }
+}
+
+QVariantList SettingsViewModel::transcriptionProviders() const
+{
+    QVariantList list { QVariantMap { { QStringLiteral("id"), QString() }, { QStringLiteral("name"), tr("OpenAI") } } };
+    if (!m_apiManager.isNull()) {
+        for (const CustomProvider &provider : m_apiManager->customProviders().list()) {
+            list.append(
+                QVariantMap { { QStringLiteral("id"), provider.name }, { QStringLiteral("name"), provider.name } });
+        }
+    }
+    return list;
 }
 
 void SettingsViewModel::setSelectedTextModel(const QString &value)
@@ -104,12 +130,21 @@ void SettingsViewModel::setSecretStoreAvailable(bool value)
     }
 }
 
-QVariantList SettingsViewModel::textModels()
+QVariantList SettingsViewModel::textModels() const
 {
     QVariantList list;
-    for (const AIModel &model : ModelCatalog::textModels()) {
+    const auto add = [&list](const AIModel &model, const QString &group) {
         list.append(QVariantMap { { QStringLiteral("id"), model.id }, { QStringLiteral("name"), model.name },
-            { QStringLiteral("icon"), model.icon }, { QStringLiteral("usage"), model.usage } });
+            { QStringLiteral("icon"), model.icon }, { QStringLiteral("usage"), model.usage },
+            { QStringLiteral("group"), group } });
+    };
+    for (const AIModel &model : ModelCatalog::textModels()) {
+        add(model, QString());
+    }
+    if (!m_apiManager.isNull()) {
+        for (const AIModel &model : m_apiManager->customTextModels()) {
+            add(model, model.usage);
+        }
     }
     return list;
 }
@@ -141,11 +176,13 @@ void SettingsViewModel::load()
         m_preferences.string(QString::fromLatin1(APIManager::textModelPreference), ModelCatalog::defaultTextModel));
     setSelectedImageModel(
         m_preferences.string(QString::fromLatin1(APIManager::imageModelPreference), ModelCatalog::defaultImageModel));
+    setTranscriptionProvider(m_preferences.string(QString::fromLatin1(APIManager::transcriptionProviderPreference)));
+    m_network->load(m_preferences);
     setLoadingKeys(true);
     // A field the user types into before the stored keys arrive keeps what was typed.
-    const QStringList typed { m_openAIKey, m_claudeKey, m_falAIKey };
-    keyService().read(
-        { openAIAccount, claudeAccount, falAccount }, this, [this, typed](const KeyService::Outcome &outcome) {
+    const QStringList typed { m_openAIKey, m_claudeKey, m_falAIKey, m_network->proxyPassword() };
+    keyService().read({ openAIAccount, claudeAccount, falAccount, proxyPasswordAccount }, this,
+        [this, typed](const KeyService::Outcome &outcome) {
             setLoadingKeys(false);
             showKeyStoreResult(outcome.code);
             if (!outcome.succeeded()) {
@@ -159,6 +196,9 @@ void SettingsViewModel::load()
             }
             if (m_falAIKey == typed.at(2)) {
                 setFalAIKey(outcome.values.value(falAccount));
+            }
+            if (m_network->proxyPassword() == typed.at(3)) {
+                m_network->setProxyPassword(outcome.values.value(proxyPasswordAccount));
             }
         });
 }
@@ -188,9 +228,16 @@ void SettingsViewModel::save()
         }
     }
 
+    if (const QString problem = m_network->problem(); !problem.isEmpty()) {
+        finishSave(tr("%1 Nothing was saved.").arg(problem));
+        return;
+    }
+
     const bool choicesSaved = m_preferences.update([this](QVariantMap &values) {
         values.insert(QString::fromLatin1(APIManager::textModelPreference), m_selectedTextModel);
         values.insert(QString::fromLatin1(APIManager::imageModelPreference), m_selectedImageModel);
+        values.insert(QString::fromLatin1(APIManager::transcriptionProviderPreference), m_transcriptionProvider);
+        m_network->writeTo(values);
         return true;
     });
     if (!choicesSaved) {
@@ -199,8 +246,9 @@ void SettingsViewModel::save()
     }
 
     setSaving(true);
-    keyService().write({ { openAIAccount, fields.at(0).second }, { falAccount, fields.at(1).second },
-                           { claudeAccount, fields.at(2).second } },
+    keyService().write(
+        { { openAIAccount, fields.at(0).second }, { falAccount, fields.at(1).second },
+            { claudeAccount, fields.at(2).second }, { proxyPasswordAccount, m_network->passwordToStore() } },
         this, [this](const KeyService::Outcome &outcome) {
             setSaving(false);
             showKeyStoreResult(outcome.code);

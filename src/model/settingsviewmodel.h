@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/networksettingsform.h"
+#include "model/providersettings.h"
 #include "settings/keyservice.h"
 #include "settings/preferences.h"
 
@@ -14,12 +16,15 @@ namespace zentrik {
 
 class APIManager;
 
-// State of the settings screen: the keys as typed and the two model choices. Loads on
-// creation (the keys arrive in the background through the APIManager's key service);
-// nothing is written until save(), which checks the keys, stores them in the secret store
-// (an empty field deletes the stored key), the choices in the preferences, and makes the
-// shared APIManager read them again so the next request uses them. The notice after a save
-// says whether it worked: saveError holds the reason when it did not.
+// State of the settings screen: the keys as typed, the two model choices, the provider that
+// transcribes and the network settings (network), with the custom providers (providers)
+// beside them. Loads on creation (the keys arrive in the background through the
+// APIManager's key service); nothing is written until save(), which checks the keys and the
+// network settings, stores the keys and the proxy's password in the secret store (an empty
+// field deletes the stored item), everything else in the preferences, and makes the shared
+// APIManager read them again so the next request uses them. The notice after a save says
+// whether it worked: saveError holds the reason when it did not. The custom providers are
+// changed at once, each action on its own.
 class SettingsViewModel : public QObject
 {
     Q_OBJECT
@@ -40,8 +45,13 @@ class SettingsViewModel : public QObject
     Q_PROPERTY(bool isLoadingKeys READ isLoadingKeys NOTIFY isLoadingKeysChanged FINAL)
     Q_PROPERTY(bool isSaving READ isSaving NOTIFY isSavingChanged FINAL)
     Q_PROPERTY(QString saveError READ saveError NOTIFY saveErrorChanged FINAL)
-    Q_PROPERTY(QVariantList textModels READ textModels CONSTANT FINAL)
+    Q_PROPERTY(QVariantList textModels READ textModels NOTIFY textModelsChanged FINAL)
     Q_PROPERTY(QVariantList imageModels READ imageModels CONSTANT FINAL)
+    Q_PROPERTY(zentrik::ProviderSettings *providers READ providers CONSTANT FINAL)
+    Q_PROPERTY(zentrik::NetworkSettingsForm *network READ network CONSTANT FINAL)
+    Q_PROPERTY(QString transcriptionProvider READ transcriptionProvider WRITE setTranscriptionProvider NOTIFY
+            transcriptionProviderChanged FINAL)
+    Q_PROPERTY(QVariantList transcriptionProviders READ transcriptionProviders NOTIFY textModelsChanged FINAL)
 
 public:
     explicit SettingsViewModel(QObject *parent = nullptr);
@@ -74,9 +84,19 @@ public:
     // Why the last save failed; empty after a save that worked.
     [[nodiscard]] QString saveError() const { return m_saveError; }
 
-    // Each entry: id, name, icon, usage (text) or id, name, features (image).
-    [[nodiscard]] static QVariantList textModels();
+    // Each entry: id, name, icon, usage (text) or id, name, features (image). The text
+    // models are the catalogue's (group empty), then each custom provider's, grouped under
+    // the provider's name (group).
+    [[nodiscard]] QVariantList textModels() const;
     [[nodiscard]] static QVariantList imageModels();
+
+    [[nodiscard]] ProviderSettings *providers() const { return m_providers; }
+    [[nodiscard]] NetworkSettingsForm *network() const { return m_network; }
+    // The custom provider that transcribes voice notes; empty for OpenAI.
+    [[nodiscard]] QString transcriptionProvider() const { return m_transcriptionProvider; }
+    void setTranscriptionProvider(const QString &name);
+    // The choices: {id: "", name: "OpenAI"}, then each custom provider by name.
+    [[nodiscard]] QVariantList transcriptionProviders() const;
 
     // Reads the choices (catalogue defaults when absent) and the keys (empty when absent).
     Q_INVOKABLE void load();
@@ -100,6 +120,8 @@ Q_SIGNALS:
     void isSavingChanged();
     void saveErrorChanged();
     void saveFinished(bool succeeded);
+    void textModelsChanged();
+    void transcriptionProviderChanged();
 
 private:
     [[nodiscard]] KeyService &keyService();
@@ -121,6 +143,9 @@ private:
     bool m_isLoadingKeys = false;
     bool m_isSaving = false;
     QString m_saveError;
+    QString m_transcriptionProvider;
+    ProviderSettings *m_providers;
+    NetworkSettingsForm *m_network;
     // Only without an APIManager (tests, a screen not yet given one).
     std::unique_ptr<KeyService> m_ownKeyService;
     Preferences m_preferences;

@@ -26,6 +26,8 @@ QString providerName(TextProvider provider)
         return QStringLiteral("Anthropic");
     case TextProvider::openRouter:
         return QStringLiteral("OpenRouter");
+    case TextProvider::custom:
+        return QStringLiteral("The custom provider");
     }
     return {};
 }
@@ -78,13 +80,36 @@ QUrl TextRequest::endpoint(TextProvider provider)
         return providerUrl(Provider::anthropic, QStringLiteral("/v1/messages"));
     case TextProvider::openRouter:
         return providerUrl(Provider::openRouter, QStringLiteral("/api/v1/chat/completions"));
+    case TextProvider::custom:
+        break;
     }
     return {};
+}
+
+HttpRequest TextRequest::buildOpenAICompatible(
+    const QUrl &endpoint, const QString &model, const QString &prompt, const QString &key)
+{
+    HttpRequest request;
+    request.method = QByteArrayLiteral("POST");
+    request.url = endpoint;
+    request.headers.append({ QByteArrayLiteral("Content-Type"), QByteArrayLiteral("application/json") });
+    if (!key.isEmpty()) {
+        request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8() });
+    }
+    const QJsonObject body { { QStringLiteral("model"), model },
+        { QStringLiteral("messages"),
+            QJsonArray {
+                message("system", QStringLiteral("You are a helpful assistant.")), message("user", prompt) } } };
+    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
+    return request;
 }
 
 HttpRequest TextRequest::build(
     TextProvider provider, const QString &model, const QString &prompt, const QString &key, bool stream)
 {
+    if (provider == TextProvider::openAI || provider == TextProvider::custom) {
+        return buildOpenAICompatible(endpoint(provider), model, prompt, key);
+    }
     HttpRequest request;
     request.method = QByteArrayLiteral("POST");
     request.url = endpoint(provider);
@@ -92,9 +117,7 @@ HttpRequest TextRequest::build(
     QJsonObject body { { QStringLiteral("model"), model } };
     switch (provider) {
     case TextProvider::openAI:
-        request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8() });
-        body.insert(QStringLiteral("messages"),
-            QJsonArray { message("system", QStringLiteral("You are a helpful assistant.")), message("user", prompt) });
+    case TextProvider::custom:
         break;
     case TextProvider::anthropic:
         request.headers.append({ QByteArrayLiteral("x-api-key"), key.toUtf8() });

@@ -14,6 +14,7 @@ namespace zentrik {
 
 // The one-shot text requests of the three providers, deliberately different in shape: only
 // OpenAI gets a system message, only Anthropic a token limit, OpenRouter the plain minimum.
+// A custom provider is sent OpenAI's shape at its own address.
 class TextRequest
 {
 public:
@@ -24,6 +25,10 @@ public:
     // body plus "stream": true) and is ignored for the other providers.
     [[nodiscard]] static HttpRequest build(
         TextProvider provider, const QString &model, const QString &prompt, const QString &key, bool stream = false);
+    // The OpenAI request shape (a system message, then the prompt) for any OpenAI-compatible
+    // endpoint; no Authorization header when there is no key.
+    [[nodiscard]] static HttpRequest buildOpenAICompatible(
+        const QUrl &endpoint, const QString &model, const QString &prompt, const QString &key);
     // Reads the answer in the common order: transport failure, no body, a body that is not
     // JSON, no reply where the provider puts it.
     [[nodiscard]] static std::variant<QString, APIError> read(TextProvider provider, const HttpResult &result);

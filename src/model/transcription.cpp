@@ -10,7 +10,19 @@ namespace zentrik {
 
 void APIManager::transcribe(const QString &audioFilePath, QObject *context, TranscriptionCompletion completion)
 {
-    if (m_openAIKey.isEmpty()) {
+    const QString chosen = transcriptionProvider();
+    const CustomProvider *custom = chosen.isEmpty() ? nullptr : m_customProviders->find(chosen);
+    if (!chosen.isEmpty() && custom == nullptr) {
+        // Never OpenAI instead: the user chose where their recordings go.
+        const APIError error = APIError(APIError::unsupportedModel)
+                                   .withDetails(tr("The provider %1 chosen to transcribe voice notes is gone; choose "
+                                                   "another in Settings.")
+                                                    .arg(chosen));
+        deliverLater(context, [completion, error] { completion(error); });
+        return;
+    }
+    const QString key = custom != nullptr ? m_customProviders->key(custom->name) : m_openAIKey;
+    if (key.isEmpty() && (custom == nullptr || custom->hasKey)) {
         deliverLater(context, [completion] { completion(APIError::missingAPIKey); });
         return;
     }
@@ -28,8 +40,12 @@ void APIManager::transcribe(const QString &audioFilePath, QObject *context, Tran
     }
     file.close();
 
-    HttpRequest request = TranscriptionRequest::build(m_openAIKey, TranscriptionRequest::newBoundary(), audio);
-    qInfo().noquote() << "Sending request to OpenAI API";
+    const QByteArray boundary = TranscriptionRequest::newBoundary();
+    HttpRequest request = custom == nullptr ? TranscriptionRequest::build(key, boundary, audio)
+                                            : TranscriptionRequest::build(custom->transcriptionUrl(), key, boundary,
+                                                audio, TranscriptionRequest::modelFor(custom->models()));
+    qInfo().noquote()
+        << QStringLiteral("Sending request to %1 API").arg(custom == nullptr ? QStringLiteral("OpenAI") : custom->name);
     m_http->send(std::move(request), context, [completion = std::move(completion)](const HttpResult &result) {
         completion(TranscriptionRequest::read(result));
     });

@@ -26,13 +26,13 @@ QByteArray TranscriptionRequest::newBoundary()
     return QUuid::createUuid().toByteArray(QUuid::WithoutBraces).toUpper();
 }
 
-QByteArray TranscriptionRequest::body(const QByteArray &boundary, const QByteArray &audio)
+QByteArray TranscriptionRequest::body(const QByteArray &boundary, const QByteArray &audio, const QByteArray &modelName)
 {
     QByteArray body;
     body.reserve(audio.size() + 4 * boundary.size() + 256);
     body.append("--").append(boundary).append(crlf);
     body.append(R"(Content-Disposition: form-data; name="model")").append(crlf).append(crlf);
-    body.append(model).append(crlf);
+    body.append(modelName).append(crlf);
     body.append("--").append(boundary).append(crlf);
     body.append(R"(Content-Disposition: form-data; name="file"; filename=")")
         .append(audioFileName)
@@ -47,14 +47,36 @@ QByteArray TranscriptionRequest::body(const QByteArray &boundary, const QByteArr
 
 HttpRequest TranscriptionRequest::build(const QString &key, const QByteArray &boundary, const QByteArray &audio)
 {
+    return build(endpoint(), key, boundary, audio, model);
+}
+
+HttpRequest TranscriptionRequest::build(const QUrl &url, const QString &key, const QByteArray &boundary,
+    const QByteArray &audio, const QByteArray &modelName)
+{
     HttpRequest request;
     request.method = QByteArrayLiteral("POST");
-    request.url = endpoint();
+    request.url = url;
     request.timeout = timeout;
-    request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8() });
+    if (!key.isEmpty()) {
+        request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8() });
+    }
     request.headers.append({ QByteArrayLiteral("Content-Type"), "multipart/form-data; boundary=" + boundary });
-    request.body = body(boundary, audio);
+    request.body = body(boundary, audio, modelName);
     return request;
+}
+
+QByteArray TranscriptionRequest::modelFor(const QStringList &served)
+{
+    const QString standard = QString::fromLatin1(model);
+    if (served.contains(standard)) {
+        return model;
+    }
+    for (const QString &candidate : served) {
+        if (candidate.contains(QLatin1String("whisper"), Qt::CaseInsensitive)) {
+            return candidate.toUtf8();
+        }
+    }
+    return model;
 }
 
 std::variant<QString, APIError> TranscriptionRequest::read(const HttpResult &result)

@@ -1,17 +1,14 @@
 #include "net/httpclient.h"
 
+#include "net/connectionpolicy.h"
+#include "net/httpreply.h"
 #include "net/oneshotbody.h"
 #include "net/secretscrubber.h"
 
-#include <QJsonDocument>
 #include <QNetworkAccessManager>
-#include <QNetworkProxyFactory>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QTimer>
-#if QT_CONFIG(ssl)
-#include <QSslConfiguration>
-#endif
 
 namespace zentrik {
 
@@ -35,152 +32,22 @@ struct HttpClient::Call
     int redirects = 0;
 };
 
-namespace {
-
-int statusOf(const QNetworkReply *reply)
-{
-    return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-}
-
-bool isRedirectStatus(int status)
-{
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
-
-// Qt reports HTTP error statuses as reply errors too; those are answers, not transport
-// failures, and go to the caller with their status and body.
-bool isHttpAnswer(const QNetworkReply *reply)
-{
-    if (!reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid()) {
-        return false;
-    }
-    const int code = reply->error();
-    return code == QNetworkReply::NoError || (code >= 201 && code <= 299)
-        || code == QNetworkReply::ProtocolInvalidOperationError || (code >= 401 && code <= 499);
-}
-
-TransportError transportErrorOf(const QNetworkReply *reply)
-{
-    using Kind = TransportError::Kind;
-    switch (reply->error()) {
-    case QNetworkReply::HostNotFoundError:
-        return { Kind::HostNotFound, reply->errorString() };
-    // Our own cancellations never reach here, so a cancelled operation is the transfer
-    // timeout at work.
-    case QNetworkReply::TimeoutError:
-    case QNetworkReply::OperationCanceledError:
-        return { Kind::TimedOut, reply->errorString() };
-    case QNetworkReply::RemoteHostClosedError:
-        return { Kind::ConnectionLost, reply->errorString() };
-    // Qt wanted to send the request again after the connection closed, and the body
-    // refused to be read twice.
-    case QNetworkReply::ContentReSendError:
-        return { Kind::ConnectionLost,
-            HttpClient::tr("The connection closed before the answer came; the request was not sent again.") };
-    case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::NetworkSessionFailedError:
-        return { Kind::NotConnected, reply->errorString() };
-    default:
-        return { Kind::Other, reply->errorString() };
-    }
-}
-
-int effectivePort(const QUrl &url)
-{
-    return url.port(url.scheme() == QLatin1String("https") ? 443 : 80);
-}
-
-bool sameServer(const QUrl &a, const QUrl &b)
-{
-    return a.host().compare(b.host(), Qt::CaseInsensitive) == 0 && effectivePort(a) == effectivePort(b);
-}
-
-bool isSuccess(int status)
-{
-    return status >= 200 && status < 300;
-}
-
-// The announced body length, or -1 when the answer announced none.
-qint64 announcedLength(const QNetworkReply *reply)
-{
-    const QByteArray value = reply->rawHeader("Content-Length").trimmed();
-    bool ok = false;
-    const qint64 length = value.toLongLong(&ok);
-    return ok && length >= 0 ? length : -1;
-}
-
-// Whether the body stopped before the length its headers announced. Qt sometimes finishes
-// such a reply without an error when the connection closes right after the last byte.
-bool bodyCutShort(const QNetworkReply *reply, const QByteArray &method, int status, qint64 received)
-{
-    if (method == "HEAD" || status == 204 || status == 304 || (status >= 100 && status < 200)) {
-        return false;
-    }
-    const qint64 length = announcedLength(reply);
-    return length >= 0 && received < length;
-}
-
-// For a body without an announced length, whether it ends where its format ends. Qt
-// finishes a chunked answer without an error when the connection closes before the last
-// chunk, so a cut JSON document or picture would otherwise pass for a whole one. Formats
-// this does not know are taken as they are.
-bool bodyLooksWhole(const QNetworkReply *reply, const QByteArray &body)
-{
-    const QByteArray type = reply->header(QNetworkRequest::ContentTypeHeader).toByteArray().toLower();
-    if (body.isEmpty()) {
-        return true;
-    }
-    if (type.contains("json")) {
-        QJsonParseError error {};
-        QJsonDocument::fromJson(body, &error);
-        // A document cut short fails at its end (or inside the literal or number it ended in);
-        // one broken further in is whole, just wrong, and its reader says so.
-        constexpr int tail = 8;
-        return error.error == QJsonParseError::NoError || error.offset < body.trimmed().size() - tail;
-    }
-    if (type.startsWith("image/png")) {
-        static constexpr QByteArrayView end { "\0\0\0\0IEND\xae\x42\x60\x82", 12 };
-        return body.endsWith(end);
-    }
-    if (type.startsWith("image/jpeg")) {
-        return body.endsWith("\xff\xd9");
-    }
-    return true;
-}
-
-TransportError connectionLostMidBody()
-{
-    return { TransportError::Kind::ConnectionLost,
-        HttpClient::tr("The connection closed before the answer was complete.") };
-}
-
-TransportError tooLarge()
-{
-    return { TransportError::Kind::Other,
-        HttpClient::tr("The answer is larger than %1 MB and was not read.")
-            .arg(HttpClient::maxReplySize / (qsizetype(1024) * 1024)) };
-}
-
-QList<std::pair<QByteArray, QByteArray>> headersOf(const QNetworkReply *reply)
-{
-    QList<std::pair<QByteArray, QByteArray>> headers;
-    const auto &pairs = reply->rawHeaderPairs();
-    headers.reserve(pairs.size());
-    for (const auto &pair : pairs) {
-        headers.append({ pair.first, pair.second });
-    }
-    return headers;
-}
-
-} // namespace
+using namespace httpreply;
 
 HttpClient::HttpClient(QObject *parent)
     : QObject(parent)
     , m_manager(new QNetworkAccessManager(this))
+    , m_connections(std::make_unique<ConnectionPolicy>(m_manager))
+{ }
+
+void HttpClient::setNetworkSettings(const NetworkSettings &settings)
 {
-    // Honours the desktop's proxy settings and the http_proxy / https_proxy / no_proxy
-    // variables, as users behind a proxy expect.
-    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    m_connections->apply(settings);
+}
+
+const NetworkSettings &HttpClient::networkSettings() const
+{
+    return m_connections->settings();
 }
 
 HttpClient::~HttpClient()
@@ -286,13 +153,7 @@ void HttpClient::start(const CallPtr &call)
     networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     const auto timeout = request.timeout.count() > 0 ? request.timeout : m_timeout;
     networkRequest.setTransferTimeout(int(timeout.count()));
-#if QT_CONFIG(ssl)
-    if (request.url.scheme() == QLatin1String("https")) {
-        QSslConfiguration ssl = QSslConfiguration::defaultConfiguration();
-        ssl.setPeerVerifyMode(QSslSocket::VerifyPeer);
-        networkRequest.setSslConfiguration(ssl);
-    }
-#endif
+    m_connections->prepare(networkRequest);
 
     auto *body = new OneShotBody(request.body);
     QNetworkReply *reply = m_manager->sendCustomRequest(networkRequest, request.method, body);
@@ -374,14 +235,7 @@ void HttpClient::complete(const CallPtr &call, const HttpResult &result)
         return;
     }
     HttpResult scrubbed = result;
-    if (auto *response = std::get_if<HttpResponse>(&scrubbed)) {
-        call->scrubber.scrub(response->body);
-        for (auto &header : response->headers) {
-            call->scrubber.scrub(header.second);
-        }
-    } else {
-        call->scrubber.scrub(std::get<TransportError>(scrubbed).description);
-    }
+    call->scrubber.scrub(scrubbed);
     call->handlers.onFinished(scrubbed);
 }
 
@@ -433,7 +287,7 @@ bool HttpClient::take(const CallPtr &call, const QByteArray &bytes)
         return true;
     }
     if (call->received > maxReplySize || announcedLength(reply) > maxReplySize) {
-        complete(call, tooLarge());
+        complete(call, tooLarge(maxReplySize));
         return false;
     }
     if (bytes.isEmpty()) {
@@ -468,7 +322,8 @@ void HttpClient::onFinished(CallId id)
     }
     QNetworkReply *reply = call->reply;
     const int status = statusOf(reply);
-    const bool answered = isHttpAnswer(reply);
+    // A proxy that turned the credentials down answers for itself, not for the server.
+    const bool answered = isHttpAnswer(reply) && status != 407;
 
     if (answered && isRedirectStatus(status) && reply->hasRawHeader("Location")) {
         if (followRedirect(call, status)) {
@@ -482,7 +337,7 @@ void HttpClient::onFinished(CallId id)
         return;
     }
     if (!answered) {
-        complete(call, transportErrorOf(reply));
+        complete(call, m_connections->failureOf(reply));
         return;
     }
     if (bodyCutShort(reply, call->request.method, status, call->received)
@@ -520,49 +375,19 @@ void HttpClient::onFinished(CallId id)
 bool HttpClient::followRedirect(const CallPtr &call, int status)
 {
     QNetworkReply *reply = call->reply;
-    const QUrl from = reply->url();
-    const QUrl target = from.resolved(QUrl::fromEncoded(reply->rawHeader("Location")));
-    using Kind = TransportError::Kind;
-    if (!target.isValid() || (target.scheme() != QLatin1String("http") && target.scheme() != QLatin1String("https"))) {
+    RedirectOutcome outcome = redirect(call->request, reply->url(), reply->rawHeader("Location"), status);
+    if (std::holds_alternative<std::monostate>(outcome)) {
         return false;
     }
     if (++call->redirects > maxRedirects) {
-        complete(call, TransportError { Kind::Other, tr("Too many redirects.") });
+        complete(call, TransportError { TransportError::Kind::Other, tr("Too many redirects.") });
         return true;
     }
-    if (from.scheme() == QLatin1String("https") && target.scheme() == QLatin1String("http")) {
-        complete(call, TransportError { Kind::Other, tr("Refused a redirect from HTTPS to plain HTTP.") });
+    if (const auto *refused = std::get_if<TransportError>(&outcome)) {
+        complete(call, *refused);
         return true;
     }
-
-    HttpRequest &request = call->request;
-    const bool keepsBody = status == 307 || status == 308;
-    if (keepsBody && !sameServer(from, target) && (request.method != "GET" && request.method != "HEAD")) {
-        // The body is the user's prompt, picture or recording: only the server it was meant
-        // for may have it.
-        complete(call,
-            TransportError { Kind::Other,
-                tr("The server sent the request on to another address (%1); it was not sent there.")
-                    .arg(target
-                             .adjusted(
-                                 QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo)
-                             .toString()) });
-        return true;
-    }
-    if (!sameServer(from, target)) {
-        // Keys are meant for the host they were given to, never for whoever it points at.
-        for (const char *name : { "Authorization", "x-api-key", "Cookie", "Proxy-Authorization" }) {
-            request.removeHeader(name);
-        }
-    }
-    if (status == 303 || ((status == 301 || status == 302) && request.method == "POST")) {
-        request.method = QByteArrayLiteral("GET");
-        request.body.clear();
-        request.removeHeader("Content-Type");
-        request.removeHeader("Content-Length");
-    }
-    request.url = target;
-
+    call->request = std::get<HttpRequest>(std::move(outcome));
     restart(call);
     return true;
 }

@@ -11,20 +11,24 @@
 #include "net/httprequest.h"
 #include "net/httpresponse.h"
 #include "net/linesplitter.h"
+#include "net/networksettings.h"
 
 class QNetworkAccessManager;
 class QNetworkReply;
 
 namespace zentrik {
 
+class ConnectionPolicy;
+
 // The program's one way onto the network: every request of every provider goes through
 // one HttpClient and its single QNetworkAccessManager, on the thread that owns it. Each
 // handler runs on that thread, at most once per call, and never after the call was
 // cancelled or its context object destroyed.
 //
-// TLS peers are always verified, redirects are followed by hand so that credentials never
-// travel to another host, and the system proxy settings (including http_proxy and friends)
-// apply to every request.
+// TLS peers are always verified (against the system's authorities and an extra CA file the
+// user may name), redirects are followed by hand so that credentials never travel to another
+// host, and the user's proxy settings (by default the system's, http_proxy and friends
+// included) apply to every request except those to this computer.
 //
 // A request the server may have received is never sent again, by this class or by Qt
 // underneath: a connection that closes before the answer is a lost connection. So is an
@@ -82,6 +86,10 @@ public:
     [[nodiscard]] std::chrono::milliseconds deadline() const { return m_deadline; }
     void setDeadline(std::chrono::milliseconds deadline);
 
+    // The proxy and the extra CA file; requests started from now on follow them.
+    void setNetworkSettings(const NetworkSettings &settings);
+    [[nodiscard]] const NetworkSettings &networkSettings() const;
+
 private:
     struct Call;
     using CallPtr = std::shared_ptr<Call>;
@@ -95,6 +103,7 @@ private:
     void onFinished(CallId id);
     // Takes what the reply has brought; false when that ended the call.
     bool take(const CallPtr &call, const QByteArray &bytes);
+    // True when the redirect was followed or refused (the call goes on or has ended).
     bool followRedirect(const CallPtr &call, int status);
     void failLater(const CallPtr &call, const TransportError &error);
     // Hands over the complete lines in bytes; false when the call ended meanwhile.
@@ -105,6 +114,7 @@ private:
     [[nodiscard]] CallPtr find(CallId id) const;
 
     QNetworkAccessManager *m_manager;
+    std::unique_ptr<ConnectionPolicy> m_connections;
     std::unordered_map<CallId, CallPtr> m_calls;
     CallId m_nextId = 1;
     std::chrono::milliseconds m_timeout = defaultTimeout;

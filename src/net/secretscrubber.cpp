@@ -74,4 +74,16 @@ void SecretScrubber::scrub(QString &text) const
     }
 }
 
+void SecretScrubber::scrub(HttpResult &result) const
+{
+    if (auto *response = std::get_if<HttpResponse>(&result)) {
+        scrub(response->body);
+        for (auto &header : response->headers) {
+            scrub(header.second);
+        }
+    } else {
+        scrub(std::get<TransportError>(result).description);
+    }
+}
+
 } // namespace zentrik

@@ -4,6 +4,8 @@
 #include <QList>
 #include <QString>
 
+#include "net/httpresponse.h"
+
 namespace zentrik {
 
 struct HttpRequest;
@@ -28,6 +30,8 @@ public:
     // Replaces every secret in text; linear in its length for each secret.
     void scrub(QByteArray &text) const;
     void scrub(QString &text) const;
+    // A whole answer's body and headers, or a failure's description.
+    void scrub(HttpResult &result) const;
 
 private:
     void add(QByteArrayView secret);

@@ -4,6 +4,7 @@
 #include "support/childtest.h"
 #include "support/environment.h"
 #include "support/hungsecretservice.h"
+#include "support/localmodelserver.h"
 #include "support/testregistry.h"
 
 #include <QElapsedTimer>
@@ -149,6 +150,76 @@ private Q_SLOTS:
             QStringLiteral("Invalid model selected. Please choose a valid model in Settings."));
         SettingsViewModel settings(&manager);
         QCOMPARE(settings.selectedTextModel(), QStringLiteral("retired-model"));
+    }
+
+    // The proxy and CA file are saved with the rest, the password in the Secret Service, and
+    // the manager's requests follow them; a form that cannot be used saves nothing.
+    void networkSettingsRoundTrip()
+    {
+        APIManager manager;
+        SettingsViewModel settings(&manager);
+        QVERIFY(keysRead(settings));
+        NetworkSettingsForm &network = *settings.network();
+        QCOMPARE(network.proxyMode(), QStringLiteral("system"));
+        network.setProxyMode(QStringLiteral("manual"));
+        network.setProxyHost(QStringLiteral("proxy.example"));
+        QCOMPARE(network.problem(), QStringLiteral("The proxy needs a port (1 to 65535)."));
+        QVERIFY(!saveAndWait(settings));
+        QCOMPARE(settings.saveError(), QStringLiteral("The proxy needs a port (1 to 65535). Nothing was saved."));
+        QCOMPARE(manager.networkSettings().proxy.mode, ProxySettings::Mode::system);
+
+        network.setProxyPort(3128);
+        network.setProxyUser(QStringLiteral("ann"));
+        network.setProxyPassword(QStringLiteral("pw-proxy-9"));
+        QVERIFY(saveAndWait(settings));
+        QVERIFY(keysRead(manager));
+        QCOMPARE(manager.networkSettings().proxy.toString(), QStringLiteral("http://ann@proxy.example:3128"));
+        QCOMPARE(manager.httpClient().networkSettings().proxy.password, QStringLiteral("pw-proxy-9"));
+
+        // Another mode keeps the manual proxy for later.
+        network.setProxyMode(QStringLiteral("none"));
+        QVERIFY(saveAndWait(settings));
+        SettingsViewModel reopened;
+        QVERIFY(keysRead(reopened));
+        QCOMPARE(reopened.network()->proxyMode(), QStringLiteral("none"));
+        QCOMPARE(reopened.network()->proxyHost(), QStringLiteral("proxy.example"));
+        QCOMPARE(reopened.network()->proxyUser(), QStringLiteral("ann"));
+        QCOMPARE(reopened.network()->proxyPassword(), QStringLiteral("pw-proxy-9"));
+    }
+
+    // A provider added in Settings joins the model picker under its name and the choice of
+    // who transcribes; removing it takes both away.
+    void customProvidersJoinThePickers()
+    {
+        test::FakeProvider server;
+        test::serveLikeLocalModelServer(server, test::LocalModelServer::ollama);
+        APIManager manager;
+        SettingsViewModel settings(&manager);
+        QVERIFY(keysRead(settings));
+        ProviderSettings &providers = *settings.providers();
+        QSignalSpy finished(&providers, &ProviderSettings::finished);
+        QSignalSpy pickerChanged(&settings, &SettingsViewModel::textModelsChanged);
+        providers.addProvider(QStringLiteral(" Ollama "), server.baseUrl().toString() + "/v1", QString());
+        QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 5000);
+        QCOMPARE(providers.message(), QStringLiteral("Added Ollama with 2 model(s)."));
+        QVERIFY(!pickerChanged.isEmpty());
+        const QVariantList models = settings.textModels();
+        QCOMPARE(models.size(), 14);
+        QCOMPARE(models.at(12).toMap().value("id").toString(), QStringLiteral("custom:Ollama/llama3.2:latest"));
+        QCOMPARE(models.at(12).toMap().value("group").toString(), QStringLiteral("Ollama"));
+        QCOMPARE(settings.transcriptionProviders().last().toMap().value("id").toString(), QStringLiteral("Ollama"));
+
+        settings.setTranscriptionProvider(QStringLiteral("Ollama"));
+        settings.setSelectedTextModel(QStringLiteral("custom:Ollama/qwen2.5:0.5b"));
+        QVERIFY(saveAndWait(settings));
+        QCOMPARE(manager.transcriptionProvider(), QStringLiteral("Ollama"));
+        QVERIFY(!manager.preflightMessage());
+
+        providers.removeProvider(QStringLiteral("Ollama"));
+        QCOMPARE(providers.message(), QStringLiteral("Removed Ollama."));
+        QCOMPARE(settings.textModels().size(), 12);
+        QCOMPARE(manager.preflightMessage().value_or(QString()),
+            QStringLiteral("Invalid model selected. Please choose a valid model in Settings."));
     }
 
     void howItWorksToggleFlipsChevron()

@@ -89,9 +89,11 @@ QJsonDocument RecordedRequest::json() const
 
 struct FakeProvider::State
 {
-    httplib::Server server;
+    std::unique_ptr<httplib::Server> server;
     std::thread thread;
     int port = 0;
+    QByteArray host;
+    bool tls = false;
 
     mutable std::mutex mutex;
     std::condition_variable stopping;
@@ -162,6 +164,14 @@ struct FakeProvider::State
         request.method = QByteArray::fromStdString(in.method);
         request.path = QByteArray::fromStdString(in.path);
         request.target = QByteArray::fromStdString(in.target);
+        for (const char *scheme : { "http://", "https://" }) {
+            if (request.path.startsWith(scheme)) {
+                const qsizetype length = qsizetype(qstrlen(scheme));
+                const qsizetype pathStart = request.path.indexOf('/', length);
+                request.proxiedHost = request.path.mid(length, pathStart < 0 ? -1 : pathStart - length);
+                request.path = pathStart < 0 ? QByteArrayLiteral("/") : request.path.mid(pathStart);
+            }
+        }
         for (const auto &[name, value] : in.headers) {
             // cpp-httplib adds these itself for its own bookkeeping.
             if (name == "REMOTE_ADDR" || name == "REMOTE_PORT" || name == "LOCAL_ADDR" || name == "LOCAL_PORT") {
@@ -170,6 +180,9 @@ struct FakeProvider::State
             request.headers.append({ QByteArray::fromStdString(name), QByteArray::fromStdString(value) });
         }
         request.body = QByteArray::fromStdString(in.body);
+        for (const auto &[name, part] : in.files) {
+            request.formFields.append({ QByteArray::fromStdString(name), QByteArray::fromStdString(part.content) });
+        }
         qsizetype index = 0;
         {
             std::lock_guard lock(mutex);
@@ -243,28 +256,53 @@ struct FakeProvider::State
 };
 
 FakeProvider::FakeProvider()
+    : FakeProvider(Options {})
+{ }
+
+FakeProvider::FakeProvider(const Options &options)
     : m_state(std::make_shared<State>())
 {
     State &state = *m_state;
+    state.host = options.host;
+    state.tls = !options.certificateFile.isEmpty();
+    if (state.tls) {
+        state.server = std::make_unique<httplib::SSLServer>(
+            options.certificateFile.toLocal8Bit().constData(), options.keyFile.toLocal8Bit().constData());
+    } else {
+        state.server = std::make_unique<httplib::Server>();
+    }
+    httplib::Server &server = *state.server;
     // One answer per connection: the server never sits on an idle keep-alive connection, so
     // shutting it down never waits for a client to go away.
-    state.server.set_keep_alive_max_count(1);
-    state.server.set_tcp_nodelay(true);
-    state.server.set_read_timeout(5s);
+    server.set_keep_alive_max_count(1);
+    server.set_tcp_nodelay(true);
+    server.set_read_timeout(5s);
     // Every method and path goes to the script; the routes are looked up there.
     const auto serve = [&state](const httplib::Request &in, httplib::Response &out) { state.serve(in, out); };
-    state.server.Get(".*", serve);
-    state.server.Post(".*", serve);
-    state.server.Put(".*", serve);
-    state.server.Patch(".*", serve);
-    state.server.Delete(".*", serve);
-    state.server.Options(".*", serve);
-    state.port = state.server.bind_to_any_port("127.0.0.1");
-    state.thread = std::thread([&state] { state.server.listen_after_bind(); });
+    server.Get(".*", serve);
+    server.Post(".*", serve);
+    server.Put(".*", serve);
+    server.Patch(".*", serve);
+    server.Delete(".*", serve);
+    server.Options(".*", serve);
+    if (options.port == 0) {
+        state.port = server.bind_to_any_port(options.host.toStdString());
+    } else {
+        state.port = server.bind_to_port(options.host.toStdString(), options.port) ? options.port : -1;
+    }
+    if (state.port <= 0) {
+        return;
+    }
+    state.thread = std::thread([&server] { server.listen_after_bind(); });
     // stop() only works on a running server, so the destructor must not race the start.
-    for (int i = 0; i < 5000 && !state.server.is_running(); ++i) {
+    for (int i = 0; i < 5000 && !server.is_running(); ++i) {
         std::this_thread::sleep_for(1ms);
     }
+}
+
+bool FakeProvider::isListening() const
+{
+    return m_state->port > 0 && m_state->server->is_running();
 }
 
 FakeProvider::~FakeProvider()
@@ -274,7 +312,7 @@ FakeProvider::~FakeProvider()
         m_state->stopped = true;
     }
     m_state->stopping.notify_all();
-    m_state->server.stop();
+    m_state->server->stop();
     if (m_state->thread.joinable()) {
         m_state->thread.join();
     }
@@ -282,7 +320,11 @@ FakeProvider::~FakeProvider()
 
 QUrl FakeProvider::baseUrl() const
 {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_state->port));
+    const QString host = m_state->host.contains(':') ? QStringLiteral("[%1]").arg(QString::fromLatin1(m_state->host))
+                                                     : QString::fromLatin1(m_state->host);
+    return QUrl(QStringLiteral("%1://%2:%3")
+                    .arg(m_state->tls ? QStringLiteral("https") : QStringLiteral("http"), host)
+                    .arg(m_state->port));
 }
 
 int FakeProvider::port() const

@@ -55,10 +55,15 @@ struct ScriptedReply
 struct RecordedRequest
 {
     QByteArray method;
-    QByteArray path; // as sent on the request line, without the query
+    // As sent on the request line, without the query. A request in a proxy's absolute form
+    // ("GET http://host/path") is recorded by its path, with the host in proxiedHost.
+    QByteArray path;
+    QByteArray proxiedHost;
     QByteArray target; // the whole request target, query included
     QList<std::pair<QByteArray, QByteArray>> headers;
+    // Empty for a multipart form, whose parts are in formFields (name, content) instead.
     QByteArray body;
+    QList<std::pair<QByteArray, QByteArray>> formFields;
     Clock::time_point arrivedAt;
     // When each piece of the answer was handed to the socket.
     QList<Clock::time_point> piecesSentAt;
@@ -78,12 +83,26 @@ class FakeProvider
 public:
     using Handler = std::function<ScriptedReply(const RecordedRequest &request)>;
 
+    struct Options
+    {
+        // The loopback address to listen on: "127.0.0.1" or "::1".
+        QByteArray host = QByteArrayLiteral("127.0.0.1");
+        // 0 for any free port.
+        int port = 0;
+        // PEM files of a certificate and its key: the fake then speaks HTTPS.
+        QString certificateFile;
+        QString keyFile;
+    };
+
     FakeProvider();
+    explicit FakeProvider(const Options &options);
+    // Whether it is listening (a fixed port may be taken).
+    [[nodiscard]] bool isListening() const;
     ~FakeProvider();
     FakeProvider(const FakeProvider &) = delete;
     FakeProvider &operator=(const FakeProvider &) = delete;
 
-    // "http://127.0.0.1:<port>"
+    // "http://127.0.0.1:<port>" ("https", "[::1]" as the options say)
     [[nodiscard]] QUrl baseUrl() const;
     [[nodiscard]] int port() const;
 
