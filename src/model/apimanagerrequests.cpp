@@ -78,6 +78,12 @@ void APIManager::deliverLater(QObject *context, std::function<void()> deliver)
 
 void APIManager::generateText(const QString &prompt, QObject *context, TextCompletion completion)
 {
+    generateText(prompt, {}, context, std::move(completion));
+}
+
+void APIManager::generateText(
+    const QString &prompt, const QList<ChatMessage> &earlier, QObject *context, TextCompletion completion)
+{
     const QString model = m_selectedTextModel;
     const std::optional<TextProvider> provider = routeTextModel(model);
     if (!provider) {
@@ -94,7 +100,7 @@ void APIManager::generateText(const QString &prompt, QObject *context, TextCompl
         deliverLater(context, [completion, error] { completion(error); });
         return;
     }
-    m_http->send(TextRequest::build(*provider, model, prompt, key), context,
+    m_http->send(TextRequest::build(*provider, model, prompt, key, false, earlier), context,
         [provider = *provider, key, completion = std::move(completion)](const HttpResult &result) {
             TextResult reply = TextRequest::read(provider, result);
             if (auto *error = std::get_if<APIError>(&reply)) {
@@ -109,6 +115,12 @@ void APIManager::generateText(const QString &prompt, QObject *context, TextCompl
 
 APIManager::StreamId APIManager::streamText(
     const QString &prompt, QObject *context, StreamPiece onPiece, StreamCompletion completion)
+{
+    return streamText(prompt, {}, context, std::move(onPiece), std::move(completion));
+}
+
+APIManager::StreamId APIManager::streamText(const QString &prompt, const QList<ChatMessage> &earlier, QObject *context,
+    StreamPiece onPiece, StreamCompletion completion)
 {
     auto stream = std::make_shared<ActiveStream>();
     stream->id = m_nextStreamId++;
@@ -180,8 +192,8 @@ APIManager::StreamId APIManager::streamText(
             const AnthropicStreamDecoder::Event end = decoder->endOfInput();
             finishStream(id, end.error ? std::optional<APIError>(toAPIError(*end.error)) : std::nullopt);
         };
-        stream->call
-            = m_http->stream(TextRequest::build(*provider, model, prompt, key, true), context, std::move(handlers));
+        stream->call = m_http->stream(
+            TextRequest::build(*provider, model, prompt, key, true, earlier), context, std::move(handlers));
         return id;
     }
 
@@ -199,7 +211,8 @@ APIManager::StreamId APIManager::streamText(
     handlers.onFinished = [this, id](const std::optional<ChatError> &error) {
         finishStream(id, error ? std::optional<APIError>(toAPIError(*error)) : std::nullopt);
     };
-    const QList<ChatMessage> messages { ChatMessage(ChatMessage::Role::user, prompt) };
+    QList<ChatMessage> messages = earlier;
+    messages.append(ChatMessage(ChatMessage::Role::user, prompt));
     stream->call = client.stream(model, messages, ChatOptions {}, context, std::move(handlers));
     return id;
 }
