@@ -1,4 +1,4 @@
-// HistoryStore: lists, loading and search.
+// HistoryStore: lists and loading. Search is in historysearch.cpp.
 #include "history/historystore.h"
 
 #include <QHash>
@@ -46,35 +46,6 @@ ConversationRecord conversationFrom(const QSqlQuery &query)
     record.messageCount = query.value(13).toInt();
     record.preview = firstLine(query.value(14).toString());
     return record;
-}
-
-// The user's words as an FTS5 query: each word a quoted phrase (so that no character of
-// the input is taken as query syntax), all of them required, the last one also matching
-// the start of a longer word while it is being typed. Words without a letter or digit
-// match nothing and are left out.
-QString ftsQuery(const QString &text)
-{
-    constexpr int mostWords = 16;
-    constexpr qsizetype longestWord = 100;
-    constexpr qsizetype shortestPrefix = 2;
-    QStringList phrases;
-    const QStringList words = text.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    for (const QString &word : words) {
-        if (phrases.size() == mostWords) {
-            break;
-        }
-        if (std::none_of(word.cbegin(), word.cend(), [](QChar c) { return c.isLetterOrNumber(); })) {
-            continue;
-        }
-        QString quoted = word.left(longestWord);
-        quoted.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-        phrases.append(QLatin1Char('"') + quoted + QLatin1Char('"'));
-    }
-    if (!phrases.isEmpty() && words.last().size() >= shortestPrefix && phrases.last().size() >= shortestPrefix + 2
-        && text.back().isLetterOrNumber()) {
-        phrases.last() += QLatin1Char('*');
-    }
-    return phrases.join(QLatin1Char(' '));
 }
 
 } // namespace
@@ -180,80 +151,6 @@ std::optional<int> HistoryStore::count()
 {
     const std::optional<QVariant> value = m_db.value(QStringLiteral("SELECT count(*) FROM conversations"));
     return value ? std::optional<int>(value->toInt()) : std::nullopt;
-}
-
-QList<SearchHit> HistoryStore::search(const QString &text, const QString &tool, int limit)
-{
-    const QString match = ftsQuery(text);
-    if (match.isEmpty()) {
-        return {};
-    }
-    const QString toolFilter = QStringLiteral(" AND (coalesce(?, '') = '' OR c.tool = ?)");
-    struct Best
-    {
-        double rank = 0;
-        qint64 messageId = 0; // 0: the title matched
-    };
-    QHash<qint64, Best> best;
-    QSqlQuery query(m_db.connection());
-    query.setForwardOnly(true);
-    // min() picks, per conversation, the row of its best match (bm25: lower is better).
-    if (!m_db.run(query,
-            QStringLiteral("SELECT m.conversation_id, f.rowid, min(f.rank) FROM messages_fts f"
-                           " JOIN messages m ON m.id = f.rowid JOIN conversations c ON c.id = m.conversation_id"
-                           " WHERE messages_fts MATCH ?")
-                + toolFilter + QStringLiteral(" GROUP BY m.conversation_id ORDER BY 3 LIMIT ?"),
-            { match, tool, tool, limit })) {
-        return {};
-    }
-    while (query.next()) {
-        best.insert(query.value(0).toLongLong(), { query.value(2).toDouble(), query.value(1).toLongLong() });
-    }
-    if (!m_db.run(query,
-            QStringLiteral("SELECT f.rowid, f.rank FROM titles_fts f JOIN conversations c ON c.id = f.rowid"
-                           " WHERE titles_fts MATCH ?")
-                + toolFilter + QStringLiteral(" ORDER BY f.rank LIMIT ?"),
-            { match, tool, tool, limit })) {
-        return {};
-    }
-    while (query.next()) {
-        const qint64 id = query.value(0).toLongLong();
-        const double rank = query.value(1).toDouble();
-        auto it = best.find(id);
-        if (it == best.end()) {
-            best.insert(id, { rank, 0 });
-        } else {
-            it->rank = std::min(it->rank, rank); // the message's passage stays the snippet
-        }
-    }
-    QList<std::pair<qint64, Best>> ordered;
-    for (auto it = best.cbegin(); it != best.cend(); ++it) {
-        ordered.append({ it.key(), it.value() });
-    }
-    std::sort(ordered.begin(), ordered.end(), [](const auto &a, const auto &b) {
-        return a.second.rank != b.second.rank ? a.second.rank < b.second.rank : a.first > b.first;
-    });
-    ordered.resize(std::min<qsizetype>(ordered.size(), limit));
-
-    QList<SearchHit> hits;
-    const QString start(SearchHit::matchStart);
-    const QString end(SearchHit::matchEnd);
-    for (const auto &[id, found] : ordered) {
-        const QList<ConversationRecord> record = readConversations(QStringLiteral("WHERE c.id = ?"), { id });
-        if (record.isEmpty()) {
-            continue;
-        }
-        const bool inMessage = found.messageId != 0;
-        const std::optional<QVariant> snippet = inMessage
-            ? m_db.value(QStringLiteral("SELECT snippet(messages_fts, -1, ?, ?, '\u2026', 16) FROM messages_fts"
-                                        " WHERE messages_fts MATCH ? AND rowid = ?"),
-                { start, end, match, found.messageId })
-            : m_db.value(QStringLiteral("SELECT highlight(titles_fts, 0, ?, ?) FROM titles_fts"
-                                        " WHERE titles_fts MATCH ? AND rowid = ?"),
-                { start, end, match, id });
-        hits.append({ record.first(), snippet ? snippet->toString() : QString() });
-    }
-    return hits;
 }
 
 } // namespace zentrik

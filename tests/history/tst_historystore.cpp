@@ -229,8 +229,12 @@ private Q_SLOTS:
         for (const ConversationRecord &record : historyfixture::variedConversations()) {
             QVERIFY(historyfixture::save(store, record));
         }
-        QCOMPARE(foundUids(store.search(query)), found);
+        const QList<SearchHit> hits = store.search(query);
+        QCOMPARE(foundUids(hits), found);
         QVERIFY2(store.error().isEmpty(), qPrintable(store.error()));
+        for (const SearchHit &hit : hits) {
+            QVERIFY2(hit.snippet.contains(SearchHit::matchStart), qPrintable(hit.snippet));
+        }
     }
 
     void searchRanksAndMarksMatches()
@@ -252,6 +256,28 @@ private Q_SLOTS:
         const QString marked = QString(SearchHit::matchStart) + QStringLiteral("segfault") + SearchHit::matchEnd;
         QVERIFY(hits.last().snippet.contains(marked));
         QCOMPARE(foundUids(store.search(QStringLiteral("segfault"), historytool::askMeAnything)), QStringList());
+    }
+
+    // A word in more messages than the ranking reads is ranked among its newest matches.
+    void veryCommonWordsRankTheNewestMatches()
+    {
+        HistoryStore store(path());
+        QVERIFY(store.open());
+        QList<ConversationRecord> conversations;
+        for (int c = 0; c < 30; ++c) {
+            ConversationRecord record = historyfixture::conversation(
+                QStringLiteral("c%1").arg(c, 2, 10, QLatin1Char('0')), historytool::askMeAnything, 1000 + c);
+            record.title = QStringLiteral("Conversation %1").arg(c);
+            for (int m = 0; m < 80; ++m) {
+                record.messages.append(historyfixture::message(QStringLiteral("c%1-%2").arg(c).arg(m),
+                    m % 2 ? MessageRole::assistant : MessageRole::user, QStringLiteral("a common word"), 1000 + c));
+            }
+            conversations.append(record);
+        }
+        QVERIFY(store.import(conversations));
+        const QStringList found = foundUids(store.search(QStringLiteral("common"), {}, 100));
+        QCOMPARE(found.size(), 25);
+        QVERIFY(!found.contains(QStringLiteral("c04")) && found.contains(QStringLiteral("c05")));
     }
 
     void deletedConversationLeavesSearchAndCanReturn()
