@@ -94,7 +94,6 @@ void ChatMessageListModel::setRecords(const QList<ChatMessageRecord> &records)
 {
     beginResetModel();
     m_entries.clear();
-    m_copiedId.clear();
     for (const ChatMessageRecord &record : records) {
         m_entries.push_back(makeEntry(record));
     }

@@ -6,9 +6,9 @@
 #include <QProcess>
 
 #include "history/historystore.h"
-#include "support/chunkline.h"
 #include "support/clirunner.h"
 #include "support/fakeprovider.h"
+#include "support/replies.h"
 #include "support/testregistry.h"
 
 using namespace std::chrono_literals;
@@ -16,11 +16,6 @@ using zentrik::test::CliFixture;
 using zentrik::test::ScriptedReply;
 
 namespace {
-
-QByteArray completion(const char *text)
-{
-    return QByteArray(R"({"choices":[{"index":0,"message":{"role":"assistant","content":")") + text + R"("}}]})";
-}
 
 QStringList sentConversation(const zentrik::test::RecordedRequest &request)
 {
@@ -55,7 +50,7 @@ private Q_SLOTS:
     void chatVerbsSaveAndContinue()
     {
         for (const char *reply : { "A1", "A2", "A3" }) {
-            m_cli->fake.enqueue("POST", "/v1/chat/completions", ScriptedReply::json(completion(reply)));
+            m_cli->fake.enqueue("POST", "/v1/chat/completions", ScriptedReply::json(zentrik::test::completion(reply)));
         }
         const QStringList model { "--model", "gpt-4o-mini" };
         QCOMPARE(runCli(QStringList { "ask", "Q1" } + model).exitCode, 0);
@@ -83,8 +78,9 @@ private Q_SLOTS:
 
     void historyVerbListsShowsSearchesExportsImportsAndDeletes()
     {
-        m_cli->fake.enqueue("POST", "/v1/chat/completions", ScriptedReply::json(completion("In the reeds.")));
-        m_cli->fake.enqueue("POST", "/v1/chat/completions", ScriptedReply::json(completion("Fine.")));
+        m_cli->fake.enqueue(
+            "POST", "/v1/chat/completions", ScriptedReply::json(zentrik::test::completion("In the reeds.")));
+        m_cli->fake.enqueue("POST", "/v1/chat/completions", ScriptedReply::json(zentrik::test::completion("Fine.")));
         QCOMPARE(runCli({ "ask", "--model", "gpt-4o-mini", "Where do herons nest?" }).exitCode, 0);
         QCOMPARE(runCli({ "ask", "--model", "gpt-4o-mini", "Something else" }).exitCode, 0);
 
@@ -145,7 +141,7 @@ private Q_SLOTS:
     // opens cleanly afterwards and holds every message saved before the kill.
     void killedMidStreamKeepsEverySavedMessage()
     {
-        m_cli->fake.enqueue("POST", "/v1/chat/completions", ScriptedReply::json(completion("A1")));
+        m_cli->fake.enqueue("POST", "/v1/chat/completions", ScriptedReply::json(zentrik::test::completion("A1")));
         QCOMPARE(runCli({ "ask", "--model", "gpt-4o-mini", "Q1" }).exitCode, 0);
         m_cli->fake.on("POST", "/v1/chat/completions",
             ScriptedReply::sse(

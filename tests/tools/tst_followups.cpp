@@ -1,6 +1,6 @@
-#include "model/providerfixture.h"
 #include "model/textrequest.h"
-#include "sse.h"
+#include "support/providerfixture.h"
+#include "support/replies.h"
 #include "support/storedhistory.h"
 #include "support/testregistry.h"
 #include "tools/askmeanythingviewmodel.h"
@@ -12,6 +12,7 @@
 #include <QtTest>
 
 using namespace zentrik;
+using test::ProviderFixture;
 using test::ScriptedReply;
 using namespace std::chrono_literals;
 
@@ -25,8 +26,8 @@ QStringList conversationOf(const QJsonDocument &request)
     for (const QJsonValue &value : request.object().value(QStringLiteral("messages")).toArray()) {
         const QJsonObject message = value.toObject();
         QJsonDocument single(QJsonObject { { QStringLiteral("messages"), QJsonArray { message } } });
-        messages.append(message.value(QStringLiteral("role")).toString() + QStringLiteral(": ")
-            + ssefixture::lastMessageText(single));
+        messages.append(
+            message.value(QStringLiteral("role")).toString() + QStringLiteral(": ") + test::lastMessageText(single));
     }
     return messages;
 }
@@ -55,12 +56,12 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("firstBody");
         QTest::addColumn<QStringList>("system");
         QTest::newRow("OpenAI, after the system message")
-            << "gpt-4o-mini" << QByteArray("/v1/chat/completions") << ssefixture::completion(QStringLiteral("Four."))
+            << "gpt-4o-mini" << QByteArray("/v1/chat/completions") << test::completion(QStringLiteral("Four."))
             << QByteArray(R"({"messages":[{"content":"You are a helpful assistant.","role":"system"},)"
                           R"({"content":"What is 2+2?","role":"user"}],"model":"gpt-4o-mini"})")
             << QStringList { QStringLiteral("system: You are a helpful assistant.") };
         QTest::newRow("Anthropic") << "claude-3-haiku-20240307" << QByteArray("/v1/messages")
-                                   << ssefixture::anthropicReply(QStringLiteral("Four."))
+                                   << test::anthropicReply(QStringLiteral("Four."))
                                    << QByteArray(R"({"max_tokens":1024,"messages":[{"content":"What is 2+2?",)"
                                                  R"("role":"user"}],"model":"claude-3-haiku-20240307"})")
                                    << QStringList();
@@ -97,7 +98,7 @@ private Q_SLOTS:
     void openRouterBodyCarriesEarlierMessages()
     {
         ProviderFixture fixture;
-        fixture.fake->on("POST", "/api/v1/chat/completions", ScriptedReply::json(ssefixture::completion("ok")));
+        fixture.fake->on("POST", "/api/v1/chat/completions", ScriptedReply::json(test::completion("ok")));
         const QList<ChatMessage> earlier { ChatMessage(ChatMessage::Role::user, QStringLiteral("Q1")),
             ChatMessage(ChatMessage::Role::assistant, QStringLiteral("A1")) };
         for (const QList<ChatMessage> &carried : { QList<ChatMessage>(), earlier }) {
@@ -120,7 +121,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("ok")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("ok")), test::doneLine }));
         test::StoredHistory history;
         DevToolViewModel vm;
         vm.setApiManager(fixture.manager.get());
@@ -177,7 +178,7 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::json(ssefixture::completion("A")));
+        fixture.fake->on("POST", "/v1/chat/completions", ScriptedReply::json(test::completion("A")));
         test::StoredHistory history;
         history.service->setSendEarlierMessages(false);
         history.service->setKeepHistory(false);
@@ -203,7 +204,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         for (const char *reply : { "A1", "A2", "A2 again", "A3" }) {
-            fixture.fake->enqueue("POST", "/v1/chat/completions", ScriptedReply::json(ssefixture::completion(reply)));
+            fixture.fake->enqueue("POST", "/v1/chat/completions", ScriptedReply::json(test::completion(reply)));
         }
         test::StoredHistory history;
         QString id;
@@ -232,7 +233,7 @@ private Q_SLOTS:
         QVERIFY(vm.canRegenerate());
         vm.regenerate();
         QTRY_VERIFY(!vm.isProcessing());
-        QCOMPARE(ssefixture::lastMessageText(fixture.fake->lastRequest().json()), QStringLiteral("Q2"));
+        QCOMPARE(test::lastMessageText(fixture.fake->lastRequest().json()), QStringLiteral("Q2"));
         QCOMPARE(history.texts(), (QStringList { "Q1", "A1", "Q2", "A2 again" }));
 
         vm.editLastQuestion();
@@ -249,11 +250,11 @@ private Q_SLOTS:
     {
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
-        ScriptedReply slow = ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Partial ")),
-                                                    ssefixture::chunk(QStringLiteral("never")), ssefixture::done },
+        ScriptedReply slow = ScriptedReply::sse(
+            { test::chunkLine(QStringLiteral("Partial ")), test::chunkLine(QStringLiteral("never")), test::doneLine },
             3000ms);
         fixture.fake->enqueue("POST", "/v1/chat/completions", slow);
-        ScriptedReply cut = ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Cut ")) });
+        ScriptedReply cut = ScriptedReply::sse({ test::chunkLine(QStringLiteral("Cut ")) });
         cut.ending = ScriptedReply::Ending::CloseEarly;
         fixture.fake->enqueue("POST", "/v1/chat/completions", cut);
         test::StoredHistory history;
@@ -280,7 +281,7 @@ private Q_SLOTS:
         ProviderFixture fixture;
         fixture.use(QStringLiteral("gpt-4o-mini"));
         fixture.fake->on("POST", "/v1/chat/completions",
-            ScriptedReply::sse({ ssefixture::chunk(QStringLiteral("Wake up happy.")), ssefixture::done }));
+            ScriptedReply::sse({ test::chunkLine(QStringLiteral("Wake up happy.")), test::doneLine }));
         test::StoredHistory history;
         GeneratorViewModel vm;
         vm.setApiManager(fixture.manager.get());
@@ -296,7 +297,7 @@ private Q_SLOTS:
         QCOMPARE(run.generator->assistant, vm.selectedTitle());
         QCOMPARE(run.generator->fields.value(label), QStringLiteral("Quokka order 4711"));
         QCOMPARE(run.messages.first().text, label + QStringLiteral(": Quokka order 4711"));
-        QCOMPARE(run.messages.first().sent, ssefixture::lastMessageText(fixture.fake->lastRequest().json()));
+        QCOMPARE(run.messages.first().sent, test::lastMessageText(fixture.fake->lastRequest().json()));
         QCOMPARE(run.messages.last().text, QStringLiteral("Wake up happy."));
 
         GeneratorViewModel reopened;
