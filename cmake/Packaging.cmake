@@ -69,6 +69,9 @@ set(zentrik_runtime_depends
   qml6-module-qt-labs-folderlistmodel
   # the xcb platform plugin, without which no window opens
   qt6-qpa-plugins
+  # the SQLite driver the conversation history is read and written through (a plugin, so
+  # dpkg-shlibdeps does not see it)
+  libqt6sql6-sqlite
   # recording: Qt Multimedia's GStreamer backend needs the PulseAudio source, the MPEG-4
   # muxer and an AAC encoder
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad

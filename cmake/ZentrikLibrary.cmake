@@ -1,7 +1,7 @@
 # One library per folder under src/, linked strictly downward. The rank of a folder is
 # its position in this list; a library may link only libraries of a lower rank, and
 # folders that share a rank (the rows of the architecture picture) never link each other.
-set(ZENTRIK_LAYERS "net" "settings" "chat|fal" "model" "privacy|render" "tools|voice" "pdf" "app|cli")
+set(ZENTRIK_LAYERS "net" "settings" "chat|fal" "model" "privacy|render|history" "tools|voice" "pdf" "app|cli")
 
 function(_zentrik_rank folder out)
   set(rank 0)

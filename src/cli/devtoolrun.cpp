@@ -1,17 +1,29 @@
 #include "devtoolrun.h"
 
 #include "clisession.h"
+#include "runhistory.h"
 #include "verb.h"
 
 #include "tools/devtoolviewmodel.h"
 
 namespace zentrik::cli {
 
-int runDevTool(APIManager &manager, const QString &tool, const QString &suggestion, const QString &text)
+int runDevTool(
+    APIManager &manager, RunHistory &history, const QString &tool, const QString &suggestion, const QString &text)
 {
     DevToolViewModel devTool;
     devTool.setApiManager(&manager);
     devTool.setTool(tool);
+    devTool.setHistory(&history.service());
+    const auto continued = history.conversationToContinue(tool);
+    if (const int *exit = std::get_if<int>(&continued)) {
+        return *exit;
+    }
+    if (const std::optional<QString> &reference = std::get<std::optional<QString>>(continued)) {
+        if (auto exit = openStoredConversation(devTool, *reference)) {
+            return *exit;
+        }
+    }
     devTool.setSelectedSuggestion(suggestion);
     devTool.setInput(text);
 
@@ -44,6 +56,8 @@ int runDevToolVerb(const DevToolVerb &verb, const QStringList &arguments)
     parser.addOption(verb.choice);
     const ModelOptions modelOptions;
     modelOptions.addTo(parser);
+    const HistoryOptions historyOptions;
+    historyOptions.addTo(parser);
     parser.addPositionalArgument(QStringLiteral("TEXT"), verb.textHelp);
     if (auto exit = parseArguments(parser, verb.name, arguments)) {
         return *exit;
@@ -54,6 +68,10 @@ int runDevToolVerb(const DevToolVerb &verb, const QStringList &arguments)
     }
     const std::variant<QString, int> choice = verb.choose(parser);
     if (const int *exit = std::get_if<int>(&choice)) {
+        return *exit;
+    }
+    auto history = RunHistory::create(parser, historyOptions, verb.name);
+    if (const int *exit = std::get_if<int>(&history)) {
         return *exit;
     }
     const std::optional<QString> text = textArgument(positional);
@@ -67,7 +85,8 @@ int runDevToolVerb(const DevToolVerb &verb, const QStringList &arguments)
     if (!manager) {
         return exitFailure;
     }
-    return runDevTool(*manager, verb.tool, std::get<QString>(choice), *text);
+    return runDevTool(
+        *manager, *std::get<std::unique_ptr<RunHistory>>(history), verb.tool, std::get<QString>(choice), *text);
 }
 
 } // namespace zentrik::cli

@@ -14,9 +14,13 @@ class APIManager;
 
 namespace zentrik::cli {
 
+class RunHistory;
+
 // One send of the Code Debugger ("debugger") or the Sample Data Generator ("sampleData"),
-// printing the reply as it streams (or in one piece for the models that do not stream).
-int runDevTool(APIManager &manager, const QString &tool, const QString &suggestion, const QString &text);
+// printing the reply as it streams (or in one piece for the models that do not stream),
+// saved in the history and going on with a stored conversation when the options say so.
+int runDevTool(
+    APIManager &manager, RunHistory &history, const QString &tool, const QString &suggestion, const QString &text);
 
 // What sets the two developer-tool verbs apart; the rest of their command line is the same.
 struct DevToolVerb

@@ -1,6 +1,7 @@
 // zentrik-cli ask: one send of Ask Me Anything. Waits for the whole reply as the window
 // does, or streams it with --stream.
 #include "clisession.h"
+#include "runhistory.h"
 #include "verb.h"
 #include "verbs.h"
 
@@ -33,21 +34,19 @@ public:
     { }
 
 protected:
-    void request(const QString &prompt) override
+    void request(const Turn &turn, const QString &prompt, const QList<ChatMessage> &earlier) override
     {
         apiManager()->streamText(
-            prompt, this,
+            prompt, earlier, this,
             [this](const QString &piece) {
                 m_received += piece;
                 m_printer.update(m_received);
             },
-            [this](const std::optional<APIError> &error) {
+            [this, turn](const std::optional<APIError> &error) {
                 if (error) {
                     setErrorMessage(error->message());
-                } else {
-                    messages()->append(ChatMessageRecord::Role::assistant, m_received);
                 }
-                setProcessing(false);
+                finishTurn(turn, m_received, error ? MessageEnding::failed : MessageEnding::complete);
             });
     }
 
@@ -74,6 +73,8 @@ int runAsk(const QStringList &arguments)
     modelOptions.addTo(parser);
     const SendOption sendOption;
     sendOption.addTo(parser);
+    const HistoryOptions historyOptions;
+    historyOptions.addTo(parser);
     parser.addPositionalArgument(QStringLiteral("TEXT"), QStringLiteral("The question; - or nothing reads stdin."));
     if (auto exit = parseArguments(parser, verbName, arguments)) {
         return *exit;
@@ -95,6 +96,11 @@ int runAsk(const QStringList &arguments)
     if (const int *exit = std::get_if<int>(&send)) {
         return *exit;
     }
+    auto created = RunHistory::create(parser, historyOptions, verbName);
+    if (const int *exit = std::get_if<int>(&created)) {
+        return *exit;
+    }
+    const std::unique_ptr<RunHistory> history = std::move(std::get<std::unique_ptr<RunHistory>>(created));
     const std::optional<QString> input = textArgument(positional);
     if (!input) {
         return exitFailure;
@@ -112,6 +118,16 @@ int runAsk(const QStringList &arguments)
         ? std::make_unique<StreamedAsk>(printer)
         : std::make_unique<AskMeAnythingViewModel>();
     chat->setApiManager(manager.get());
+    chat->setHistory(&history->service());
+    const auto continued = history->conversationToContinue(chat->historyTool());
+    if (const int *exit = std::get_if<int>(&continued)) {
+        return *exit;
+    }
+    if (const std::optional<QString> &reference = std::get<std::optional<QString>>(continued)) {
+        if (auto exit = openStoredConversation(*chat, *reference)) {
+            return *exit;
+        }
+    }
     if (suggestion) {
         chat->setSelectedSuggestion(suggestion->label);
     }

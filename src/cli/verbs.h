@@ -10,6 +10,7 @@ namespace zentrik::cli {
 [[nodiscard]] Verb configVerb();
 [[nodiscard]] Verb debugVerb();
 [[nodiscard]] Verb generateVerb();
+[[nodiscard]] Verb historyVerb();
 [[nodiscard]] Verb imageVerb();
 [[nodiscard]] Verb keysVerb();
 [[nodiscard]] Verb markdownVerb();

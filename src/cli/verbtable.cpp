@@ -25,6 +25,7 @@ const std::vector<Verb> &verbs()
         configVerb(),
         debugVerb(),
         generateVerb(),
+        historyVerb(),
         imageVerb(),
         keysVerb(),
         markdownVerb(),

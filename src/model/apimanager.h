@@ -118,11 +118,17 @@ public:
     // to the completion: exactly once, on this object's thread, never from inside this call
     // and never after `context` (when given) is destroyed.
     void generateText(const QString &prompt, QObject *context, TextCompletion completion);
+    // The same, with the earlier messages of the conversation sent before the prompt.
+    void generateText(
+        const QString &prompt, const QList<ChatMessage> &earlier, QObject *context, TextCompletion completion);
     // Streams the reply to the prompt from the selected text model: each piece of text as it
     // arrives, then the completion once. ":free" models go through `llmChat` to OpenRouter,
     // the OpenAI models through a chat client bound to OpenAI and `openAIKey`, the Anthropic
     // models through Anthropic's streamed messages.
     StreamId streamText(const QString &prompt, QObject *context, StreamPiece onPiece, StreamCompletion completion);
+    // The same, with the earlier messages of the conversation sent before the prompt.
+    StreamId streamText(const QString &prompt, const QList<ChatMessage> &earlier, QObject *context, StreamPiece onPiece,
+        StreamCompletion completion);
     // Ends a stream: no further piece arrives, and its completion runs at once, before this
     // returns, as a normal end. Pieces already delivered stay delivered. Unknown ids (streams
     // that have already ended) are ignored.

@@ -126,6 +126,12 @@ void APIManager::deliverLater(QObject *context, std::function<void()> deliver)
 
 void APIManager::generateText(const QString &prompt, QObject *context, TextCompletion completion)
 {
+    generateText(prompt, {}, context, std::move(completion));
+}
+
+void APIManager::generateText(
+    const QString &prompt, const QList<ChatMessage> &earlier, QObject *context, TextCompletion completion)
+{
     auto routed = routeText(m_selectedTextModel);
     if (const auto *error = std::get_if<APIError>(&routed)) {
         deliverLater(context, [completion, error = *error] { completion(error); });
@@ -133,8 +139,8 @@ void APIManager::generateText(const QString &prompt, QObject *context, TextCompl
     }
     const TextRoute &route = std::get<TextRoute>(routed);
     HttpRequest request = route.provider == TextProvider::custom
-        ? TextRequest::buildOpenAICompatible(route.endpoint, route.model, prompt, route.key)
-        : TextRequest::build(route.provider, route.model, prompt, route.key);
+        ? TextRequest::buildOpenAICompatible(route.endpoint, route.model, prompt, route.key, earlier)
+        : TextRequest::build(route.provider, route.model, prompt, route.key, false, earlier);
     m_http->send(std::move(request), context,
         [provider = route.provider, key = route.key, completion = std::move(completion)](const HttpResult &result) {
             TextResult reply = TextRequest::read(provider, result);
@@ -150,6 +156,12 @@ void APIManager::generateText(const QString &prompt, QObject *context, TextCompl
 
 APIManager::StreamId APIManager::streamText(
     const QString &prompt, QObject *context, StreamPiece onPiece, StreamCompletion completion)
+{
+    return streamText(prompt, {}, context, std::move(onPiece), std::move(completion));
+}
+
+APIManager::StreamId APIManager::streamText(const QString &prompt, const QList<ChatMessage> &earlier, QObject *context,
+    StreamPiece onPiece, StreamCompletion completion)
 {
     auto stream = std::make_shared<ActiveStream>();
     stream->id = m_nextStreamId++;
@@ -214,8 +226,8 @@ APIManager::StreamId APIManager::streamText(
             const AnthropicStreamDecoder::Event end = decoder->endOfInput();
             finishStream(id, end.error ? std::optional<APIError>(toAPIError(*end.error)) : std::nullopt);
         };
-        stream->call = m_http->stream(
-            TextRequest::build(route.provider, route.model, prompt, route.key, true), context, std::move(handlers));
+        stream->call = m_http->stream(TextRequest::build(route.provider, route.model, prompt, route.key, true, earlier),
+            context, std::move(handlers));
         return id;
     }
 
@@ -232,7 +244,8 @@ APIManager::StreamId APIManager::streamText(
     handlers.onFinished = [this, id](const std::optional<ChatError> &error) {
         finishStream(id, error ? std::optional<APIError>(toAPIError(*error)) : std::nullopt);
     };
-    const QList<ChatMessage> messages { ChatMessage(ChatMessage::Role::user, prompt) };
+    QList<ChatMessage> messages = earlier;
+    messages.append(ChatMessage(ChatMessage::Role::user, prompt));
     stream->call = client.stream(route.model, messages, ChatOptions {}, context, std::move(handlers));
     return id;
 }

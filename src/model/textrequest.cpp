@@ -17,6 +17,21 @@ QJsonObject message(const char *role, const QString &content)
     return { { QStringLiteral("role"), QLatin1String(role) }, { QStringLiteral("content"), content } };
 }
 
+// The earlier messages, then the prompt as the user's message, after `messages`.
+QJsonArray conversation(const QList<ChatMessage> &earlier, const QString &prompt, QJsonArray messages = {})
+{
+    for (const ChatMessage &earlierMessage : earlier) {
+        QString text;
+        for (const ChatMessage::Content &part : earlierMessage.content) {
+            text += part.text;
+        }
+        messages.append(QJsonObject { { QStringLiteral("role"), ChatMessage::roleName(earlierMessage.role) },
+            { QStringLiteral("content"), text } });
+    }
+    messages.append(message("user", prompt));
+    return messages;
+}
+
 QString providerName(TextProvider provider)
 {
     switch (provider) {
@@ -86,8 +101,8 @@ QUrl TextRequest::endpoint(TextProvider provider)
     return {};
 }
 
-HttpRequest TextRequest::buildOpenAICompatible(
-    const QUrl &endpoint, const QString &model, const QString &prompt, const QString &key)
+HttpRequest TextRequest::buildOpenAICompatible(const QUrl &endpoint, const QString &model, const QString &prompt,
+    const QString &key, const QList<ChatMessage> &earlier)
 {
     HttpRequest request;
     request.method = QByteArrayLiteral("POST");
@@ -98,17 +113,17 @@ HttpRequest TextRequest::buildOpenAICompatible(
     }
     const QJsonObject body { { QStringLiteral("model"), model },
         { QStringLiteral("messages"),
-            QJsonArray {
-                message("system", QStringLiteral("You are a helpful assistant.")), message("user", prompt) } } };
+            conversation(
+                earlier, prompt, QJsonArray { message("system", QStringLiteral("You are a helpful assistant.")) }) } };
     request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
     return request;
 }
 
-HttpRequest TextRequest::build(
-    TextProvider provider, const QString &model, const QString &prompt, const QString &key, bool stream)
+HttpRequest TextRequest::build(TextProvider provider, const QString &model, const QString &prompt, const QString &key,
+    bool stream, const QList<ChatMessage> &earlier)
 {
     if (provider == TextProvider::openAI || provider == TextProvider::custom) {
-        return buildOpenAICompatible(endpoint(provider), model, prompt, key);
+        return buildOpenAICompatible(endpoint(provider), model, prompt, key, earlier);
     }
     HttpRequest request;
     request.method = QByteArrayLiteral("POST");
@@ -123,14 +138,14 @@ HttpRequest TextRequest::build(
         request.headers.append({ QByteArrayLiteral("x-api-key"), key.toUtf8() });
         request.headers.append({ QByteArrayLiteral("anthropic-version"), QByteArrayLiteral("2023-06-01") });
         body.insert(QStringLiteral("max_tokens"), anthropicMaxTokens);
-        body.insert(QStringLiteral("messages"), QJsonArray { message("user", prompt) });
+        body.insert(QStringLiteral("messages"), conversation(earlier, prompt));
         if (stream) {
             body.insert(QStringLiteral("stream"), true);
         }
         break;
     case TextProvider::openRouter:
         request.headers.append({ QByteArrayLiteral("Authorization"), "Bearer " + key.toUtf8() });
-        body.insert(QStringLiteral("messages"), QJsonArray { message("user", prompt) });
+        body.insert(QStringLiteral("messages"), conversation(earlier, prompt));
         break;
     }
     request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);

@@ -5,6 +5,7 @@
 
 #include <variant>
 
+#include "chat/chatmessage.h"
 #include "model/apierror.h"
 #include "model/providerrouting.h"
 #include "net/httprequest.h"
@@ -22,13 +23,15 @@ public:
 
     [[nodiscard]] static QUrl endpoint(TextProvider provider);
     // The request for one prompt; `stream` asks Anthropic for its streamed messages (the same
-    // body plus "stream": true) and is ignored for the other providers.
-    [[nodiscard]] static HttpRequest build(
-        TextProvider provider, const QString &model, const QString &prompt, const QString &key, bool stream = false);
-    // The OpenAI request shape (a system message, then the prompt) for any OpenAI-compatible
-    // endpoint; no Authorization header when there is no key.
-    [[nodiscard]] static HttpRequest buildOpenAICompatible(
-        const QUrl &endpoint, const QString &model, const QString &prompt, const QString &key);
+    // body plus "stream": true) and is ignored for the other providers. The earlier messages of
+    // the conversation, when there are any, go before the prompt (after OpenAI's system
+    // message); without them the body is exactly the one-prompt body.
+    [[nodiscard]] static HttpRequest build(TextProvider provider, const QString &model, const QString &prompt,
+        const QString &key, bool stream = false, const QList<ChatMessage> &earlier = {});
+    // The OpenAI request shape (a system message, the earlier messages, then the prompt) for any
+    // OpenAI-compatible endpoint; no Authorization header when there is no key.
+    [[nodiscard]] static HttpRequest buildOpenAICompatible(const QUrl &endpoint, const QString &model,
+        const QString &prompt, const QString &key, const QList<ChatMessage> &earlier = {});
     // Reads the answer in the common order: transport failure, no body, a body that is not
     // JSON, no reply where the provider puts it.
     [[nodiscard]] static std::variant<QString, APIError> read(TextProvider provider, const HttpResult &result);

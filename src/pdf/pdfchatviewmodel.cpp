@@ -1,6 +1,11 @@
 #include "pdf/pdfchatviewmodel.h"
 
+#include "history/historytools.h"
 #include "privacy/piimanager.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
 
 namespace zentrik {
 
@@ -13,20 +18,50 @@ bool PdfChatViewModel::open(const QUrl &url)
     return openFile(url.isLocalFile() ? url.toLocalFile() : url.toString());
 }
 
+namespace {
+
+QString sha256Of(const QString &path)
+{
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)) {
+        return {};
+    }
+    return QString::fromLatin1(hash.result().toHex());
+}
+
+} // namespace
+
+QString PdfChatViewModel::historyTool() const
+{
+    return historytool::pdfChat;
+}
+
 bool PdfChatViewModel::openFile(const QString &path)
+{
+    const bool continues = !m_awaitedHash.isEmpty() && sha256Of(path) == m_awaitedHash;
+    return openDocument(path, continues);
+}
+
+bool PdfChatViewModel::openDocument(const QString &path, bool keepConversation)
 {
     PdfText text = extractPdfText(path);
     if (!text.ok()) {
         setDocumentError(text.message());
         return false;
     }
+    if (!keepConversation) {
+        newChat();
+    }
+    m_awaitedHash.clear();
     m_text = std::move(text);
-    m_source = QUrl::fromLocalFile(path);
+    m_source = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
+    m_documentHash = sha256Of(path);
     m_summary.reset();
     m_summaryMarkdown.clear();
-    messages()->clear();
     setErrorMessage(QString());
     setDocumentError(QString());
+    setDocumentNotice(QString());
     Q_EMIT documentChanged();
     Q_EMIT summaryChanged();
     setCurrentPage(0);
@@ -84,7 +119,9 @@ void PdfChatViewModel::send()
         m_pendingQuestion = question;
         return;
     }
-    deliverPrompt(question, prompt);
+    ChatMessageRecord record;
+    record.content = question;
+    deliverPrompt(record, prompt);
 }
 
 void PdfChatViewModel::summarize()
@@ -110,7 +147,9 @@ void PdfChatViewModel::sendOriginal()
     piiAlertVM()->setShowAlert(false);
     const Pending pending = std::exchange(m_pending, Pending::none);
     if (pending == Pending::question) {
-        deliverPrompt(m_pendingQuestion, piiAlertVM()->originalMessage());
+        ChatMessageRecord record;
+        record.content = m_pendingQuestion;
+        deliverPrompt(record, piiAlertVM()->originalMessage());
     } else if (pending == Pending::summary) {
         requestSummary(piiAlertVM()->originalMessage());
     }
@@ -121,7 +160,12 @@ void PdfChatViewModel::sendRedacted()
     piiAlertVM()->setShowAlert(false);
     const Pending pending = std::exchange(m_pending, Pending::none);
     if (pending == Pending::question) {
-        deliverPrompt(PIIManager::redact(m_pendingQuestion), piiAlertVM()->redactedMessage());
+        // The question goes into the history as sent, without the document's text: a
+        // follow-up carries the earlier questions, and only the newest carries the pages.
+        ChatMessageRecord record;
+        record.content = PIIManager::redact(m_pendingQuestion);
+        record.typed = m_pendingQuestion;
+        deliverPrompt(record, piiAlertVM()->redactedMessage());
     } else if (pending == Pending::summary) {
         requestSummary(piiAlertVM()->redactedMessage());
     }
@@ -145,6 +189,52 @@ void PdfChatViewModel::requestSummary(const QString &prompt)
         m_summaryMarkdown = m_summary ? QString() : reply;
         Q_EMIT summaryChanged();
     });
+}
+
+void PdfChatViewModel::resend(int row)
+{
+    // The document's pages go with the question again, so it is sent as a new one would be.
+    const QString question = messages()->at(row).typedText();
+    dropFrom(row);
+    setNewMessage(question);
+    send();
+}
+
+void PdfChatViewModel::describeConversation(ConversationRecord &conversation) const
+{
+    conversation.pdfPath = m_source.toLocalFile();
+    conversation.pdfSha256 = m_documentHash;
+}
+
+void PdfChatViewModel::adoptConversation(const ConversationRecord &conversation)
+{
+    const QString path = conversation.pdfPath;
+    if (path.isEmpty()) {
+        return;
+    }
+    if (!QFileInfo::exists(path)) {
+        m_source.clear();
+        m_text = {};
+        m_documentHash.clear();
+        m_awaitedHash = conversation.pdfSha256;
+        Q_EMIT documentChanged();
+        setDocumentNotice(tr("The PDF is no longer at %1; open it again to go on.").arg(path));
+        return;
+    }
+    const bool changed = sha256Of(path) != conversation.pdfSha256;
+    if (openDocument(path, true) && changed) {
+        setDocumentNotice(tr("%1 has changed since this conversation; answers now come from its current text.")
+                              .arg(QFileInfo(path).fileName()));
+    }
+}
+
+void PdfChatViewModel::setDocumentNotice(const QString &notice)
+{
+    if (m_documentNotice == notice) {
+        return;
+    }
+    m_documentNotice = notice;
+    Q_EMIT documentNoticeChanged();
 }
 
 void PdfChatViewModel::setDocumentError(const QString &message)

@@ -1,5 +1,6 @@
 #include "tools/askmeanythingviewmodel.h"
 
+#include "history/historytools.h"
 #include "privacy/piialertviewmodel.h"
 #include "tools/chatmessagelistmodel.h"
 #include "tools/conversationsuggestions.h"
@@ -44,12 +45,9 @@ QStringList AskMeAnythingViewModel::suggestions()
     return labels;
 }
 
-std::optional<QString> AskMeAnythingViewModel::validate(const QString & /*text*/) const
+QString AskMeAnythingViewModel::historyTool() const
 {
-    if (!apiManager()) {
-        return tr("Please select a text model in Settings.");
-    }
-    return apiManager()->preflightMessage();
+    return historytool::askMeAnything;
 }
 
 void AskMeAnythingViewModel::send()
@@ -65,7 +63,7 @@ void AskMeAnythingViewModel::send()
     if (m_piiAlert->checkForPII(trimmed)) {
         return; // the input stays until the user chooses
     }
-    deliver(trimmed);
+    deliver(trimmed, trimmed);
 }
 
 void AskMeAnythingViewModel::sendOriginal()
@@ -73,7 +71,7 @@ void AskMeAnythingViewModel::sendOriginal()
     m_piiAlert->setShowAlert(false);
     const QString trimmed = m_newMessage.trimmed();
     if (!trimmed.isEmpty() && !isProcessing()) {
-        deliver(trimmed);
+        deliver(trimmed, trimmed);
     }
 }
 
@@ -81,7 +79,7 @@ void AskMeAnythingViewModel::sendRedacted()
 {
     m_piiAlert->setShowAlert(false);
     if (!m_piiAlert->redactedMessage().isEmpty() && !isProcessing()) {
-        deliver(m_piiAlert->redactedMessage());
+        deliver(m_newMessage.trimmed(), m_piiAlert->redactedMessage());
     }
 }
 
@@ -91,34 +89,50 @@ QString AskMeAnythingViewModel::composePrompt(const QString &text) const
     return suggestion ? suggestion->prompt + text : text;
 }
 
-void AskMeAnythingViewModel::deliver(const QString &text)
+void AskMeAnythingViewModel::deliver(const QString &typed, const QString &text)
 {
-    deliverPrompt(text, composePrompt(text));
+    ChatMessageRecord question;
+    question.content = text;
+    question.typed = typed;
+    question.sent = composePrompt(text);
+    deliverPrompt(question, question.sent);
 }
 
-void AskMeAnythingViewModel::deliverPrompt(const QString &shown, const QString &prompt)
+void AskMeAnythingViewModel::deliverPrompt(ChatMessageRecord question, const QString &prompt)
 {
-    messages()->append(ChatMessageRecord::Role::user, shown);
+    QList<ChatMessage> earlier;
+    const Turn turn = beginTurn(std::move(question), earlier);
     setNewMessage(QString());
     setProcessing(true);
     setErrorMessage(QString());
-    request(prompt);
+    request(turn, prompt, earlier);
 }
 
-void AskMeAnythingViewModel::request(const QString &prompt)
+void AskMeAnythingViewModel::request(const Turn &turn, const QString &prompt, const QList<ChatMessage> &earlier)
 {
     if (!apiManager()) {
-        setProcessing(false);
+        finishTurn(turn, QString(), MessageEnding::complete);
         return;
     }
-    apiManager()->generateText(prompt, this, [this](const TextResult &result) {
+    apiManager()->generateText(prompt, earlier, this, [this, turn](const TextResult &result) {
         if (const auto *reply = std::get_if<QString>(&result)) {
-            messages()->append(ChatMessageRecord::Role::assistant, *reply);
+            finishTurn(turn, *reply, MessageEnding::complete);
         } else {
-            showRequestError(std::get<APIError>(result));
+            finishTurn(turn, QString(), MessageEnding::complete, std::get<APIError>(result));
         }
-        setProcessing(false);
     });
+}
+
+void AskMeAnythingViewModel::restoreInput(const ChatMessageRecord &question)
+{
+    setNewMessage(question.typedText());
+    QString suggestion;
+    for (const ConversationSuggestion &candidate : askMeAnythingSuggestions()) {
+        if (!question.sent.isEmpty() && question.sent.startsWith(candidate.prompt)) {
+            suggestion = candidate.label;
+        }
+    }
+    setSelectedSuggestion(suggestion);
 }
 
 } // namespace zentrik

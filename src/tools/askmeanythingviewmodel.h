@@ -10,7 +10,7 @@ namespace zentrik {
 
 // The general chat. Each send validates the model choice, asks about personal information
 // when the redacted copy differs, puts the chosen suggestion's prefix before the text and
-// waits for the whole reply. The model sees only that one prompt, not the conversation.
+// waits for the whole reply. A follow-up carries the earlier exchanges as they were sent.
 class AskMeAnythingViewModel : public zentrik::ChatToolViewModel
 {
     Q_OBJECT
@@ -40,6 +40,8 @@ public:
     Q_INVOKABLE virtual void sendOriginal();
     Q_INVOKABLE virtual void sendRedacted();
 
+    [[nodiscard]] QString historyTool() const override;
+
 Q_SIGNALS:
     void newMessageChanged();
     void selectedSuggestionChanged();
@@ -48,13 +50,13 @@ protected:
     // The prompt that goes out for the text the user chose to send.
     [[nodiscard]] virtual QString composePrompt(const QString &text) const;
     // Runs the request for the composed prompt; the reply becomes an assistant message.
-    virtual void request(const QString &prompt);
-    // Validation before anything is sent; the message to show, or nothing.
-    [[nodiscard]] virtual std::optional<QString> validate(const QString &text) const;
+    void request(const Turn &turn, const QString &prompt, const QList<ChatMessage> &earlier) override;
+    void restoreInput(const ChatMessageRecord &question) override;
 
-    void deliver(const QString &text);
-    // Shows `shown` as the user's message, clears the input and sends `prompt`.
-    void deliverPrompt(const QString &shown, const QString &prompt);
+    // Sends `text` (the typed text, or its redacted copy) for the question as typed.
+    void deliver(const QString &typed, const QString &text);
+    // Shows the question, clears the input and sends `prompt` with the earlier messages.
+    void deliverPrompt(ChatMessageRecord question, const QString &prompt);
 
 private:
     QString m_newMessage;

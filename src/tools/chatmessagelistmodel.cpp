@@ -3,6 +3,7 @@
 #include "render/markdownmodel.h"
 #include "render/markdownstrip.h"
 
+#include <QDateTime>
 #include <QUuid>
 
 namespace zentrik {
@@ -52,21 +53,63 @@ QHash<int, QByteArray> ChatMessageListModel::roleNames() const
         { IsRuleRole, "isRule" }, { SymbolRole, "symbol" }, { IsStoppedRole, "isStopped" } };
 }
 
+ChatMessageListModel::Entry ChatMessageListModel::makeEntry(ChatMessageRecord record)
+{
+    if (record.id.isEmpty()) {
+        record.id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    }
+    if (record.timeMs == 0) {
+        record.timeMs = QDateTime::currentMSecsSinceEpoch();
+    }
+    ChatMessageListModel::Entry entry;
+    if (record.role == ChatMessageRecord::Role::assistant) {
+        entry.blocks = std::make_unique<MarkdownModel>();
+        entry.blocks->setText(record.content);
+        entry.isRule = matchesRulePattern(record.content);
+    }
+    entry.record = std::move(record);
+    return entry;
+}
+
 QString ChatMessageListModel::append(ChatMessageRecord::Role role, const QString &content, bool stopped)
 {
-    Entry entry;
-    entry.record = { QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), role, content, stopped };
-    if (role == ChatMessageRecord::Role::assistant) {
-        entry.blocks = std::make_unique<MarkdownModel>();
-        entry.blocks->setText(content);
-        entry.isRule = matchesRulePattern(content);
-    }
+    ChatMessageRecord record;
+    record.role = role;
+    record.content = content;
+    record.stopped = stopped;
+    return append(std::move(record)).id;
+}
+
+const ChatMessageRecord &ChatMessageListModel::append(ChatMessageRecord record)
+{
     const int row = int(m_entries.size());
     beginInsertRows({}, row, row);
-    m_entries.push_back(std::move(entry));
+    m_entries.push_back(makeEntry(std::move(record)));
     endInsertRows();
     Q_EMIT countChanged();
-    return m_entries.back().record.id;
+    return m_entries.back().record;
+}
+
+void ChatMessageListModel::setRecords(const QList<ChatMessageRecord> &records)
+{
+    beginResetModel();
+    m_entries.clear();
+    for (const ChatMessageRecord &record : records) {
+        m_entries.push_back(makeEntry(record));
+    }
+    endResetModel();
+    Q_EMIT countChanged();
+}
+
+void ChatMessageListModel::removeFrom(int row)
+{
+    if (row < 0 || row >= count()) {
+        return;
+    }
+    beginRemoveRows({}, row, count() - 1);
+    m_entries.erase(m_entries.begin() + row, m_entries.end());
+    endRemoveRows();
+    Q_EMIT countChanged();
 }
 
 void ChatMessageListModel::clear()

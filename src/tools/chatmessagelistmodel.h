@@ -22,6 +22,17 @@ struct ChatMessageRecord
     QString content;
     // A reply the user stopped before it was complete.
     bool stopped = false;
+    // A reply cut off by a failure, kept with the text that had arrived.
+    bool failed = false;
+    // What the user typed and what went to the model, when they differ from the content
+    // shown (a suggestion's prompt before it, a redacted copy); empty when they do not.
+    QString typed;
+    QString sent;
+    QString model; // the model that was selected
+    qint64 timeMs = 0; // when it was shown, in milliseconds since the epoch
+
+    [[nodiscard]] const QString &typedText() const { return typed.isEmpty() ? content : typed; }
+    [[nodiscard]] const QString &sentText() const { return sent.isEmpty() ? content : sent; }
 };
 using AskMeMessage = ChatMessageRecord;
 using DebuggerMessage = ChatMessageRecord;
@@ -56,6 +67,13 @@ public:
 
     // Appends a message with a fresh id and returns that id.
     QString append(ChatMessageRecord::Role role, const QString &content, bool stopped = false);
+    // Appends the message, giving it an id and the current time where it has none; returns
+    // the message as appended.
+    const ChatMessageRecord &append(ChatMessageRecord record);
+    // Replaces every message (a conversation opened from the history).
+    void setRecords(const QList<ChatMessageRecord> &records);
+    // Removes the messages from `row` to the end.
+    void removeFrom(int row);
     void clear();
 
     [[nodiscard]] int count() const { return int(m_entries.size()); }
@@ -71,6 +89,7 @@ private:
         std::unique_ptr<MarkdownModel> blocks;
         bool isRule = false;
     };
+    [[nodiscard]] static Entry makeEntry(ChatMessageRecord record);
     std::vector<Entry> m_entries;
 };
 

@@ -37,6 +37,7 @@ void DevToolViewModel::setTool(const QString &tool)
     }
     m_tool = tool;
     m_selected = nullptr;
+    historyToolChanged();
     Q_EMIT toolChanged();
     Q_EMIT selectedSuggestionChanged();
     Q_EMIT buttonTextChanged();
@@ -123,22 +124,28 @@ void DevToolViewModel::send()
         setErrorMessage(*problem);
         return;
     }
-    const QString message = composeMessage(typed);
-    messages()->append(ChatMessageRecord::Role::user, message);
+    ChatMessageRecord question;
+    question.content = composeMessage(typed);
+    question.typed = typed;
+    question.sent = PIIManager::redact(question.content);
+    QList<ChatMessage> earlier;
+    const Turn turn = beginTurn(question, earlier);
     setInput(QString());
     setSelectedSuggestion(QString());
     setProcessing(true);
     setErrorMessage(QString());
+    request(turn, question.sent, earlier);
+}
 
-    const QString outgoing = PIIManager::redact(message);
-    if (!streamsReplies(apiManager()->selectedTextModel())) {
-        apiManager()->generateText(outgoing, this, [this](const TextResult &result) {
+void DevToolViewModel::request(const Turn &turn, const QString &prompt, const QList<ChatMessage> &earlier)
+{
+    if (!streamsReplies(turn.model)) {
+        apiManager()->generateText(prompt, earlier, this, [this, turn](const TextResult &result) {
             if (const auto *reply = std::get_if<QString>(&result)) {
-                messages()->append(ChatMessageRecord::Role::assistant, *reply);
+                finishTurn(turn, *reply, MessageEnding::complete);
             } else {
-                showRequestError(std::get<APIError>(result));
+                finishTurn(turn, QString(), MessageEnding::complete, std::get<APIError>(result));
             }
-            setProcessing(false);
         });
         return;
     }
@@ -146,8 +153,9 @@ void DevToolViewModel::send()
     Q_EMIT streamedContentChanged();
     setStreaming(true);
     m_stopRequested = false;
+    m_streamTurn = turn;
     m_stream = apiManager()->streamText(
-        outgoing, this, [this](const QString &piece) { m_coalescer->append(piece); },
+        prompt, earlier, this, [this](const QString &piece) { m_coalescer->append(piece); },
         [this](const std::optional<APIError> &error) { finishStream(error); });
 }
 
@@ -155,17 +163,32 @@ void DevToolViewModel::finishStream(const std::optional<APIError> &error)
 {
     m_stream = 0;
     m_coalescer->flush();
-    // What arrived stays visible, whether the stream ended, was stopped or failed.
-    if (!m_streamedContent.isEmpty()) {
-        messages()->append(ChatMessageRecord::Role::assistant, m_streamedContent, m_stopRequested && !error);
-        m_streamedContent.clear();
-        Q_EMIT streamedContentChanged();
-    }
-    if (error) {
-        showRequestError(*error);
-    }
+    // What arrived stays, whether the stream ended, was stopped or failed.
+    const QString reply = std::exchange(m_streamedContent, QString());
+    Q_EMIT streamedContentChanged();
+    const MessageEnding ending = error ? MessageEnding::failed
+        : m_stopRequested              ? MessageEnding::stopped
+                                       : MessageEnding::complete;
     setStreaming(false);
-    setProcessing(false);
+    finishTurn(m_streamTurn, reply, ending, error);
+}
+
+void DevToolViewModel::restoreInput(const ChatMessageRecord &question)
+{
+    const QString typed = question.typedText();
+    const ConversationSuggestion *chosen = nullptr;
+    for (const ConversationSuggestion &suggestion : table()) {
+        if (question.content == suggestion.prompt + QStringLiteral("\n\n") + typed) {
+            chosen = &suggestion;
+        }
+    }
+    setInput(typed);
+    setSelectedSuggestion(chosen ? chosen->label : QString());
+}
+
+void DevToolViewModel::leaveConversation()
+{
+    stop(); // the part that arrived is kept, marked as stopped
 }
 
 void DevToolViewModel::stop()

@@ -12,7 +12,8 @@ struct ConversationSuggestion;
 
 // The Code Debugger ("debugger") and the Sample Data Generator ("sampleData"). A send shows
 // the message as typed, sends its redacted copy without asking, and streams the reply for
-// the free and OpenAI models (the others answer in one piece).
+// the free and OpenAI models (the others answer in one piece). A follow-up carries the
+// earlier exchanges as they were sent.
 class DevToolViewModel : public zentrik::ChatToolViewModel
 {
     Q_OBJECT
@@ -56,6 +57,8 @@ public:
     // Ids that contain ":free" or start with "gpt-" stream; the others answer in one piece.
     [[nodiscard]] static bool streamsReplies(const QString &modelId);
 
+    [[nodiscard]] QString historyTool() const override { return m_tool; }
+
 Q_SIGNALS:
     void toolChanged();
     void inputChanged();
@@ -63,6 +66,11 @@ Q_SIGNALS:
     void isStreamingChanged();
     void streamedContentChanged();
     void buttonTextChanged();
+
+protected:
+    void request(const Turn &turn, const QString &prompt, const QList<ChatMessage> &earlier) override;
+    void restoreInput(const ChatMessageRecord &question) override;
+    void leaveConversation() override;
 
 private:
     [[nodiscard]] const QList<ConversationSuggestion> &table() const;
@@ -75,6 +83,7 @@ private:
     bool m_isStreaming = false;
     QString m_streamedContent;
     APIManager::StreamId m_stream = 0;
+    Turn m_streamTurn;
     bool m_stopRequested = false;
     StreamCoalescer *m_coalescer;
 };

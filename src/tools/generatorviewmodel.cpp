@@ -214,6 +214,7 @@ void GeneratorViewModel::send(const QString &prompt)
     Q_EMIT outputChanged();
     setErrorMessage(QString());
     setGenerating(true, true);
+    saveRunStart(prompt);
     m_stream = m_apiManager->streamText(
         prompt, this, [this](const QString &piece) { m_coalescer->append(piece); },
         [this](const std::optional<APIError> &error) { finish(error); });
@@ -234,6 +235,7 @@ void GeneratorViewModel::finish(const std::optional<APIError> &error)
         m_wasStopped = true;
         Q_EMIT outputChanged();
     }
+    saveRunReply(error ? MessageEnding::failed : m_wasStopped ? MessageEnding::stopped : MessageEnding::complete);
     setGenerating(false, false);
     if (error) {
         setErrorMessage(tr("Failed to generate content: ") + error->message() + error->detailsLine(),

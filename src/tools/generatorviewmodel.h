@@ -1,5 +1,6 @@
 #pragma once
 
+#include "history/historyservice.h"
 #include "model/apimanager.h"
 #include "privacy/piialertviewmodel.h"
 #include "render/markdownmodel.h"
@@ -50,6 +51,10 @@ class GeneratorViewModel : public QObject
     Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)
     Q_PROPERTY(zentrik::PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
     Q_PROPERTY(bool canGenerate READ canGenerate NOTIFY canGenerateChanged FINAL)
+    // Where each run is saved (assistant, fields, prompt and reply); none keeps nothing.
+    Q_PROPERTY(HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
+    // The stored id of the run on screen; empty when it is not saved.
+    Q_PROPERTY(QString runId READ runId NOTIFY runIdChanged FINAL)
 
 public:
     explicit GeneratorViewModel(QObject *parent = nullptr);
@@ -97,6 +102,15 @@ public:
     // Stops a running generation, keeping the text shown so far, with no error.
     Q_INVOKABLE void stop();
 
+    [[nodiscard]] HistoryService *history() const { return m_history; }
+    void setHistory(HistoryService *history);
+    [[nodiscard]] QString runId() const { return m_run.uid; }
+    // Shows a stored run of this family: its assistant, fields and reply; runOpened() follows.
+    Q_INVOKABLE void openRun(const QString &id);
+    // The form's values as the history keeps them: one "label: value" line per field of the
+    // selected assistant that has a value, in the prompt's order.
+    [[nodiscard]] QString fieldsText() const;
+
 Q_SIGNALS:
     void apiManagerChanged();
     void familyChanged();
@@ -108,8 +122,14 @@ Q_SIGNALS:
     void isStreamingChanged();
     void errorMessageChanged();
     void canGenerateChanged();
+    void historyChanged();
+    void runIdChanged();
+    void runOpened(bool succeeded);
 
 private:
+    // Saves the run's form and prompt as it starts, and its reply as it ends.
+    void saveRunStart(const QString &prompt);
+    void saveRunReply(MessageEnding ending);
     void send(const QString &prompt);
     void appendOutput(const QString &text);
     void finish(const std::optional<APIError> &error);
@@ -133,6 +153,9 @@ private:
     MarkdownModel *m_outputBlocks;
     PiiAlertViewModel *m_piiAlert;
     StreamCoalescer *m_coalescer;
+    QPointer<HistoryService> m_history;
+    ConversationRecord m_run; // the run on screen as stored; uid empty when not saved
+    QString m_runModel;
 };
 
 } // namespace zentrik

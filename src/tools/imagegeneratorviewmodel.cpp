@@ -118,7 +118,7 @@ void ImageGeneratorViewModel::generate()
     setGenerating(true);
     m_apiManager->generateImage(
         m_prompt, this,
-        [this, generation](const ImageResult &result) {
+        [this, generation, prompt = m_prompt, model = m_apiManager->selectedImageModel()](const ImageResult &result) {
             if (generation != m_generation) {
                 return;
             }
@@ -130,7 +130,7 @@ void ImageGeneratorViewModel::generate()
                     opensSettings);
                 return;
             }
-            showPicture(std::get<QString>(result), generation);
+            showPicture(std::get<QString>(result), generation, prompt, model);
         },
         [this, generation](const fal::QueueStatus &status) {
             if (generation != m_generation || !m_isGenerating) {
@@ -144,7 +144,8 @@ void ImageGeneratorViewModel::generate()
         });
 }
 
-void ImageGeneratorViewModel::showPicture(const QString &address, quint64 generation)
+void ImageGeneratorViewModel::showPicture(
+    const QString &address, quint64 generation, const QString &prompt, const QString &model)
 {
     setProgress(tr("Loading image…"), -1);
     if (m_apiManager.isNull()) {
@@ -152,7 +153,7 @@ void ImageGeneratorViewModel::showPicture(const QString &address, quint64 genera
         return;
     }
     ImageLoader::load(m_apiManager->httpClient(), address, m_cache.path(), this,
-        [this, generation](const ImageLoader::Result &result) {
+        [this, generation, prompt, model](const ImageLoader::Result &result) {
             if (generation != m_generation) {
                 return;
             }
@@ -167,6 +168,9 @@ void ImageGeneratorViewModel::showPicture(const QString &address, quint64 genera
             Q_EMIT imageChanged();
             setProgress({}, -1);
             setGenerating(false);
+            if (!prompt.isEmpty()) {
+                saveRun(prompt, model);
+            }
         });
 }
 

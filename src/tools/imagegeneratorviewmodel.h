@@ -1,5 +1,6 @@
 #pragma once
 
+#include "history/historyservice.h"
 #include "model/apimanager.h"
 
 #include <QObject>
@@ -46,6 +47,8 @@ class ImageGeneratorViewModel : public QObject
     Q_PROPERTY(QString suggestedFileName READ suggestedFileName CONSTANT FINAL)
     // Where the save dialog proposes to write: the suggested name in the user's pictures folder.
     Q_PROPERTY(QUrl suggestedFileUrl READ suggestedFileUrl CONSTANT FINAL)
+    // Where each picture is saved with its prompt and model; none keeps nothing.
+    Q_PROPERTY(HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
 
 public:
     enum class ImageSize { small, medium, large };
@@ -92,6 +95,11 @@ public:
     // a path). A failure shows "Failed to save image: " and the reason.
     Q_INVOKABLE bool save(const QUrl &file);
 
+    [[nodiscard]] HistoryService *history() const { return m_history; }
+    void setHistory(HistoryService *history);
+    // Shows a stored run: its prompt and the kept picture; runOpened() follows.
+    Q_INVOKABLE void openRun(const QString &id);
+
 Q_SIGNALS:
     void apiManagerChanged();
     void promptChanged();
@@ -107,15 +115,19 @@ Q_SIGNALS:
     void copyRequested(const QString &text);
     // The picture was written to path.
     void saved(const QString &path);
+    void historyChanged();
+    void runOpened(bool succeeded);
 
 private:
     // Which key the selected model needs, for a missing-key message.
     [[nodiscard]] QString neededKeyHint() const;
     void finishWithError(const QString &message, bool opensSettings = false);
-    void showPicture(const QString &address, quint64 generation);
+    // Shows the picture; a generation's picture (with its prompt) is also saved in the history.
+    void showPicture(const QString &address, quint64 generation, const QString &prompt = {}, const QString &model = {});
     void setGenerating(bool generating);
     void setProgress(const QString &text, int queuePosition);
     void setErrorMessage(const QString &message, bool opensSettings = false);
+    void saveRun(const QString &prompt, const QString &model);
 
     QPointer<APIManager> m_apiManager;
     QString m_prompt;
@@ -132,6 +144,7 @@ private:
     // Identifies the generation whose answers still count.
     quint64 m_generation = 0;
     QTemporaryDir m_cache;
+    QPointer<HistoryService> m_history;
 };
 
 } // namespace zentrik

@@ -64,6 +64,35 @@ private Q_SLOTS:
         QVERIFY(sent.contains("--- Page 2 ---"));
     }
 
+    // A follow-up about the same document carries the earlier question (without the pages)
+    // and answer; a moved document is found again only as the same bytes.
+    void askContinuesAStoredConversation()
+    {
+        const QString file = m_dir.filePath("hours.pdf");
+        QVERIFY(pdffixtures::writeTextPdf(file, { "Intro", "The office opens at nine" }));
+        reply("At nine (page 2).");
+        reply("At five.");
+        reply("Never.");
+        QCOMPARE(runCli({ "pdf", "ask", file, "When does it open?", "--model", "gpt-4o-mini" }).exitCode, 0);
+        QCOMPARE(runCli({ "pdf", "ask", "--continue-last", "And close?", "--model", "gpt-4o-mini" }).exitCode, 0);
+        const QJsonArray messages = m_cli->fake.lastRequest().json().object().value("messages").toArray();
+        QCOMPARE(messages.size(), 4);
+        QCOMPARE(messages.at(1).toObject().value("content").toString(), "When does it open?");
+        QCOMPARE(messages.at(2).toObject().value("content").toString(), "At nine (page 2).");
+        QVERIFY(messages.at(3).toObject().value("content").toString().contains("--- Page 2 ---"));
+
+        const QString moved = m_dir.filePath("moved.pdf");
+        QVERIFY(QFile::rename(file, moved));
+        const CliText lost = runCli({ "pdf", "ask", "--continue-last", "Why?", "--model", "gpt-4o-mini" });
+        QCOMPARE(lost.exitCode, 1);
+        QVERIFY2(lost.err.contains("is no longer at"), qPrintable(lost.err));
+        const QString other = m_dir.filePath("other.pdf");
+        QVERIFY(pdffixtures::writeTextPdf(other, { "Something else" }));
+        QVERIFY(runCli({ "pdf", "ask", "--continue-last", other, "Why?" }).err.contains("is not the PDF"));
+        QCOMPARE(runCli({ "pdf", "ask", "--continue-last", moved, "Why?", "--model", "gpt-4o-mini" }).exitCode, 0);
+        QCOMPARE(m_cli->fake.lastRequest().json().object().value("messages").toArray().size(), 6);
+    }
+
     void problems_data()
     {
         QTest::addColumn<QStringList>("arguments");

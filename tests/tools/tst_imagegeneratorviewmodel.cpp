@@ -1,6 +1,7 @@
 #include "model/imagecodec.h"
 #include "support/picture.h"
 #include "support/providerfixture.h"
+#include "support/storedhistory.h"
 #include "support/testregistry.h"
 #include "tools/imagegeneratorviewmodel.h"
 
@@ -81,6 +82,42 @@ private Q_SLOTS:
         QVERIFY(vm.imageUrl().isLocalFile());
         QVERIFY(QFileInfo::exists(vm.imageUrl().toLocalFile()));
         QCOMPARE(vm.selectedSize(), ImageGeneratorViewModel::ImageSize::small);
+    }
+
+    // Each picture is saved with its prompt and model; the history keeps its own copy, which
+    // a stored run shows again.
+    void keepsEachRunInTheHistory()
+    {
+        ProviderFixture fixture(QStringLiteral("DALL-E"));
+        scriptOpenAI(fixture, onFake(fixture, "/images/dalle.png"));
+        fixture.fake->on("GET", "/images/dalle.png", pictureReply(test::picture("PNG", 64, 48)));
+        test::StoredHistory history;
+        ImageGeneratorViewModel vm;
+        vm.setApiManager(fixture.manager.get());
+        vm.setHistory(history.service.get());
+        vm.setPrompt(QStringLiteral("A lighthouse at dawn"));
+        vm.generate();
+        QVERIFY(idle(vm));
+        const QList<ConversationRecord> runs = history.conversations();
+        QCOMPARE(runs.size(), 1);
+        QCOMPARE(runs.first().image->model, QStringLiteral("DALL-E"));
+        QCOMPARE(runs.first().messages.first().text, QStringLiteral("A lighthouse at dawn"));
+        QFile kept(runs.first().image->picturePath);
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), vm.imagePng());
+        QCOMPARE(kept.permissions() & (QFile::ReadOther | QFile::ReadGroup), QFile::Permissions());
+
+        ImageGeneratorViewModel reopened;
+        reopened.setApiManager(fixture.manager.get());
+        reopened.setHistory(history.service.get());
+        QSignalSpy opened(&reopened, &ImageGeneratorViewModel::runOpened);
+        reopened.openRun(runs.first().uid);
+        QVERIFY(opened.wait());
+        QVERIFY(idle(reopened));
+        QCOMPARE(reopened.prompt(), QStringLiteral("A lighthouse at dawn"));
+        QVERIFY2(reopened.errorMessage().isEmpty(), qPrintable(reopened.errorMessage()));
+        QCOMPARE(reopened.imageSize(), QSize(64, 48));
+        QCOMPARE(history.conversations().size(), 1); // showing it again saves nothing new
     }
 
     void enablesGenerateOnlyWithAPromptAndNothingUnderWay_data()

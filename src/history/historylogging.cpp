@@ -1,0 +1,5 @@
+#include "history/historylogging.h"
+
+namespace zentrik {
+Q_LOGGING_CATEGORY(lcHistory, "zentrik.history")
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+namespace zentrik {
+Q_DECLARE_LOGGING_CATEGORY(lcHistory)
+}
