@@ -237,7 +237,7 @@ void IncrementalRenderer::cutTail(
         && lastSpan.startLine < cuts.lineCount()) {
         if (auto code = OpenCodeBlock::open(m_text, tailStart + cuts.lineStart(lastSpan.startLine + 1), renderEnd(),
                 lastSpan.fenceChar, lastSpan.fenceLength)) {
-            m_lastBlock.write(std::move(*code));
+            m_lastBlock.write(*code);
         }
     } else if (lastSpan.kind == SourceSpan::Kind::Paragraph && lastSpan.startLine >= 1
         && lastSpan.endLine == cuts.lineCount()) {

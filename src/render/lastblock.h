@@ -35,7 +35,7 @@ public:
     };
 
     [[nodiscard]] bool isOpen() const { return !std::holds_alternative<std::monostate>(m_block); }
-    void write(OpenCodeBlock code) { m_block = std::move(code); }
+    void write(OpenCodeBlock code) { m_block = code; }
     void write(OpenParagraph paragraph) { m_block = std::move(paragraph); }
     void close() { m_block = std::monostate(); }
     // The markers of the list whose last item the paragraph is in.

@@ -13,7 +13,7 @@ namespace zentrik {
 class PlainTextBlocks
 {
 public:
-    static constexpr qsizetype blockLength = 64 * 1024;
+    static constexpr qsizetype blockLength = qsizetype(64) * 1024;
 
     // The plain text begins at `from` in the reply, in a block of its own.
     explicit PlainTextBlocks(qsizetype from)
