@@ -1,4 +1,4 @@
-#include "model/settingsviewmodel.h"
+#include "app/settingsviewmodel.h"
 
 #include "model/apimanager.h"
 #include "model/modelcatalog.h"

@@ -1,4 +1,4 @@
-#include "model/networksettingsform.h"
+#include "app/networksettingsform.h"
 
 #include "model/networkpreferences.h"
 #include "settings/preferences.h"

@@ -1,4 +1,4 @@
-#include "model/providersettings.h"
+#include "app/providersettings.h"
 
 #include "model/apimanager.h"
 

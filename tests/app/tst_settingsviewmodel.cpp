@@ -1,6 +1,6 @@
+#include "app/settingsviewmodel.h"
 #include "model/apimanager.h"
 #include "model/providerrouting.h"
-#include "model/settingsviewmodel.h"
 #include "support/childtest.h"
 #include "support/environment.h"
 #include "support/hungsecretservice.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/networksettingsform.h"
-#include "model/providersettings.h"
+#include "app/networksettingsform.h"
+#include "app/providersettings.h"
 #include "settings/keyservice.h"
 #include "settings/preferences.h"
 
