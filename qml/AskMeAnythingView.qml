@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -31,14 +33,12 @@ ChatPage {
         onToggled: label => chat.toggleSuggestion(label)
     }
 
-    Repeater {
-        model: chat.messages
-        ChatMessageDelegate {
-            Layout.fillWidth: true
-        }
+    messages: chat.messages
+    messageDelegate: ChatMessageDelegate {
+        width: page.contentWidth
     }
 
-    BusyIndicator {
+    tail: BusyIndicator {
         running: chat.isAIProcessing
         visible: running
     }

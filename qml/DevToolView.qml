@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -43,14 +45,12 @@ ChatPage {
         onToggled: label => devTool.toggleSuggestion(label)
     }
 
-    Repeater {
-        model: devTool.messages
-        ChatMessageDelegate {
-            Layout.fillWidth: true
-        }
+    messages: devTool.messages
+    messageDelegate: ChatMessageDelegate {
+        width: page.contentWidth
     }
 
-    ChatMessageDelegate {
+    tail: ChatMessageDelegate {
         objectName: "streamingMessage"
         Layout.fillWidth: true
         visible: devTool.isStreaming && devTool.streamedContent.length > 0

@@ -63,13 +63,11 @@ ChatPage {
         chat: panel.chat
     }
 
-    Repeater {
-        model: panel.chat.messages
-        ChatMessageDelegate {
-            Layout.fillWidth: true
-            citedPages: role === "assistant" ? panel.chat.citedPages(content) : []
-            onPageLinkActivated: number => panel.pageRequested(number)
-        }
+    messages: panel.chat.messages
+    messageDelegate: ChatMessageDelegate {
+        width: panel.contentWidth
+        citedPages: role === "assistant" ? panel.chat.citedPages(content) : []
+        onPageLinkActivated: number => panel.pageRequested(number)
     }
 
     footer: [

@@ -92,9 +92,13 @@ void scrollIntoView(QQuickItem *item)
         if (!content) {
             continue;
         }
+        // A list's content starts at originY, which moves as it estimates unseen rows again.
+        const auto number = [ancestor](const char *name) { return ancestor->property(name).toReal(); };
         const QPointF centre = item->mapToItem(content, QPointF(item->width() / 2, item->height() / 2));
-        const qreal maxY = qMax(0.0, ancestor->property("contentHeight").toReal() - ancestor->height());
-        ancestor->setProperty("contentY", qBound(0.0, centre.y() - ancestor->height() / 2, maxY));
+        const qreal minY = number("originY") - number("topMargin");
+        const qreal maxY
+            = qMax(minY, number("originY") + number("contentHeight") + number("bottomMargin") - ancestor->height());
+        ancestor->setProperty("contentY", qBound(minY, centre.y() - ancestor->height() / 2, maxY));
     }
 }
 
@@ -107,7 +111,8 @@ bool waitForFrame(QQuickWindow *window)
 
 bool click(QQuickItem *item)
 {
-    if (!item || !item->window()) {
+    // A list view puts its header and its rows into the window a moment after making them.
+    if (!item || !QTest::qWaitFor([item] { return item->window() != nullptr && item->isVisible(); }, 2000)) {
         return false;
     }
     // Layouts settle when a frame is prepared; only then do positions hold.
