@@ -47,7 +47,7 @@ int runGenerate(const QStringList &arguments)
     if (const int *exit = std::get_if<int>(&continued)) {
         return *exit;
     }
-    const std::optional<QString> &reference = std::get<std::optional<QString>>(continued);
+    const auto &reference = std::get<std::optional<QString>>(continued);
     if (positional.size() > 1 || (positional.isEmpty() && !reference)) {
         return usageError(verbName, QStringLiteral("give exactly one assistant title (quote a title with spaces)"));
     }

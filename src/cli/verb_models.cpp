@@ -85,7 +85,7 @@ int runModels(const QStringList &arguments)
     }
     const auto custom = splitCustomModelId(textModel);
     const bool isCustom
-        = custom && providers.find(custom->first) && providers.find(custom->first)->serves(custom->second);
+        = custom && providers.find(custom->first) != nullptr && providers.find(custom->first)->serves(custom->second);
     if (!isCustom
         && !std::any_of(ModelCatalog::textModels().begin(), ModelCatalog::textModels().end(),
             [&](const AIModel &m) { return m.id == textModel; })) {

@@ -157,7 +157,7 @@ ConversationRecord readConversation(const QJsonObject &object, const QString &wh
         read.fail(QStringLiteral("%1: 'messages' is not a list").arg(where));
     }
     int index = 0;
-    for (const QJsonValue &message : messages.toArray()) {
+    for (const QJsonValue message : messages.toArray()) {
         ++index;
         conversation.messages.append(
             readMessage(message.toObject(), QStringLiteral("%1, message %2").arg(where).arg(index), read));
@@ -254,7 +254,7 @@ std::variant<QList<ConversationRecord>, QString> fromJson(const QByteArray &json
     Reader read(error);
     QList<ConversationRecord> conversations;
     int index = 0;
-    for (const QJsonValue &value : root.value(QLatin1String("conversations")).toArray()) {
+    for (const QJsonValue value : root.value(QLatin1String("conversations")).toArray()) {
         ++index;
         conversations.append(readConversation(value.toObject(), QStringLiteral("conversation %1").arg(index), read));
         if (read.failed()) {

@@ -109,7 +109,7 @@ QList<SearchHit> HistoryStore::search(const QString &text, const QString &tool, 
     QHash<qint64, ConversationRecord> records;
     for (ConversationRecord &record :
         readConversations(QStringLiteral("WHERE c.id IN (%1)").arg(integerList(conversations)), {})) {
-        records.insert(record.number, std::move(record));
+        records.emplace(record.number, std::move(record));
     }
     QHash<qint64, QString> passages;
     if (!m_db.run(query,

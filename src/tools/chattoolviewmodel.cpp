@@ -95,7 +95,7 @@ void ChatToolViewModel::setProcessing(bool processing)
     Q_EMIT isProcessingChanged();
 }
 
-std::optional<QString> ChatToolViewModel::validate(const QString &) const
+std::optional<QString> ChatToolViewModel::validate(const QString & /*text*/) const
 {
     if (!m_apiManager) {
         return tr("Please select a text model in Settings.");
