@@ -2,11 +2,13 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QThread>
 
 #include <atomic>
 #include <cerrno>
@@ -34,6 +36,22 @@ QString overrideDirectory()
 QString lockPath(const QString &file)
 {
     return file + QStringLiteral(".lock");
+}
+
+// QLockFile::tryLock(timeout) doubles its sleep after each miss (100 ms, 200 ms, … up to 6.4 s), so
+// among many writers one that missed a few times sleeps through every chance it gets and
+// gives up while the others come and go. Asking again every few milliseconds keeps the
+// waiters equal; each holder keeps the lock for milliseconds.
+bool lockWithin(QLockFile &lock, int timeoutMs)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (!lock.tryLock(0)) {
+        if (lock.error() != QLockFile::LockFailedError || deadline.hasExpired()) {
+            return false;
+        }
+        QThread::msleep(5);
+    }
+    return true;
 }
 
 // What must survive the round trip through the file: QSettings gives back text for every
@@ -154,7 +172,7 @@ bool Preferences::update(const std::function<bool(QVariantMap &values)> &edit)
     }
 
     QLockFile lock(lockPath(path));
-    if (!lock.tryLock(lockWaitMs)) {
+    if (!lockWithin(lock, lockWaitMs)) {
         m_errorString = lock.error() == QLockFile::LockFailedError
             ? QCoreApplication::translate("zentrik", "%1 stayed locked by another Zentrik process").arg(path)
             : QCoreApplication::translate("zentrik", "cannot lock %1 for writing").arg(path);
