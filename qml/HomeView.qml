@@ -15,6 +15,12 @@ ScrollingPage {
         navigation: home.navigation
     }
 
+    LocalServerOffers {
+        Layout.fillWidth: true
+        Layout.topMargin: 16
+        navigation: home.navigation
+    }
+
     AgentShowcase {
         Layout.fillWidth: true
         Layout.topMargin: 16

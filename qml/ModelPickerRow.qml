@@ -9,12 +9,21 @@ RowLayout {
 
     property var entry: ({})
     property bool showDetail: false
+    // Puts a custom model's provider before its name, where no group heading shows it.
+    property bool showGroup: false
 
     spacing: 8
 
     EmojiBadge {
         visible: (row.entry.icon ?? "").length > 0
         badge: row.entry.icon ?? ""
+    }
+
+    Label {
+        visible: row.showGroup && (row.entry.group ?? "").length > 0
+        text: (row.entry.group ?? "") + " ·"
+        color: Theme.secondaryTextColor
+        font.pixelSize: 14
     }
 
     Label {

@@ -3,7 +3,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Zentrik
 
-// API keys and model choices. Nothing is written until Save.
+// API keys, model choices, custom providers and the network. Nothing is written until Save,
+// except the providers, which change at once.
 ScrollingPage {
     id: page
 
@@ -87,6 +88,14 @@ ScrollingPage {
             color: Theme.secondaryTextColor
             wrapMode: Text.Wrap
         }
+    }
+
+    ProvidersSection {
+        providers: settingsModel.providers
+    }
+
+    NetworkSection {
+        settings: settingsModel
     }
 
     HowItWorksSection {

@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QVariantMap>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -15,6 +16,8 @@ class Preferences;
 class NetworkSettingsForm : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The settings screen hands out its network form")
     Q_PROPERTY(QString proxyMode READ proxyMode WRITE setProxyMode NOTIFY changed FINAL)
     Q_PROPERTY(QString proxyType READ proxyType WRITE setProxyType NOTIFY changed FINAL)
     Q_PROPERTY(QString proxyHost READ proxyHost WRITE setProxyHost NOTIFY changed FINAL)

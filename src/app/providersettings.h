@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QVariantList>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -16,6 +17,8 @@ class LocalServerDetector;
 class ProviderSettings : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The settings screen hands out its providers")
     Q_PROPERTY(QVariantList providers READ providers NOTIFY providersChanged FINAL)
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged FINAL)
     Q_PROPERTY(QString message READ message NOTIFY messageChanged FINAL)

@@ -4,6 +4,7 @@
 #include "app/sidebarmodel.h"
 #include "app/theme.h"
 #include "buildconfig.h"
+#include "model/apimanager.h"
 #include "tools/assistantcatalogue.h"
 
 #include <QCommandLineParser>
@@ -92,7 +93,22 @@ bool ZentrikApp::load()
         qCCritical(lcApp) << "The main window could not be created";
         return false;
     }
+    // Asking the local ports waits for the first frame, so that it never delays it; the
+    // requests themselves go out without blocking. frameSwapped comes from the render thread.
+    connect(m_window, &QQuickWindow::frameSwapped, this, &ZentrikApp::detectLocalServers,
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     return true;
+}
+
+void ZentrikApp::detectLocalServers()
+{
+    if (!m_engine) {
+        return;
+    }
+    auto *manager = m_engine->singletonInstance<APIManager *>(qmlTypeId("Zentrik.Model", 1, 0, "APIManager"));
+    if (manager != nullptr) {
+        manager->localServers()->detect();
+    }
 }
 
 void ZentrikApp::openAtStart(const QString &destination)

@@ -49,6 +49,7 @@ public:
 
 private:
     void tourScreens();
+    void detectLocalServers();
 
     // Declared before the engine, which goes first and takes every binding to it along.
     ContentViewModel m_navigation;

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QUrl>
 #include <QVariantList>
+#include <QtQmlIntegration>
 
 #include <chrono>
 #include <functional>
@@ -22,6 +23,8 @@ class HttpClient;
 class LocalServerDetector : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("APIManager hands out its detector")
     Q_PROPERTY(QVariantList offers READ offerList NOTIFY offersChanged FINAL)
     Q_PROPERTY(bool detecting READ detecting NOTIFY detectingChanged FINAL)
 

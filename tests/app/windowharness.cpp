@@ -207,6 +207,9 @@ WindowTestEnvironment::WindowTestEnvironment()
 {
     m_environment.set(LicenseGate::urlVariable, QString());
     m_environment.set("TMPDIR", m_tmp.path());
+    // No window test asks the real local model servers' ports; a test that wants an offer
+    // names its own.
+    m_environment.set("ZENTRIK_LOCAL_SERVERS", QString());
     for (const char *variable :
         { "ZENTRIK_OPENAI_BASE_URL", "ZENTRIK_ANTHROPIC_BASE_URL", "ZENTRIK_OPENROUTER_BASE_URL",
             "ZENTRIK_TOGETHER_BASE_URL", "ZENTRIK_FAL_QUEUE_URL", "ZENTRIK_FAL_REST_URL" }) {
