@@ -23,7 +23,7 @@ AppDialog {
 
     Label {
         width: parent.width
-        text: qsTr("\"%1\" and its stored key will be removed. Replies it is writing stop.").arg(dialog.providerName)
+        text: qsTr("\"%1\" and its stored key will be removed; a reply it is writing stops where it is.").arg(dialog.providerName)
         wrapMode: Text.Wrap
     }
 

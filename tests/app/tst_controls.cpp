@@ -170,7 +170,8 @@ private Q_SLOTS:
         QTRY_VERIFY(findItem(window, QStringLiteral("settingsView")));
         QVERIFY(waitForFrame(window));
         const QImage before = window->grabWindow().copy(0, 0, 240, 120);
-        for (const QString &name : { QStringLiteral("textModelPicker"), QStringLiteral("imageModelPicker") }) {
+        for (const QString &name : { QStringLiteral("textModelPicker"), QStringLiteral("imageModelPicker"),
+                 QStringLiteral("proxyModePicker"), QStringLiteral("transcriptionProviderPicker") }) {
             QQuickItem *picker = findItem(window, name);
             QVERIFY2(click(picker), qPrintable(name));
             QObject *list = popupOf(picker);

@@ -133,6 +133,7 @@ private Q_SLOTS:
         QTRY_VERIFY(findItem(window, QStringLiteral("customProvider:Box.remove")));
         QVERIFY(click(findItem(window, QStringLiteral("customProvider:Box.remove"))));
         QTRY_VERIFY(findObject(window, QStringLiteral("removeProviderDialog"))->property("opened").toBool());
+        saveScreenshots(window, QStringLiteral("settings-remove-provider") + theme);
         QVERIFY(click(findItem(window, QStringLiteral("confirmRemoveProviderButton"))));
         QTRY_VERIFY(!findItem(window, QStringLiteral("customProvider:Box")));
         QVERIFY(apiManagerOf(*app)->customProviders().list().isEmpty());
@@ -202,6 +203,11 @@ private Q_SLOTS:
         QVERIFY(click(findItem(window, QStringLiteral("darkModeSwitch"))));
         scrollIntoView(findItem(window, QStringLiteral("networkSection")));
         saveScreenshots(window, QStringLiteral("settings-network-dark"));
+        QVERIFY(click(findItem(window, QStringLiteral("chooseCaFileButton"))));
+        QTRY_VERIFY(openFileDialog(window));
+        saveScreenshots(window, QStringLiteral("settings-ca-file-dialog"));
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(!openFileDialog(window));
         QVERIFY(click(findItem(window, QStringLiteral("saveButton"))));
         QTRY_VERIFY(joinedTexts(window).contains(QStringLiteral("Your changes have been saved successfully.")));
         const ProxySettings proxy = apiManagerOf(*app)->networkSettings().proxy;
