@@ -93,7 +93,8 @@ private Q_SLOTS:
             QTest::keyClick(window, Qt::Key_Return);
             QTRY_VERIFY(joinedTexts(window).contains(QStringLiteral("Added the model my-model to Box.")));
         }
-        QVERIFY(findItem(window, QStringLiteral("customProvider:Box.models"))->property("text").toString().contains(model));
+        QVERIFY(
+            findItem(window, QStringLiteral("customProvider:Box.models"))->property("text").toString().contains(model));
         // The screenshots: one row in each theme.
         if (!listsModels) {
             QVERIFY(click(findItem(window, QStringLiteral("darkModeSwitch"))));
@@ -111,10 +112,18 @@ private Q_SLOTS:
         saveScreenshots(window, QStringLiteral("settings-model-picker") + theme);
         QVERIFY(click(findItem(window, optionName)));
         QTRY_COMPARE(picker->property("currentText").toString(), model);
+        // It can transcribe too: the second choice, after OpenAI.
+        QQuickItem *transcriber = findItem(window, QStringLiteral("transcriptionProviderPicker"));
+        QVERIFY(click(transcriber));
+        QTRY_VERIFY(transcriber->property("popup").value<QObject *>()->property("opened").toBool());
+        QTest::keyClick(window, Qt::Key_Down);
+        QTest::keyClick(window, Qt::Key_Return);
+        QTRY_COMPARE(transcriber->property("currentText").toString(), QStringLiteral("Box"));
         QVERIFY(click(findItem(window, QStringLiteral("saveButton"))));
         QTRY_VERIFY(joinedTexts(window).contains(QStringLiteral("Your changes have been saved successfully.")));
         QTest::keyClick(window, Qt::Key_Escape);
         QCOMPARE(apiManagerOf(*app)->selectedTextModel(), QStringLiteral("custom:Box/") + model);
+        QCOMPARE(apiManagerOf(*app)->transcriptionProvider(), QStringLiteral("Box"));
 
         QVERIFY(click(findItem(window, QStringLiteral("sidebar:Ask Me Anything"))));
         QTRY_VERIFY(findItem(window, QStringLiteral("askMeAnythingView")));
@@ -162,10 +171,12 @@ private Q_SLOTS:
         saveScreenshots(window, QStringLiteral("dashboard-local-server-dark"));
 
         QVERIFY(click(findItem(window, QStringLiteral("useLocalServer:llama.cpp"))));
-        QTRY_VERIFY(joinedTexts(window).contains(QStringLiteral("llama.cpp was added. Its models are in the model list.")));
+        QTRY_VERIFY(
+            joinedTexts(window).contains(QStringLiteral("llama.cpp was added. Its models are in the model list.")));
         QTRY_VERIFY(!findItem(window, QStringLiteral("localServerOffer:llama.cpp")));
         QCOMPARE(manager->customProviders().list().size(), 1);
-        QCOMPARE(manager->customProviders().list().constFirst().models(), localServerModels(LocalModelServer::llamaCpp));
+        QCOMPARE(
+            manager->customProviders().list().constFirst().models(), localServerModels(LocalModelServer::llamaCpp));
         QCOMPARE(manager->selectedTextModel(), selected);
 
         // Settings show it among the providers.
