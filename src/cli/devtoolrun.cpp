@@ -19,7 +19,7 @@ int runDevTool(
     if (const int *exit = std::get_if<int>(&continued)) {
         return *exit;
     }
-    if (const std::optional<QString> &reference = std::get<std::optional<QString>>(continued)) {
+    if (const auto &reference = std::get<std::optional<QString>>(continued)) {
         if (auto exit = openStoredConversation(devTool, *reference)) {
             return *exit;
         }

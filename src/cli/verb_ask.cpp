@@ -123,7 +123,7 @@ int runAsk(const QStringList &arguments)
     if (const int *exit = std::get_if<int>(&continued)) {
         return *exit;
     }
-    if (const std::optional<QString> &reference = std::get<std::optional<QString>>(continued)) {
+    if (const auto &reference = std::get<std::optional<QString>>(continued)) {
         if (auto exit = openStoredConversation(*chat, *reference)) {
             return *exit;
         }

@@ -23,7 +23,7 @@ std::optional<int> continueDocument(PdfChatViewModel &chat, RunHistory &history,
     if (const int *exit = std::get_if<int>(&continued)) {
         return *exit;
     }
-    const std::optional<QString> &reference = std::get<std::optional<QString>>(continued);
+    const auto &reference = std::get<std::optional<QString>>(continued);
     if (!reference) {
         return chat.openFile(file) ? std::nullopt : std::optional<int>(fail(chat.documentError()));
     }

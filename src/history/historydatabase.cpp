@@ -306,6 +306,7 @@ bool HistoryDatabase::commit()
     return false;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes the database
 void HistoryDatabase::rollback()
 {
     QSqlQuery query(connection());

@@ -30,7 +30,7 @@ QString firstLine(const QString &text, qsizetype longest)
 QString titleFromText(const QString &text)
 {
     constexpr qsizetype longest = 60;
-    const QString line = firstLine(text, text.size() + 1);
+    QString line = firstLine(text, text.size() + 1);
     if (line.size() <= longest) {
         return line;
     }

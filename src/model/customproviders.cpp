@@ -214,7 +214,7 @@ QString CustomProviders::remove(const QString &name)
 {
     bool hadKey = false;
     QString removedName;
-    const QString error = change([&](QList<CustomProvider> &providers) {
+    QString error = change([&](QList<CustomProvider> &providers) {
         const CustomProvider *provider = findIn(providers, name);
         if (provider == nullptr) {
             return noSuchProvider(name);

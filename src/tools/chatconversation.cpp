@@ -179,7 +179,7 @@ void ChatToolViewModel::resend(int row)
     request(currentTurn(), m_messages->at(row).sentText(), earlierMessagesBefore(row));
 }
 
-void ChatToolViewModel::request(const Turn &turn, const QString &, const QList<ChatMessage> &)
+void ChatToolViewModel::request(const Turn &turn, const QString & /*prompt*/, const QList<ChatMessage> & /*earlier*/)
 {
     finishTurn(turn, QString(), MessageEnding::complete);
 }
@@ -204,13 +204,13 @@ void ChatToolViewModel::cancelEdit()
     Q_EMIT turnStateChanged();
 }
 
-void ChatToolViewModel::restoreInput(const ChatMessageRecord &)
+void ChatToolViewModel::restoreInput(const ChatMessageRecord & /*question*/)
 { }
 
-void ChatToolViewModel::describeConversation(ConversationRecord &) const
+void ChatToolViewModel::describeConversation(ConversationRecord & /*conversation*/) const
 { }
 
-void ChatToolViewModel::adoptConversation(const ConversationRecord &)
+void ChatToolViewModel::adoptConversation(const ConversationRecord & /*conversation*/)
 { }
 
 void ChatToolViewModel::leaveConversation()

@@ -23,7 +23,7 @@ QString GeneratorViewModel::fieldsText() const
     const FormAssistant *assistant = m_family->table().find(m_selectedTitle);
     QStringList lines;
     for (auto it = m_inputs.cbegin(); it != m_inputs.cend(); ++it) {
-        if (assistant && assistant->field(it.key()) && !it.value().trimmed().isEmpty()) {
+        if (assistant != nullptr && assistant->field(it.key()) != nullptr && !it.value().trimmed().isEmpty()) {
             lines.append(it.key() + QStringLiteral(": ") + it.value());
         }
     }
@@ -32,7 +32,7 @@ QString GeneratorViewModel::fieldsText() const
 
 void GeneratorViewModel::saveRunStart(const QString &prompt)
 {
-    const bool saving = m_history && m_history->isSaving();
+    const bool saving = m_history != nullptr && m_history->isSaving();
     const QString before = m_run.uid;
     m_run = {};
     if (saving) {
