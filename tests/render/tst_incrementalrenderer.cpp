@@ -136,7 +136,7 @@ private Q_SLOTS:
         QTest::addColumn<quint32>("seed");
         quint32 seed = 7001;
         for (const auto &[name, reply] : zentrik::test::sampleReplies()) {
-            QTest::newRow(name) << reply << seed++;
+            QTest::newRow(name.constData()) << reply << seed++;
         }
     }
 
@@ -156,7 +156,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("reply");
         for (const auto &[name, reply] : zentrik::test::sampleReplies()) {
-            QTest::newRow(name) << reply;
+            QTest::newRow(name.constData()) << reply;
         }
     }
 

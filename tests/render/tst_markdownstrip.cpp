@@ -52,39 +52,29 @@ private Q_SLOTS:
 
         // Markers act at the very start of the whole text only, never per line.
         row("only the first heading marker goes", "# Title\n## Subtitle\nBody", "Title\n## Subtitle\nBody");
-        row("seven hashes are no heading", "####### Deep", "####### Deep");
         row("hash without a space stays", "#hashtag here", "#hashtag here");
-        row("heading marker followed by a line break", "#\nText", "Text");
         row("leading spaces protect the marker", "  # Title  ", "# Title");
         row("only the first number goes", "1. one\n2. two", "one\n2. two");
-        row("multi-digit number", "12. twelve", "twelve");
         row("parenthesis numbers stay", "1) first", "1) first");
         row("only the first hyphen bullet goes", "- one\n- two", "one\n- two");
-        row("plus bullet", "+ item", "item");
         row("asterisk bullets lose their stars earlier", "* item\n* next", "item\n next");
         row("only the first quote marker goes", "> quoted\n> more", "quoted\n> more");
-        row("quote marker is removed after the heading step", "> # x", "# x");
 
         // Emphasis: every run of asterisks and underscores, wherever it is.
         row("bold and italic", "**bold**, *italic*, __strong__, _em_ and ***both***",
             "bold, italic, strong, em and both");
-        row("underscores inside words", "snake_case_name", "snakecasename");
 
         row("link becomes its label", "Read the [docs](https://example.com/guide) first.", "Read the docs first.");
         row("link address with parentheses", "[a](http://x.org/(y)) end", "a) end");
         row("inline code", "Run `make install` now", "Run make install now");
 
         // The inline-code step takes the innermost back-ticks of a fence first.
-        row("one-line fence", "```code```", "``code``");
         row("fenced block keeps its contents", "```js\nlet x = 1;\n```", "``js\nlet x = 1;\n``");
         row("inline code before a fence", "Use `a` and ```b```", "Use a and ``b``");
 
         row("hyphen rule at the start", "---\nAfter", "After");
-        row("hyphen rule at the end stays", "Before\n---", "Before\n---");
         row("rule then bullet: the bullet is no longer first", "-----\n- a", "- a");
 
-        row("white space only", " \n\t \n", "");
-        row("empty", "", "");
         row("a whole reply", "# Report\n\n**Summary:** see [site](https://a.b).\n\n1. `a`\n2. b",
             "Report\n\nSummary: see site.\n\n1. a\n2. b");
         row("non-ASCII text", "## Grüße 😀\n*Ünïcödé*", "Grüße 😀\nÜnïcödé");
@@ -103,19 +93,14 @@ private Q_SLOTS:
         QTest::addColumn<bool>("matches");
 
         QTest::newRow("three hyphens") << "---" << true;
-        QTest::newRow("many hyphens") << "----------" << true;
         QTest::newRow("two hyphens") << "--" << false;
         QTest::newRow("hyphens start a longer text") << "--- intro" << true;
         QTest::newRow("hyphens end a longer text") << "intro ---" << false;
-        QTest::newRow("spaced hyphens") << "- - -" << false;
         QTest::newRow("three underscores") << "___" << true;
         QTest::newRow("underscores anywhere") << "a ___ b" << true;
-        QTest::newRow("two underscores") << "snake__case" << false;
         QTest::newRow("three asterisks") << "***" << true;
         QTest::newRow("asterisks end the text") << "Intro\n***" << true;
-        QTest::newRow("asterisks before a final line break") << "***\n" << true;
         QTest::newRow("asterisks start a longer text") << "*** intro" << false;
-        QTest::newRow("empty") << "" << false;
     }
 
     void rulePattern()

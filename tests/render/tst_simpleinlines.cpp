@@ -77,58 +77,36 @@ private Q_SLOTS:
         QTest::addColumn<bool>("rendered");
 
         QTest::newRow("plain") << "Plain words, numbers 12 and more." << true;
-        QTest::newRow("escaped characters") << "quotes \"q\" > and 'a' (p)" << true;
         QTest::newRow("code span") << "a `code()` span" << true;
         QTest::newRow("code escapes its content") << "x `<b>&amp;\"*_` y" << true;
-        QTest::newRow("double backticks around one") << "``a `b` c`` d" << true;
         QTest::newRow("backticks of another length inside") << "`a``b` c" << true;
         QTest::newRow("unclosed code span") << "an `unclosed code" << true;
-        QTest::newRow("closed then unclosed") << "`a` and ``b" << true;
         QTest::newRow("longest run that opens")
             << "a " + QString(80, QLatin1Char('`')) + "x" + QString(80, QLatin1Char('`')) << true;
         QTest::newRow("emphasis kinds") << "**bold** and *em* and ~~gone~~ here" << true;
-        QTest::newRow("strong at the start") << "**Note:** text" << true;
         QTest::newRow("closer after punctuation") << "**Note:**" << true;
-        QTest::newRow("inside parentheses") << "(**a**) and (*b*)." << true;
         QTest::newRow("inside a word") << "x**y**z and a*b*c" << true;
         QTest::newRow("closer that could open") << "*a*b*c*" << true;
-        QTest::newRow("strikethrough inside a word") << "text ~~a~~b" << true;
         QTest::newRow("emoji") << "emoji **\U0001F600** and *\U0001F600*\U0001F600" << true;
-        QTest::newRow("accented") << "caf\u00e9 **\u00fcber** \u00e9*t\u00e9*" << true;
         QTest::newRow("unclosed strong") << "word **bo" << true;
-        QTest::newRow("run at the end") << "word **" << true;
         QTest::newRow("run between blanks") << "a * b *c*" << true;
         QTest::newRow("runs that cannot open") << "x ** a** b" << true;
         QTest::newRow("run before a blank at the start") << "** a" << false;
-        QTest::newRow("star at the start") << "*a" << true;
         QTest::newRow("link") << "see [link](https://example.com/docs/x?a=1#b) after" << true;
-        QTest::newRow("link at the start") << "[docs](page.html)." << true;
         QTest::newRow("unsafe link") << "[x](javascript:alert) y" << true;
-        QTest::newRow("tab") << "tab\tinside" << true;
 
         QTest::newRow("empty") << "" << false;
-        QTest::newRow("leading blank") << " leading" << false;
         QTest::newRow("digit may start an item") << "1. item" << false;
-        QTest::newRow("bullet") << "- item" << false;
-        QTest::newRow("heading") << "# head" << false;
         QTest::newRow("three stars") << "***a***" << false;
-        QTest::newRow("three backticks") << "```a" << false;
-        QTest::newRow("line break") << "a\nb" << false;
         QTest::newRow("underscore") << "snake_case" << false;
-        QTest::newRow("backslash") << "a \\* b" << false;
         QTest::newRow("entity") << "AT&T" << false;
         QTest::newRow("raw html") << "a <b>x</b>" << false;
         QTest::newRow("www address") << "see www.example.com" << false;
-        QTest::newRow("scheme address") << "see https://example.com" << false;
         QTest::newRow("address in emphasis") << "see *http://x.org*" << false;
-        QTest::newRow("email") << "mail a@b.co" << false;
-        QTest::newRow("image") << "an ![img](p.png)" << false;
         QTest::newRow("lengths differ") << "**a* b" << false;
         QTest::newRow("nested") << "*a **b** c*" << false;
-        QTest::newRow("code in emphasis") << "**`a`** b" << false;
         QTest::newRow("closer after a blank") << "**a ** b" << false;
         QTest::newRow("closer before a letter after punctuation") << "*a.*b" << false;
-        QTest::newRow("spaces around code") << "a ` b ` c" << false;
         QTest::newRow("unclosed then closed") << "``a `b` c" << false;
         // cmark leaves the last span literal: the search for the second span's closer passes a
         // run of three and makes cmark forget the later one.
@@ -137,19 +115,13 @@ private Q_SLOTS:
             << "a " + QString(81, QLatin1Char('`')) + "x" + QString(81, QLatin1Char('`')) << false;
         QTest::newRow("control character in code") << "a `b\u0001` c" << false;
         QTest::newRow("single tilde") << "a ~b~ c" << false;
-        QTest::newRow("three tildes") << "a ~~~b~~~ c" << false;
         QTest::newRow("bracket without address") << "a [b] c" << false;
         QTest::newRow("address with a blank") << "a [b](c d) e" << false;
-        QTest::newRow("address in angle brackets") << "a [b](<c>) e" << false;
-        QTest::newRow("empty address") << "a [b]() e" << false;
-        QTest::newRow("unclosed link") << "a [b](c" << false;
         QTest::newRow("markup in link text") << "a [*b*](c) d" << false;
-        QTest::newRow("closing bracket") << "a] b" << false;
         QTest::newRow("no-break space beside a run") << "**a**\u00a0b" << false;
         QTest::newRow("punctuation beside a run") << "**a\u00ab**" << false;
         QTest::newRow("null character") << QStringLiteral("a") + QChar(0) + QStringLiteral("b") << false;
         QTest::newRow("lone surrogate") << QStringLiteral("a") + QChar(0xd83d) + QStringLiteral(" b") << false;
-        QTest::newRow("byte order mark") << QStringLiteral("a") + QChar(0xfeff) + QStringLiteral("b") << false;
     }
 
     void agreesWithCmark()

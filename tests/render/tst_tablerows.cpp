@@ -20,28 +20,20 @@ private Q_SLOTS:
 
         QTest::newRow("plain") << "| a | b | c |" << true;
         QTest::newRow("markup") << "| `code()` | **bold** and *em* | ~~gone~~ |" << true;
-        QTest::newRow("number") << "| 1234 | 2024 was | x |" << true;
         QTest::newRow("emoji and accents") << "| \U0001F600 | caf\u00e9 | \u00fcber |" << true;
-        QTest::newRow("no closing pipe") << "| a | b" << true;
         QTest::newRow("unfinished cell") << "| a | `co" << true;
         QTest::newRow("too many cells") << "| a | b | c | d | e |" << true;
         QTest::newRow("empty cells") << "| | |" << true;
-        QTest::newRow("two pipes") << "||" << true;
-        QTest::newRow("no space after pipe") << "|a|b|" << true;
         QTest::newRow("pipe splits a code span") << "| `a|b` | c |" << true;
         QTest::newRow("emphasis does not cross cells") << "| *a | b* | c |" << true;
         QTest::newRow("addresses and entities") << "| www.example.com | a@b.co | x &amp; &copy |" << true;
         QTest::newRow("raw html") << "| x <b>y</b> | a <span class=\"y\"> | z |" << true;
         QTest::newRow("html block cell") << "| <div> | b | c |" << false;
-        QTest::newRow("quotes and parentheses") << "| \"q\" | (p) | 'a' |" << true;
         QTest::newRow("pipe alone") << "|" << false;
-        QTest::newRow("pipe and spaces") << "|   " << false;
         QTest::newRow("escaped pipe") << "| a \\| b | c |" << false;
         QTest::newRow("tab") << "| a\tb | c |" << false;
         QTest::newRow("list marker cell") << "| - x | 1. | 2) |" << false;
-        QTest::newRow("rule cell") << "| *** | b | c |" << false;
         QTest::newRow("fence cell") << "| ```x | b | c |" << false;
-        QTest::newRow("heading cell") << "| # h | b | c |" << false;
         QTest::newRow("no leading pipe") << "a | b | c" << false;
     }
 
@@ -77,22 +69,10 @@ private Q_SLOTS:
         QTest::addColumn<bool>("paragraph");
 
         QTest::newRow("word") << "word" << true;
-        QTest::newRow("single letter") << "a" << true;
         QTest::newRow("year") << "2024" << true;
-        QTest::newRow("numbered item") << "12. x" << false;
-        QTest::newRow("paren item") << "3)" << false;
         QTest::newRow("code span") << "`x`" << true;
-        QTest::newRow("fence") << "```" << false;
-        QTest::newRow("tilde fence") << "~~~x" << false;
-        QTest::newRow("strikethrough") << "~~x~~" << true;
         QTest::newRow("bold") << "**x**" << true;
-        QTest::newRow("bullet") << "* x" << false;
-        QTest::newRow("rule") << "___" << false;
         QTest::newRow("emoji") << "\U0001F600" << true;
-        QTest::newRow("quote") << "> x" << false;
-        QTest::newRow("html") << "<div>" << false;
-        QTest::newRow("definition") << "[a]: b" << false;
-        QTest::newRow("empty") << "" << false;
     }
 
     void isParagraphText()
