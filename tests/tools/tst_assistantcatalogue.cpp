@@ -47,14 +47,10 @@ private Q_SLOTS:
         QTest::addColumn<Kind>("kind");
         QTest::addColumn<QString>("family");
 
-        QTest::newRow("marketing card") << "Slogan Generator" << Kind::FormGenerator << "marketing";
         QTest::newRow("marketing assistant without card")
             << "Bootstrapped Marketing Plan" << Kind::FormGenerator << "marketing";
-        QTest::newRow("sales card") << "Value Proposition Builder" << Kind::FormGenerator << "sales";
         QTest::newRow("support card") << "Documentation Explainer" << Kind::FormGenerator << "customer-support";
-        QTest::newRow("hr card") << "Employee Survey Generator" << Kind::FormGenerator << "human-resources";
         QTest::newRow("image studio") << "Images and Logo Generator" << Kind::ImageStudio << "";
-        QTest::newRow("debugger") << "Code Debugger" << Kind::CodeDebugger << "";
         QTest::newRow("sample data") << "Sample Data Generator" << Kind::SampleDataGenerator << "";
         QTest::newRow("unknown title") << "Podcast Planner" << Kind::AgentDetail << "";
         QTest::newRow("empty title") << "" << Kind::AgentDetail << "";
@@ -91,18 +87,6 @@ private Q_SLOTS:
                 qPrintable(option.destination));
         }
         QCOMPARE(ids.size(), AssistantCatalogue::promptOptions().size());
-    }
-
-    void familiesAreFoundByIdentifierAndCategory()
-    {
-        for (const AssistantFamily *family : AssistantFamily::all()) {
-            QCOMPARE(AssistantFamily::forIdentifier(family->identifier()), family);
-            QCOMPARE(&AssistantFamily::get(family->id()), family);
-            QCOMPARE(AssistantFamily::forCategory(family->name()), family);
-        }
-        QCOMPARE(AssistantFamily::forIdentifier(QStringLiteral("tech")), nullptr);
-        QCOMPARE(AssistantFamily::forCategory(QStringLiteral("marketing")), nullptr);
-        QCOMPARE(AssistantFamily::containing(QStringLiteral("Code Debugger")), nullptr);
     }
 };
 

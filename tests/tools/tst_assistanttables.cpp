@@ -78,47 +78,6 @@ private Q_SLOTS:
         QCOMPARE(titles.size(), total);
         QCOMPARE(ids.size(), total);
     }
-
-    // The views know colours by these names only; any other shows grey.
-    void coloursAreNamed()
-    {
-        const QSet<QString> displayColours = {
-            QStringLiteral("yellow"),
-            QStringLiteral("purple"),
-            QStringLiteral("red"),
-            QStringLiteral("indigo"),
-            QStringLiteral("pink"),
-            QStringLiteral("teal"),
-            QStringLiteral("orange"),
-            QStringLiteral("cyan"),
-            QStringLiteral("green"),
-            QStringLiteral("blue"),
-        };
-        for (const AssistantFamily *family : AssistantFamily::all()) {
-            for (const FormAssistant &assistant : family->table().entries()) {
-                QVERIFY2(displayColours.contains(assistant.color), qPrintable(assistant.title));
-            }
-        }
-    }
-
-    void tablesAreSearchedByExactTitle()
-    {
-        const AssistantTable &support = customerSupportAgents();
-        QVERIFY(support.find(QStringLiteral("Documentation Explainer")) != nullptr);
-        QCOMPARE(support.find(QStringLiteral("Documentation explainer")), nullptr);
-        QCOMPARE(support.find(QString()), nullptr);
-        QCOMPARE(support.find(QStringLiteral("Job Description Generator")), nullptr);
-    }
-
-    void tablesAreBuiltOnce()
-    {
-        QCOMPARE(&marketingAssistants(), &marketingAssistants());
-        QCOMPARE(&AssistantFamily::humanResources().table(), &hrAgents());
-        // Ids are made while building; equal ids on a second look mean no second build.
-        const QUuid first = salesAssistants().entries().first().id;
-        QCOMPARE(salesAssistants().entries().first().id, first);
-        QCOMPARE(AssistantFamily::sales().table().find(QStringLiteral("Persuasive Sales Copy"))->id, first);
-    }
 };
 
 ZENTRIK_TEST(AssistantTablesTest)

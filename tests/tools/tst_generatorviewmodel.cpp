@@ -65,8 +65,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("error");
         const QString refused = QStringLiteral("Claude API key is missing. Please add it in Settings.");
         QTest::newRow("marketing") << QStringLiteral("marketing") << QStringLiteral("Slogan Generator") << refused;
-        QTest::newRow("sales") << QStringLiteral("sales") << QString() << refused;
-        QTest::newRow("hr") << QStringLiteral("human-resources") << QString() << refused;
         QTest::newRow("customer support")
             << QStringLiteral("customer-support") << QString()
             << QStringLiteral("Failed to generate content: API key is missing. Please add it in Settings.");

@@ -14,17 +14,6 @@ const AssistantFamily &familyNamed(const QString &identifier)
     return *family;
 }
 
-// The text between two section headings of a composed prompt.
-QString section(const QString &prompt, const QString &from, const QString &to)
-{
-    const qsizetype start = prompt.indexOf(from);
-    const qsizetype end = prompt.indexOf(to, start + from.size());
-    if (start < 0 || end < 0) {
-        return QStringLiteral("<missing section>");
-    }
-    return prompt.mid(start + from.size(), end - start - from.size());
-}
-
 } // namespace
 
 class PromptComposerTest : public QObject
@@ -60,6 +49,8 @@ private Q_SLOTS:
                              "- Ensure slogans are easy to understand and remember\n"
                              "\n"
                              "Highlight the top 3 slogans that best represent the brand and explain why.");
+        // A long prompt first, so that numbering carried over from it would show.
+        (void)AssistantFamily::marketing().composePrompt(QStringLiteral("Business Plan Generator"), {});
         QCOMPARE(AssistantFamily::marketing().composePrompt(QStringLiteral("Slogan Generator"), inputs), expected);
     }
 
@@ -78,14 +69,9 @@ private Q_SLOTS:
         row("form order differs from label order", "marketing", "Blog Post Writing",
             QStringList { "Writing Style=Narrative", "Blog Title=Rust", "Tone=Minimal", "Target Audience=Devs" },
             "Blog Title: Rust\nTarget Audience: Devs\nTone: Minimal\nWriting Style: Narrative");
-        row("a cleared field is still written", "sales", "Follow-up Email Sequence",
-            QStringList { "Prospect Name=", "Sequence Length=3 Emails" }, "Prospect Name: \nSequence Length: 3 Emails");
         row("the same label typed twice keeps the last value", "human-resources", "Job Description Generator",
             QStringList { "Job Title=Nurse", "Department=Care", "Job Title=Head Nurse" },
             "Department: Care\nJob Title: Head Nurse");
-        row("a value kept from another assistant is written too", "customer-support", "Documentation Explainer",
-            QStringList { "Target Audience=Beginners", "Customer Name=Ann" },
-            "Customer Name: Ann\nTarget Audience: Beginners");
         row("values are written verbatim", "marketing", "SWOT Analysis Generator",
             QStringList { "Industry=a: b\n\nStructure:", "Company/Product Name=  Acme  " },
             "Company/Product Name:   Acme  \nIndustry: a: b\n\nStructure:");
@@ -109,49 +95,6 @@ private Q_SLOTS:
         QVERIFY2(prompt.contains(head + expectedBlock + QStringLiteral("\n\nStructure:\n1. ")), qPrintable(prompt));
     }
 
-    void structureIsNumberedFromOneAndToneIsBulleted_data()
-    {
-        QTest::addColumn<QString>("family");
-        QTest::addColumn<QString>("title");
-        for (const AssistantFamily *family : AssistantFamily::all()) {
-            for (const FormAssistant &assistant : family->table().entries()) {
-                QTest::newRow(qPrintable(assistant.title)) << family->identifier() << assistant.title;
-            }
-        }
-    }
-
-    void structureIsNumberedFromOneAndToneIsBulleted()
-    {
-        QFETCH(QString, family);
-        QFETCH(QString, title);
-
-        const AssistantFamily &assistants = familyNamed(family);
-        const PromptTemplate &promptTemplate = assistants.table().find(title)->promptTemplate;
-        // A long prompt first, so that numbering carried over from it would show.
-        (void)AssistantFamily::marketing().composePrompt(QStringLiteral("Business Plan Generator"), {});
-        const QString prompt = assistants.composePrompt(title, { { QStringLiteral("Notes"), QStringLiteral("1. x") } });
-
-        const QStringList structureLines
-            = section(prompt, QStringLiteral("\n\nStructure:\n"), QStringLiteral("\n\nTone guidelines:\n"))
-                  .split(QLatin1Char('\n'));
-        QCOMPARE(structureLines.size(), promptTemplate.structure.size());
-        for (qsizetype i = 0; i < structureLines.size(); ++i) {
-            QCOMPARE(structureLines.at(i), QStringLiteral("%1. %2").arg(i + 1).arg(promptTemplate.structure.at(i)));
-        }
-
-        const QStringList toneLines
-            = section(prompt, QStringLiteral("\n\nTone guidelines:\n"), QStringLiteral("\n\n") + promptTemplate.closing)
-                  .split(QLatin1Char('\n'));
-        QCOMPARE(toneLines.size(), promptTemplate.toneGuidelines.size());
-        for (qsizetype i = 0; i < toneLines.size(); ++i) {
-            QCOMPARE(toneLines.at(i), QStringLiteral("- ") + promptTemplate.toneGuidelines.at(i));
-        }
-
-        QVERIFY(prompt.startsWith(promptTemplate.introduction + QStringLiteral("\n\n")));
-        QVERIFY(prompt.endsWith(QStringLiteral("\n\n") + promptTemplate.closing));
-        QVERIFY(!prompt.endsWith(QLatin1Char('\n')));
-    }
-
     void unknownTitleGivesNoPrompt_data()
     {
         QTest::addColumn<QString>("family");
@@ -160,12 +103,9 @@ private Q_SLOTS:
             QTest::newRow(name) << family << title;
         };
 
-        row("empty title", "marketing", "");
         row("not in any table", "sales", "Cold Call Script");
         row("another family's assistant", "customer-support", "Slogan Generator");
-        row("a card that is no generator", "marketing", "Images and Logo Generator");
         row("titles are matched exactly", "human-resources", "job description generator");
-        row("trailing blank", "sales", "Persuasive Sales Copy ");
     }
 
     void unknownTitleGivesNoPrompt()
