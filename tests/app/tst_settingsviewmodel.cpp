@@ -63,9 +63,6 @@ private Q_SLOTS:
         QVERIFY(manager.openAIKey().isEmpty());
         QVERIFY(manager.claudeKey().isEmpty());
         QVERIFY(manager.falAIKey().isEmpty());
-        QVERIFY(manager.hasChatClient());
-        QCOMPARE(manager.openRouterChatUrl().path(), QStringLiteral("/api/v1/chat/completions"));
-        QCOMPARE(manager.openRouterModelsUrl().path(), QStringLiteral("/api/v1/models"));
         QCOMPARE(manager.preflightMessage().value_or(QString()),
             QStringLiteral("OpenAI API key is missing. Please add it in Settings."));
     }
@@ -222,20 +219,6 @@ private Q_SLOTS:
             QStringLiteral("Invalid model selected. Please choose a valid model in Settings."));
     }
 
-    void howItWorksToggleFlipsChevron()
-    {
-        SettingsViewModel settings;
-        QVERIFY(keysRead(settings));
-        QSignalSpy spy(&settings, &SettingsViewModel::showHowItWorksChanged);
-        QCOMPARE(settings.howItWorksSymbol(), QStringLiteral("chevron.down"));
-        settings.toggleHowItWorks();
-        QVERIFY(settings.showHowItWorks());
-        QCOMPARE(settings.howItWorksSymbol(), QStringLiteral("chevron.up"));
-        settings.setShowHowItWorks(true); // unchanged: no signal
-        QCOMPARE(spy.count(), 1);
-        QVERIFY(settings.secretStoreAvailable());
-    }
-
     // A key that cannot be a key is refused where it is typed, with the field named, and
     // nothing is written: neither the keys nor the model choices.
     void saveRefusesKeysThatCannotBeKeys_data()
@@ -243,14 +226,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("openAI");
         QTest::addColumn<QString>("claude");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("space inside") << QStringLiteral("sk-abc def") << QString()
-                                      << QStringLiteral("OpenAI API key contains a space");
         QTest::newRow("header injection") << QStringLiteral("sk-abc\r\nX-Evil: 1") << QString()
                                           << QStringLiteral("OpenAI API key contains a control character");
         QTest::newRow("tab") << QString() << QStringLiteral("sk-ant\tx")
                              << QStringLiteral("Claude API key contains a control character");
-        QTest::newRow("typographic dash") << QString() << QStringLiteral("sk\u2013ant")
-                                          << QStringLiteral("Claude API key contains a non-ASCII character");
     }
 
     void saveRefusesKeysThatCannotBeKeys()
