@@ -46,7 +46,8 @@ ClosingServer::ClosingServer(QObject *parent)
                 buffer->remove(0, length);
                 if (m_answered < m_toAnswer) {
                     ++m_answered;
-                    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
+                    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: "
+                        + QByteArray::number(m_body.size()) + "\r\n\r\n" + m_body);
                     QTimer::singleShot(m_keepOpenMs, socket, [this, socket] {
                         socket->abort();
                         ++m_closed;
@@ -65,10 +66,11 @@ QUrl ClosingServer::baseUrl() const
     return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort()));
 }
 
-void ClosingServer::answerFirst(int count, int keepOpenMs)
+void ClosingServer::answerFirst(int count, int keepOpenMs, const QByteArray &body)
 {
     m_toAnswer = count;
     m_keepOpenMs = keepOpenMs;
+    m_body = body;
 }
 
 } // namespace zentrik::test

@@ -25,9 +25,9 @@ public:
     // Requests read to their last byte before the connection was closed.
     [[nodiscard]] const QList<QByteArray> &requests() const { return m_requests; }
 
-    // The first `count` requests get a whole answer on a connection kept open for
-    // `keepOpenMs` before the server closes it, as servers do with idle connections.
-    void answerFirst(int count, int keepOpenMs);
+    // The first `count` requests get `body` as a whole JSON answer on a connection kept open
+    // for `keepOpenMs` before the server closes it, as servers do with idle connections.
+    void answerFirst(int count, int keepOpenMs, const QByteArray &body = "{}");
 
 private:
     QTcpServer m_server;
@@ -37,6 +37,7 @@ private:
     int m_answered = 0;
     int m_toAnswer = 0;
     int m_keepOpenMs = 0;
+    QByteArray m_body;
 };
 
 } // namespace zentrik::test

@@ -239,14 +239,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("command");
         QTest::addColumn<QString>("fault");
-        for (const char *fault : { "full disk", "read-only file", "read-only folder" }) {
-            for (const char *command : { "add", "edit", "delete", "config" }) {
-                if (QByteArray(command) == "add" && QByteArray(fault) != "full disk") {
-                    continue; // the recording would be unreadable to the other user too
-                }
-                QTest::addRow("%s, %s", command, fault) << QString::fromLatin1(command) << QString::fromLatin1(fault);
-            }
-        }
+        // Every command writes through the same store; each fault is tried once. Adding as
+        // another user would leave the recording unreadable to it too.
+        QTest::newRow("add, full disk") << "add"
+                                        << "full disk";
+        QTest::newRow("edit, read-only file") << "edit"
+                                              << "read-only file";
+        QTest::newRow("delete, read-only folder") << "delete"
+                                                  << "read-only folder";
+        QTest::newRow("config, full disk") << "config"
+                                           << "full disk";
     }
 
     void failedWritesKeepTheStore()

@@ -82,7 +82,6 @@ private Q_SLOTS:
         };
         row("no key", "no key", "API key is missing. Please add it in Settings.");
         row("service error", "401", "Invalid response received from the server.");
-        row("not JSON", "html", "Failed to parse the server response: ");
         row("connection lost", "truncated",
             "The network connection was lost. Please check your internet connection and try again.");
     }
@@ -242,18 +241,6 @@ private Q_SLOTS:
         QCOMPARE(screen.notes()->count(), 1);
         screen.setSearchText(QString());
         QCOMPARE(screen.notes()->count(), 3);
-    }
-
-    void copyHandsOverTheTranscription()
-    {
-        const test::ScopedConfigDir config;
-        VoiceNotesViewModel screen;
-        screen.manager()->add(VoiceNote::create("Note", "Line one\nline **two**"));
-        QSignalSpy copied(&screen, &VoiceNotesViewModel::copyRequested);
-        screen.copyTranscription(QStringLiteral("unknown"));
-        screen.copyTranscription(screen.manager()->notes().first().id);
-        QCOMPARE(copied.count(), 1);
-        QCOMPARE(copied.first().first().toString(), QStringLiteral("Line one\nline **two**"));
     }
 
     void unreadableStoreIsReported()
