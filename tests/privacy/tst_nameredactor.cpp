@@ -34,17 +34,14 @@ private Q_SLOTS:
         row("dear in lower case", anna, "Dear anna", "Dear [NAME]");
         row("my name is", anna, "My name is Anna", "My name is [NAME]");
         row("capital greeting", anna, "HELLO anna", "HELLO [NAME]");
-        row("capital name", anna, "hello ANNA", "hello [NAME]");
         row("after a full stop and blanks", anna, "Thanks.\n\t Hey Anna", "Thanks.\n\t Hey [NAME]");
         row("full stop without a blank", anna, "Thanks.Hey Anna", "Thanks.Hey Anna");
         row("not at a sentence start", anna, "Oh hi Anna", "Oh hi Anna");
         row("single name needs both boundaries", anna, "Hi Annabelle", "Hi Annabelle");
         row("hey there", anna, "Hey there Anna", "Hey there [NAME]");
         row("have a day", anna, "Anna, have a great day", "Anna, have a great [NAME]");
-        row("have a weekend without comma", anna, "Anna have a nice weekend", "Anna have a nice [NAME]");
         row("sign-off with no name group", anna, "Anna, thanks", "Anna, thanks", 1);
         row("best regards", anna, "anna best regards", "anna best regards", 1);
-        row("nothing to find", anna, "No greeting and no sign-off here.", "No greeting and no sign-off here.");
         row("empty list inserts at the next word", {}, "hi there", "hi [NAME]there");
         row("empty list sign-off", {}, "Bob, thanks", "Bob, thanks", 1);
         row("offsets are not shifted", { "Jo", "Annabelle" }, "Hi Jo. Hi Annabelle", "Hi [NAME].[NAME]elle");
