@@ -90,8 +90,6 @@ private Q_SLOTS:
                                          << QString::fromUtf8("h\u00e9 \U0001F600\u20ac") << 2 << true << QString();
         QTest::newRow("CRLF") << QByteArray(chunkLine("a") + chunkLine("b") + done).replace("\n", "\r\n") << "ab" << 2
                               << true << QString();
-        QTest::newRow("CR only") << QByteArray(chunkLine("a") + chunkLine("b") + done).replace("\n", "\r") << "ab" << 2
-                                 << true << QString();
         QTest::newRow("keep-alive comments")
             << ": OPENROUTER PROCESSING\n\n" + chunkLine("a") + ": OPENROUTER PROCESSING\n\n" + chunkLine("b") + done
             << "ab" << 2 << true << QString();

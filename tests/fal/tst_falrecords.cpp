@@ -36,33 +36,21 @@ private Q_SLOTS:
         row("queued at position 0",
             QByteArray("{\"status\":\"IN_QUEUE\",\"queue_position\":0,\"response_url\":\"https://q/r\"}"),
             int(QueueStatus::State::inQueue), 0, "https://q/r", 0, "");
-        row("queued further back",
-            QByteArray(R"({"status":"IN_QUEUE","queue_position":7,"response_url":"u","logs":null})"),
-            int(QueueStatus::State::inQueue), 7, "u", 0, "");
         row("in progress without logs", QByteArray(R"({"status":"IN_PROGRESS"})"), int(QueueStatus::State::inProgress),
             0, "", 0, "");
-        row("in progress with null logs", QByteArray(R"({"status":"IN_PROGRESS","logs":null})"),
-            int(QueueStatus::State::inProgress), 0, "", 0, "");
         row("in progress with logs",
             QByteArray(R"({"status":"IN_PROGRESS","logs":[)"
                        R"({"message":"a","timestamp":"t1","labels":{"level":"STDERR"}},)"
                        R"({"message":"b","timestamp":"t2","labels":{"level":"DEBUG"}}]})"),
             int(QueueStatus::State::inProgress), 0, "", 2, "");
-        row("completed without logs", QByteArray("{\"status\":\"COMPLETED\",\"response_url\":\"https://q/r\"}"),
-            int(QueueStatus::State::completed), 0, "https://q/r", 0, "");
         row("unknown status value", QByteArray(R"({"status":"PAUSED","queue_position":1})"), -1, 0, "", 0,
             "Invalid status value: PAUSED");
-        row("lower-case status value", QByteArray(R"({"status":"completed","response_url":"u"})"), -1, 0, "", 0,
-            "Invalid status value: completed");
-        row("empty status value", QByteArray(R"({"status":""})"), -1, 0, "", 0, "Invalid status value: ");
         row("status not a string", QByteArray(R"({"status":3})"), -1, 0, "", 0,
             "Missing or mistyped value for key: status");
         row("queued without position", QByteArray(R"({"status":"IN_QUEUE","response_url":"u"})"), -1, 0, "", 0,
             "Missing or mistyped value for key: queue_position");
         row("negative position", QByteArray(R"({"status":"IN_QUEUE","queue_position":-1,"response_url":"u"})"), -1, 0,
             "", 0, "Missing or mistyped value for key: queue_position");
-        row("fractional position", QByteArray(R"({"status":"IN_QUEUE","queue_position":1.5,"response_url":"u"})"), -1,
-            0, "", 0, "Missing or mistyped value for key: queue_position");
         row("completed without address", QByteArray(R"({"status":"COMPLETED"})"), -1, 0, "", 0,
             "Missing or mistyped value for key: response_url");
         row("unknown log level",
@@ -117,8 +105,6 @@ private Q_SLOTS:
         QTest::newRow("binary") << QByteArray::fromHex("00fffe7b22737461747573");
         QTest::newRow("truncated") << QByteArray("{\"status\":\"IN_QUEUE\",\"queue_pos");
         QTest::newRow("deep nesting") << QByteArray(2000, '[');
-        QTest::newRow("huge position") << QByteArray(
-            R"({"status":"IN_QUEUE","queue_position":1e300,"response_url":"u"})");
         QTest::newRow("logs not a list") << QByteArray(R"({"status":"IN_PROGRESS","logs":{"a":1}})");
         QTest::newRow("log entry not an object") << QByteArray(R"({"status":"IN_PROGRESS","logs":[5]})");
     }
@@ -140,14 +126,12 @@ private Q_SLOTS:
         };
         row("string", QByteArray(R"("text")"), Payload::Kind::string);
         row("integer", QByteArray("42"), Payload::Kind::integer);
-        row("negative integer", QByteArray("-7"), Payload::Kind::integer);
         row("double", QByteArray("1.5"), Payload::Kind::number);
         row("boolean", QByteArray("false"), Payload::Kind::boolean);
         row("null", QByteArray("null"), Payload::Kind::nilValue);
         row("array", QByteArray(R"([1,"a",null,[true]])"), Payload::Kind::array);
         row("object", QByteArray("{\"images\":[{\"url\":\"https://x/y.png\",\"width\":1024}],\"seed\":3.25}"),
             Payload::Kind::dict);
-        row("empty object", QByteArray("{}"), Payload::Kind::dict);
     }
 
     void mapsJsonOneToOne()
@@ -166,9 +150,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("word") << QByteArray("hello");
-        QTest::newRow("two values") << QByteArray("1,2");
         QTest::newRow("broken object") << QByteArray(R"({"a":)");
-        QTest::newRow("html") << QByteArray("<html>Bad gateway</html>");
     }
 
     void rejectsTextThatIsNotJson()
@@ -198,12 +180,10 @@ private Q_SLOTS:
         row("with a sub-path", "fal-ai/flux/schnell", "fal-ai/flux/schnell");
         row("numeric owner", "12345-my-app", "12345/my-app");
         row("not in the catalogue", "someone/new-model", "someone/new-model");
-        row("single word", "my-model", "my-model");
         row("empty", "", "");
         row("empty segment", "fal-ai//flux", "");
         row("leading slash", "/fal-ai/flux", "");
         row("dot segment", "fal-ai/../admin", "");
-        row("space", "fal ai/flux", "");
         row("query", "fal-ai/flux?x=1", "");
     }
 
@@ -337,7 +317,6 @@ private Q_SLOTS:
         const auto row = [](const char *name, const int &status, const QByteArray &body, const int &errorKind,
                              const QString &message) { QTest::newRow(name) << status << body << errorKind << message; };
         row("success", 200, QByteArray(R"({"request_id":"r"})"), -1, "");
-        row("success without body", 200, QByteArray(), -1, "");
         row("success, not JSON", 200, QByteArray("<html/>"), int(FalError::Kind::invalidResultFormat), "");
         row("401 with detail", 401, QByteArray(R"({"detail":"Invalid key"})"), int(FalError::Kind::unauthorized),
             "Invalid key");
@@ -345,8 +324,6 @@ private Q_SLOTS:
         row("422 validation list", 422, QByteArray(R"({"detail":[{"msg":"field required"},{"msg":"too long"}]})"),
             int(FalError::Kind::httpError), "field required; too long");
         row("500 with message", 500, QByteArray(R"({"message":"boom"})"), int(FalError::Kind::httpError), "boom");
-        row("502 nested error", 502, QByteArray(R"({"error":{"message":"upstream"}})"), int(FalError::Kind::httpError),
-            "upstream");
         row("404 empty", 404, QByteArray(), int(FalError::Kind::httpError), "");
     }
 
