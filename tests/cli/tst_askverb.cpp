@@ -141,23 +141,10 @@ private Q_SLOTS:
         QCOMPARE(result.err.contains("Incorrect API key provided: [KEY]"), showsProviderWords);
     }
 
-    // A key holding a line break never becomes a second header: nothing is sent.
-    void keysWithLineBreaksAreNeverSent()
-    {
-        m_cli->fake.on("POST", "/v1/chat/completions", ScriptedReply::json(QByteArray("{}")));
-        QProcessEnvironment env;
-        env.insert("OPENAI_API_KEY", "sk-from-env\r\nX-Injected: 1");
-        const CliResult result = runCli({ "ask", "--model", "gpt-4o-mini", "x" }, {}, env);
-        QCOMPARE(result.exitCode, 1);
-        QVERIFY(!result.err.trimmed().isEmpty());
-        QCOMPARE(m_cli->fake.requestCount(), 0);
-    }
-
     void usageErrors_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("nothing to ask") << QStringList { "ask" };
-        QTest::newRow("two texts") << QStringList { "ask", "a", "b" };
         QTest::newRow("unknown option") << QStringList { "ask", "--fast", "a" };
     }
 
