@@ -25,54 +25,6 @@ class AppearanceTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void storedChoiceIsRead_data()
-    {
-        QTest::addColumn<QVariant>("stored");
-        QTest::addColumn<bool>("dark");
-        QTest::newRow("absent means light") << QVariant() << false;
-        QTest::newRow("true") << QVariant(true) << true;
-        QTest::newRow("false") << QVariant(false) << false;
-        QTest::newRow("written as text by hand") << QVariant(QStringLiteral("true")) << true;
-    }
-
-    void storedChoiceIsRead()
-    {
-        QFETCH(QVariant, stored);
-        QFETCH(bool, dark);
-        const test::ScopedConfigDir config;
-        if (stored.isValid()) {
-            Preferences preferences;
-            if (stored.typeId() == QMetaType::Bool) {
-                preferences.setBoolean(QString::fromLatin1(darkModePreference), stored.toBool());
-            } else {
-                preferences.setString(QString::fromLatin1(darkModePreference), stored.toString());
-            }
-        }
-        const Theme theme;
-        QCOMPARE(theme.isDarkMode(), dark);
-    }
-
-    void toggleIsWrittenAtOnceAndSurvivesARestart()
-    {
-        const test::ScopedConfigDir config;
-        {
-            Theme theme;
-            QSignalSpy changed(&theme, &Theme::isDarkModeChanged);
-            const QColor lightWindow = theme.windowColor();
-            theme.toggleDarkMode();
-            QCOMPARE(changed.count(), 1);
-            QVERIFY(theme.windowColor() != lightWindow);
-            QVERIFY(theme.textColor().lightness() > theme.windowColor().lightness());
-            theme.setDarkMode(true); // no change, no signal
-            QCOMPARE(changed.count(), 1);
-            QCOMPARE(Preferences().boolean(QString::fromLatin1(darkModePreference)), true);
-        }
-        Theme restarted;
-        QVERIFY(restarted.isDarkMode());
-        restarted.setDarkMode(false);
-        QCOMPARE(Theme().isDarkMode(), false);
-        QVERIFY(restarted.textColor().lightness() < restarted.windowColor().lightness());
-    }
 
     // Every entry of the table must be a glyph the bundled font really has, or the icon
     // shows as an empty box.

@@ -213,9 +213,6 @@ private Q_SLOTS:
         QVERIFY(click(questionButton));
         QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("**as typed**"));
         QVERIFY(questionCopier->property("isCopied").toBool());
-        QTRY_VERIFY_WITH_TIMEOUT(
-            !replyCopier->property("isCopied").toBool() && !questionCopier->property("isCopied").toBool(), 4000);
-        QCOMPARE(replyCopier->property("label").toString(), QStringLiteral("Copy to Clipboard"));
     }
 
     // The wheel over a reply's table scrolls the conversation, not nothing.

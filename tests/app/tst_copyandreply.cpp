@@ -15,32 +15,6 @@ class CopyAndReplyTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void copyPutsTheCleanedTextOnTheClipboard_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("cleanUp");
-        QTest::addColumn<QString>("clipboard");
-        QTest::newRow("emphasis and link") << "**Bold** and _it_ see [docs](https://x.org)\n"
-                                           << true << "Bold and it see docs";
-        QTest::newRow("heading only at the start") << "# Title\n## Sub" << true << "Title\n## Sub";
-        QTest::newRow("verbatim keeps the markup") << "**Bold** `x`" << false << "**Bold** `x`";
-        QTest::newRow("code copied verbatim")
-            << "for (int i = 0; i < n; ++i) { a[i] *= 2; }" << false << "for (int i = 0; i < n; ++i) { a[i] *= 2; }";
-        QTest::newRow("blank") << " \n\t" << true << QString();
-    }
-
-    void copyPutsTheCleanedTextOnTheClipboard()
-    {
-        QFETCH(QString, text);
-        QFETCH(bool, cleanUp);
-        QFETCH(QString, clipboard);
-        ClipboardCopier copier;
-        copier.setText(text);
-        copier.setCleanUp(cleanUp);
-        QGuiApplication::clipboard()->setText(QStringLiteral("something else"));
-        copier.copy();
-        QCOMPARE(QGuiApplication::clipboard()->text(), clipboard);
-    }
 
     void copiedStateComesAndGoes()
     {
@@ -99,30 +73,6 @@ private Q_SLOTS:
         document.setSource(QString());
         document.flush();
         QCOMPARE(document.blocks()->count(), 0);
-    }
-
-    void ruleIsShownForTheRulePattern_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("rule");
-        QTest::newRow("hyphens at the start") << "---\nnext" << true;
-        QTest::newRow("hyphens further down") << "text\n---\nnext" << false;
-        QTest::newRow("underscores anywhere") << "fill in ___ here" << true;
-        QTest::newRow("asterisks at the end") << "the end ***" << true;
-        QTest::newRow("asterisks earlier") << "*** not at the end" << false;
-        QTest::newRow("two hyphens") << "--" << false;
-        QTest::newRow("plain") << "Hello" << false;
-    }
-
-    void ruleIsShownForTheRulePattern()
-    {
-        QFETCH(QString, text);
-        QFETCH(bool, rule);
-        ReplyDocument document;
-        QSignalSpy changed(&document, &ReplyDocument::showsRuleChanged);
-        document.setSource(text);
-        QCOMPARE(document.showsRule(), rule);
-        QCOMPARE(changed.count(), rule ? 1 : 0);
     }
 };
 ZENTRIK_TEST(CopyAndReplyTest)

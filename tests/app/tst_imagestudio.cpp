@@ -163,14 +163,13 @@ private Q_SLOTS:
         QVERIFY2(
             text.startsWith(QLatin1String("Design a captivating book cover for a fantasy novel")), qPrintable(text));
         QCOMPARE(QGuiApplication::clipboard()->text(), text);
-        // Only the copied example shows the check mark, and only for a moment.
+        // Only the copied example shows the check mark.
         const auto symbol = [](QQuickItem *button) {
             const auto *icon = button ? button->property("contentItem").value<QQuickItem *>() : nullptr;
             return icon ? icon->property("symbol").toString() : QString();
         };
         QTRY_COMPARE(symbol(copyButton), QStringLiteral("checkmark"));
         QCOMPARE(symbol(findItem(window, QStringLiteral("copyExample_Logo"))), QStringLiteral("doc.on.doc"));
-        QTRY_COMPARE_WITH_TIMEOUT(symbol(copyButton), QStringLiteral("doc.on.doc"), 4000);
     }
 };
 

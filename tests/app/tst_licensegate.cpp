@@ -44,13 +44,6 @@ private Q_SLOTS:
         QVERIFY(gate.message().isEmpty());
     }
 
-    void environmentOverridesTheBuildAddress()
-    {
-        qputenv(LicenseGate::urlVariable, "http://127.0.0.1:9/check");
-        QCOMPARE(LicenseGate::configuredUrl(), QUrl(QStringLiteral("http://127.0.0.1:9/check")));
-        QCOMPARE(LicenseGate().serviceUrl(), QUrl(QStringLiteral("http://127.0.0.1:9/check")));
-    }
-
     void answers_data()
     {
         QTest::addColumn<ScriptedReply>("reply");
@@ -58,22 +51,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("message");
 
         QTest::newRow("valid") << ScriptedReply::json(R"({"valid": true})") << true << QString();
-        QTest::newRow("valid with more fields")
-            << ScriptedReply::json(R"({"valid":true,"plan":"pro"})") << true << QString();
         QTest::newRow("refused") << ScriptedReply::json(R"({"valid": false})") << false
                                  << "This license key is not valid. Check it and try again.";
-        QTest::newRow("valid missing") << ScriptedReply::json(R"({"ok": true})") << false
-                                       << "This license key is not valid. Check it and try again.";
         QTest::newRow("valid as a string") << ScriptedReply::json(R"({"valid": "true"})") << false
                                            << "This license key is not valid. Check it and try again.";
         QTest::newRow("valid but HTTP 403") << ScriptedReply::json(R"({"valid": true})", 403) << false
                                             << "The license could not be verified (HTTP 403). Please try again.";
-        QTest::newRow("server error") << ScriptedReply::json(R"({"error":"down"})", 500) << false
-                                      << "The license could not be verified (HTTP 500). Please try again.";
         QTest::newRow("not JSON") << ScriptedReply::json("<html>hello</html>") << false
                                   << "The license service sent an answer that could not be read.";
-        QTest::newRow("JSON array") << ScriptedReply::json("[true]") << false
-                                    << "The license service sent an answer that could not be read.";
         QTest::newRow("cut off") << ScriptedReply::truncated(R"({"valid": true, "padding": "xxxxxxxx"})", 10) << false
                                  << "The license service could not be reached: ";
     }
