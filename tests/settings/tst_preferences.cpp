@@ -34,21 +34,11 @@ private Q_SLOTS:
         QVERIFY(Preferences::dataDirectory().startsWith(m_dir->path()));
     }
 
-    void absentKeysGiveFallbacks()
-    {
-        Preferences preferences;
-        QVERIFY(!preferences.contains(QStringLiteral("isDarkMode")));
-        QCOMPARE(preferences.string(QStringLiteral("missing"), QStringLiteral("fallback")), QStringLiteral("fallback"));
-        QCOMPARE(preferences.boolean(QStringLiteral("missing"), true), true);
-        QVERIFY(preferences.data(QStringLiteral("missing")).isEmpty());
-    }
-
     // Values written by one instance are seen by a later one, as after a restart.
     void valuesSurviveANewInstance_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QByteArray>("data");
-        QTest::newRow("plain") << QStringLiteral("gpt-4o-mini") << QByteArray("[]");
         QTest::newRow("non-ascii and separators")
             << QStringLiteral("PixArt-Σ / ünïcode = ; ,") << QByteArray("[{\"a\":\"ü\"}]");
         QTest::newRow("binary data") << QStringLiteral("x") << QByteArray("\x00\x01\x02\xff", 4);
