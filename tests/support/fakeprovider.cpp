@@ -99,7 +99,6 @@ struct FakeProvider::State
     std::condition_variable stopping;
     bool stopped = false;
     QList<RecordedRequest> requests;
-    int finished = 0;
     QHash<QByteArray, QList<ScriptedReply>> queued;
     QHash<QByteArray, ScriptedReply> standing;
     QHash<QByteArray, Handler> handlers;
@@ -126,12 +125,6 @@ struct FakeProvider::State
     {
         std::lock_guard lock(mutex);
         requests[index].piecesSentAt.append(Clock::now());
-    }
-
-    void markFinished()
-    {
-        std::lock_guard lock(mutex);
-        ++finished;
     }
 
     ScriptedReply replyFor(const RecordedRequest &request)
@@ -219,7 +212,6 @@ struct FakeProvider::State
                 }
                 markSent(index);
             }
-            markFinished();
             if (closeEarly) {
                 return false;
             }
@@ -243,7 +235,6 @@ struct FakeProvider::State
         }
         if (length == 0 && !closeEarly) {
             markSent(index);
-            markFinished();
             return;
         }
         out.set_content_provider(size_t(length), reply.contentType.toStdString(),
@@ -366,12 +357,6 @@ RecordedRequest FakeProvider::lastRequest() const
 {
     std::lock_guard lock(m_state->mutex);
     return m_state->requests.isEmpty() ? RecordedRequest {} : m_state->requests.constLast();
-}
-
-int FakeProvider::finishedCount() const
-{
-    std::lock_guard lock(m_state->mutex);
-    return m_state->finished;
 }
 
 } // namespace zentrik::test

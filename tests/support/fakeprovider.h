@@ -116,8 +116,6 @@ public:
     [[nodiscard]] QList<RecordedRequest> requests() const;
     [[nodiscard]] int requestCount() const;
     [[nodiscard]] RecordedRequest lastRequest() const;
-    // How many answers have been written completely or cut off as scripted.
-    [[nodiscard]] int finishedCount() const;
 
 private:
     struct State;
