@@ -75,7 +75,8 @@ private Q_SLOTS:
         QVERIFY(!findItem(window, QStringLiteral("generatorError"))->isVisible());
 
         const QString sent = test::lastMessageText(m_fake->lastRequest().json());
-        QVERIFY2(sent.contains(QStringLiteral("Acme Boots")) && sent.contains(QStringLiteral("hikers")), qPrintable(sent));
+        QVERIFY2(
+            sent.contains(QStringLiteral("Acme Boots")) && sent.contains(QStringLiteral("hikers")), qPrintable(sent));
         QCOMPARE(m_fake->lastRequest().json().object().value(QLatin1String("model")).toString(),
             QStringLiteral("gpt-3.5-turbo-1106"));
 
