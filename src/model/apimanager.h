@@ -204,8 +204,6 @@ private:
     // Every account the window reads at start: the three user keys, the custom providers'
     // keys and the proxy's password when it needs one.
     [[nodiscard]] QStringList allKeyAccounts() const;
-    // Runs the completion on the next turn of the event loop, unless context is gone.
-    void deliverLater(QObject *context, std::function<void()> deliver);
     StreamId startStream(const std::shared_ptr<ActiveStream> &stream, QObject *context);
     void finishStream(StreamId id, const std::optional<APIError> &error);
 

@@ -4,6 +4,7 @@
 
 #include "fal/falapi.h"
 #include "model/backgroundtask.h"
+#include "model/deliverlater.h"
 #include "model/imagerequests.h"
 #include "model/modellogging.h"
 
@@ -31,12 +32,12 @@ void APIManager::generateImage(
 void APIManager::generateOpenAIImage(const QString &prompt, QObject *context, ImageCompletion completion)
 {
     if (m_openAIKey.isEmpty()) {
-        deliverLater(context, [completion] { completion(ImageError(APIError::missingAPIKey)); });
+        deliverLater(this, context, [completion] { completion(ImageError(APIError::missingAPIKey)); });
         return;
     }
     auto request = ImageRequests::buildOpenAI(prompt, m_openAIKey);
     if (const auto *error = std::get_if<APIError>(&request)) {
-        deliverLater(context, [completion, error = *error] { completion(ImageError(error)); });
+        deliverLater(this, context, [completion, error = *error] { completion(ImageError(error)); });
         return;
     }
     m_http->send(std::get<HttpRequest>(std::move(request)), context,
@@ -58,12 +59,12 @@ void APIManager::generateTogetherImage(const QString &prompt, QObject *context, 
 {
     if (m_togetherApiKey.isEmpty()) {
         qCInfo(lcModel).noquote() << "This build carries no key for the free image model (ZENTRIK_TOGETHER_KEY)";
-        deliverLater(context, [completion] { completion(ImageError(APIError::missingBuiltInKey())); });
+        deliverLater(this, context, [completion] { completion(ImageError(APIError::missingBuiltInKey())); });
         return;
     }
     auto request = ImageRequests::buildTogether(prompt, m_togetherApiKey);
     if (const auto *error = std::get_if<APIError>(&request)) {
-        deliverLater(context, [completion, error = *error] { completion(ImageError(error)); });
+        deliverLater(this, context, [completion, error = *error] { completion(ImageError(error)); });
         return;
     }
     QPointer<QObject> guard(context);
@@ -94,7 +95,7 @@ void APIManager::generateFalImage(const QString &modelId, const QString &prompt,
     ImageCompletion completion, ImageProgress onProgress)
 {
     if (m_falAIKey.isEmpty()) {
-        deliverLater(context, [completion] { completion(ImageError(APIError::missingAPIKey)); });
+        deliverLater(this, context, [completion] { completion(ImageError(APIError::missingAPIKey)); });
         return;
     }
     const fal::FalApi api(m_http, fal::ClientConfig { fal::ClientCredentials::keyPair(m_falAIKey), std::nullopt });
@@ -114,7 +115,7 @@ void APIManager::generateFalImage(const QString &modelId, const QString &prompt,
                     [](auto &&value) { return ImageResult(std::forward<decltype(value)>(value)); }, std::move(address));
             }
             // The fal path always answers on a later turn of the event loop.
-            deliverLater(context, [completion, outcome] { completion(outcome); });
+            deliverLater(this, context, [completion, outcome] { completion(outcome); });
         });
 }
 

@@ -3,6 +3,7 @@
 #include "model/apimanager.h"
 
 #include "chat/anthropicstreamdecoder.h"
+#include "model/deliverlater.h"
 #include "model/modellogging.h"
 #include "model/textrequest.h"
 
@@ -110,20 +111,6 @@ std::variant<APIManager::TextRoute, APIError> APIManager::routeText(const QStrin
     return route;
 }
 
-void APIManager::deliverLater(QObject *context, std::function<void()> deliver)
-{
-    QPointer<QObject> guard(context);
-    const bool hasContext = context != nullptr;
-    QMetaObject::invokeMethod(
-        this,
-        [guard, hasContext, deliver = std::move(deliver)] {
-            if (!hasContext || !guard.isNull()) {
-                deliver();
-            }
-        },
-        Qt::QueuedConnection);
-}
-
 void APIManager::generateText(const QString &prompt, QObject *context, TextCompletion completion)
 {
     generateText(prompt, {}, context, std::move(completion));
@@ -134,7 +121,7 @@ void APIManager::generateText(
 {
     auto routed = routeText(m_selectedTextModel);
     if (const auto *error = std::get_if<APIError>(&routed)) {
-        deliverLater(context, [completion, error = *error] { completion(error); });
+        deliverLater(this, context, [completion, error = *error] { completion(error); });
         return;
     }
     const TextRoute &route = std::get<TextRoute>(routed);
@@ -169,7 +156,7 @@ APIManager::StreamId APIManager::streamText(const QString &prompt, const QList<C
     stream->completion = std::move(completion);
 
     const auto failAtOnce = [this, context, &stream](const APIError &error) {
-        deliverLater(context, [completion = stream->completion, error] { completion(error); });
+        deliverLater(this, context, [completion = stream->completion, error] { completion(error); });
         return stream->id;
     };
 

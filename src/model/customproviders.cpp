@@ -1,6 +1,7 @@
 #include "model/customproviders.h"
 
 #include "chat/openaichatclient.h"
+#include "model/deliverlater.h"
 #include "model/modellogging.h"
 #include "net/httpclient.h"
 #include "settings/apikeycheck.h"
@@ -135,20 +136,6 @@ QString CustomProviders::change(const std::function<QString(QList<CustomProvider
     return {};
 }
 
-void CustomProviders::deliverLater(QObject *context, std::function<void()> deliver)
-{
-    QPointer<QObject> guard(context);
-    const bool hasContext = context != nullptr;
-    QMetaObject::invokeMethod(
-        this,
-        [guard, hasContext, deliver = std::move(deliver)] {
-            if (!hasContext || !guard.isNull()) {
-                deliver();
-            }
-        },
-        Qt::QueuedConnection);
-}
-
 void CustomProviders::add(
     const QString &name, const QString &baseUrl, const QString &key, QObject *context, Completion done)
 {
@@ -159,7 +146,7 @@ void CustomProviders::add(
             done(error);
         }
     };
-    const auto refuse = [&](const QString &error) { deliverLater(context, [done, error] { done(error); }); };
+    const auto refuse = [&](const QString &error) { deliverLater(this, context, [done, error] { done(error); }); };
     if (const std::optional<QString> problem = providerNameProblem(name)) {
         return refuse(*problem);
     }
@@ -197,7 +184,7 @@ void CustomProviders::add(
         reply(error);
     };
     if (!provider.hasKey) {
-        deliverLater(this, store);
+        deliverLater(this, this, store);
         return;
     }
     m_keyService->write({ { provider.keyAccount(), key } }, this, [store, reply](const KeyService::Outcome &outcome) {
@@ -247,7 +234,7 @@ void CustomProviders::refreshModels(const QString &name, QObject *context, const
     const CustomProvider *provider = find(name);
     if (provider == nullptr || m_http.isNull()) {
         const QString error = noSuchProvider(name);
-        deliverLater(context, [done, error] { done(error); });
+        deliverLater(this, context, [done, error] { done(error); });
         return;
     }
     const QString providerName = provider->name;

@@ -72,7 +72,6 @@ private:
     [[nodiscard]] QString change(const std::function<QString(QList<CustomProvider> &providers)> &edit);
     [[nodiscard]] QList<CustomProvider> read() const;
     void publish(const QList<CustomProvider> &providers);
-    void deliverLater(QObject *context, std::function<void()> deliver);
 
     QPointer<HttpClient> m_http;
     KeyService *m_keyService;

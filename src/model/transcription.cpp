@@ -1,6 +1,7 @@
 // The transcription operation of APIManager; the request itself is TranscriptionRequest.
 #include "model/apimanager.h"
 
+#include "model/deliverlater.h"
 #include "model/transcriptionrequest.h"
 
 #include <QDebug>
@@ -18,24 +19,24 @@ void APIManager::transcribe(const QString &audioFilePath, QObject *context, Tran
                                    .withDetails(tr("The provider %1 chosen to transcribe voice notes is gone; choose "
                                                    "another in Settings.")
                                                     .arg(chosen));
-        deliverLater(context, [completion, error] { completion(error); });
+        deliverLater(this, context, [completion, error] { completion(error); });
         return;
     }
     const QString key = custom != nullptr ? m_customProviders->key(custom->name) : m_openAIKey;
     if (key.isEmpty() && (custom == nullptr || custom->hasKey)) {
-        deliverLater(context, [completion] { completion(APIError::missingAPIKey); });
+        deliverLater(this, context, [completion] { completion(APIError::missingAPIKey); });
         return;
     }
     QFile file(audioFilePath);
     if (!file.open(QIODevice::ReadOnly)) {
         qInfo().noquote() << "Failed to read audio file: " + file.errorString();
-        deliverLater(context, [completion] { completion(APIError::invalidRequestData); });
+        deliverLater(this, context, [completion] { completion(APIError::invalidRequestData); });
         return;
     }
     const QByteArray audio = file.readAll();
     if (file.error() != QFileDevice::NoError) {
         qInfo().noquote() << "Failed to read audio file: " + file.errorString();
-        deliverLater(context, [completion] { completion(APIError::invalidRequestData); });
+        deliverLater(this, context, [completion] { completion(APIError::invalidRequestData); });
         return;
     }
     file.close();
