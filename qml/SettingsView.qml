@@ -103,6 +103,8 @@ ScrollingPage {
         settings: settingsModel
     }
 
+    HistorySettingsSection {}
+
     AccentButton {
         objectName: "saveButton"
         Layout.alignment: Qt.AlignRight

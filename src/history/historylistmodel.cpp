@@ -74,6 +74,8 @@ QVariant HistoryListModel::data(const QModelIndex &index, int role) const
         return sectionFor(updated, QDate::currentDate());
     case MessageCountRole:
         return conversation.messageCount;
+    case AssistantRole:
+        return conversation.generator ? conversation.generator->assistant : QString();
     default:
         return {};
     }
@@ -84,7 +86,7 @@ QHash<int, QByteArray> HistoryListModel::roleNames() const
     return { { IdRole, "conversationId" }, { NumberRole, "number" }, { ToolRole, "tool" }, { ToolNameRole, "toolName" },
         { SymbolRole, "symbol" }, { TitleRole, "title" }, { PreviewRole, "preview" }, { SnippetRole, "snippet" },
         { UpdatedRole, "updated" }, { TimeTextRole, "timeText" }, { SectionRole, "section" },
-        { MessageCountRole, "messageCount" } };
+        { MessageCountRole, "messageCount" }, { AssistantRole, "assistant" } };
 }
 
 void HistoryListModel::setHistory(HistoryService *history)

@@ -1,0 +1,233 @@
+#include "app/zentrikapp.h"
+#include "history/historyfixture.h"
+#include "history/historystore.h"
+#include "model/apimanager.h"
+#include "support/fakeprovider.h"
+#include "support/replies.h"
+#include "support/testregistry.h"
+#include "tools/askmeanythingviewmodel.h"
+#include "windowharness.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QtTest>
+
+using namespace zentrik;
+using namespace zentrik::test;
+
+// The History screen in the real window, over a history written before the window starts,
+// driven by mouse and keyboard: a found conversation opens in its tool and a follow-up goes
+// out carrying it; a deletion is undone; Settings deletes everything after saying how much,
+// and with saving off writes nothing new.
+class HistoryScreenTest : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<WindowTestEnvironment> m_environment;
+    std::unique_ptr<ZentrikApp> m_app;
+    QQuickWindow *m_window = nullptr;
+
+    static constexpr qint64 dayMs = 24 * 3600 * 1000;
+
+    // Three conversations, one under each of Today, Previous 7 days and Older.
+    static void seed()
+    {
+        using historyfixture::message;
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        ConversationRecord trip = historyfixture::conversation(QStringLiteral("trip"), historytool::askMeAnything, now);
+        trip.title = QStringLiteral("Plan a trip to Lisbon");
+        trip.messages = { message(QStringLiteral("t1"), MessageRole::user, trip.title, now - 60000),
+            message(QStringLiteral("t2"), MessageRole::assistant, QStringLiteral("Day one: the Alfama quarter."),
+                now - 50000) };
+        ConversationRecord loop
+            = historyfixture::conversation(QStringLiteral("loop"), historytool::debugger, now - 3 * dayMs);
+        loop.title = QStringLiteral("Why does this loop never end?");
+        loop.messages = { message(QStringLiteral("l1"), MessageRole::user, loop.title, now - 3 * dayMs),
+            message(QStringLiteral("l2"), MessageRole::assistant, QStringLiteral("The counter never grows."),
+                now - 3 * dayMs + 1000) };
+        ConversationRecord rows
+            = historyfixture::conversation(QStringLiteral("rows"), historytool::sampleData, now - 40 * dayMs);
+        rows.title = QStringLiteral("Ten customer rows as CSV");
+        rows.messages = { message(QStringLiteral("r1"), MessageRole::user, rows.title, now - 40 * dayMs),
+            message(QStringLiteral("r2"), MessageRole::assistant, QStringLiteral("id,name\n1,Ada"),
+                now - 40 * dayMs + 1000) };
+        HistoryStore store;
+        QVERIFY(store.open());
+        for (const ConversationRecord &record : { trip, loop, rows }) {
+            QVERIFY(historyfixture::save(store, record));
+        }
+    }
+
+    // What another process reading the file sees: the messages of one conversation, or the
+    // number of conversations when `uid` is empty.
+    static int stored(const QString &uid = {})
+    {
+        HistoryStore store;
+        if (!store.open()) {
+            return -1;
+        }
+        if (uid.isEmpty()) {
+            return store.count().value_or(-1);
+        }
+        const std::optional<ConversationRecord> record = store.load(uid);
+        return record ? int(record->messages.size()) : 0;
+    }
+
+    QQuickItem *row(const QString &title) const { return findItem(m_window, QStringLiteral("historyRow:") + title); }
+
+    void openHistory()
+    {
+        QVERIFY(click(findItem(m_window, QStringLiteral("sidebar:History"))));
+        QTRY_VERIFY(row(QStringLiteral("Plan a trip to Lisbon")));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_environment = std::make_unique<WindowTestEnvironment>();
+        seed();
+        m_app = startApp();
+        QVERIFY(m_app);
+        m_window = m_app->window();
+    }
+
+    void cleanup()
+    {
+        m_app.reset();
+        m_environment.reset();
+    }
+
+    void aFoundConversationOpensInItsToolAndGoesOn()
+    {
+        m_environment->fake().on(
+            "POST", "/v1/chat/completions", ScriptedReply::json(test::completion(QStringLiteral("Day two: Belém."))));
+        openHistory();
+        const QString texts = visibleTexts(m_window).join(QLatin1Char('\n'));
+        for (const char *heading : { "Today", "Previous 7 days", "Older" }) {
+            QVERIFY2(texts.contains(QLatin1String(heading)), heading);
+        }
+        saveScreenshots(m_window, QStringLiteral("history-light"));
+        QQuickItem *darkMode = findItem(m_window, QStringLiteral("darkModeSwitch"));
+        QVERIFY(click(darkMode));
+        saveScreenshots(m_window, QStringLiteral("history-dark"));
+
+        // The reply's words are found and shown in bold.
+        QVERIFY(click(findItem(m_window, QStringLiteral("historySearchField"))));
+        typeText(m_window, QStringLiteral("alfama"));
+        QTRY_VERIFY(!row(QStringLiteral("Why does this loop never end?")));
+        QQuickItem *found = row(QStringLiteral("Plan a trip to Lisbon"));
+        QVERIFY(found);
+        QTRY_VERIFY(findItem(found, QStringLiteral("historyRowText"))
+                        ->property("text")
+                        .toString()
+                        .contains(QLatin1String("<b>Alfama</b>")));
+        saveScreenshots(m_window, QStringLiteral("history-search-dark"));
+        QVERIFY(click(darkMode));
+        saveScreenshots(m_window, QStringLiteral("history-search-light"));
+        QVERIFY(click(findItem(m_window, QStringLiteral("historySearchField"))));
+
+        // Down into the results, Return opens the conversation in Ask Me Anything.
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("askMeAnythingView")));
+        auto *chat
+            = qobject_cast<AskMeAnythingViewModel *>(findObject(m_window, QStringLiteral("askMeAnythingViewModel")));
+        QVERIFY(chat);
+        QTRY_COMPARE(chat->messages()->rowCount(), 2);
+        chat->apiManager()->setSelectedTextModel(QStringLiteral("gpt-3.5-turbo-1106"));
+        chat->apiManager()->overrideUserKeys(QStringLiteral("sk-window-test"), QString(), QString());
+
+        QVERIFY(click(findItem(m_window, QStringLiteral("chatInputField"))));
+        typeText(m_window, QStringLiteral("and day two"));
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QTRY_COMPARE_WITH_TIMEOUT(chat->messages()->rowCount(), 4, 10000);
+
+        QStringList sent;
+        const QJsonArray messages = m_environment->fake().lastRequest().json().object().value("messages").toArray();
+        for (const QJsonValue &message : messages) {
+            if (message.toObject().value("role").toString() != QLatin1String("system")) {
+                sent.append(message.toObject().value("content").toString());
+            }
+        }
+        QCOMPARE(sent,
+            QStringList({ QStringLiteral("Plan a trip to Lisbon"), QStringLiteral("Day one: the Alfama quarter."),
+                QStringLiteral("and day two") }));
+        // The follow-up and its reply join the stored conversation rather than start another.
+        QTRY_COMPARE(stored(QStringLiteral("trip")), 4);
+        QCOMPARE(stored(), 3);
+    }
+
+    void deleteIsUndone_data()
+    {
+        QTest::addColumn<bool>("keyboard");
+        QTest::newRow("mouse") << false;
+        QTest::newRow("keyboard") << true;
+    }
+
+    void deleteIsUndone()
+    {
+        QFETCH(bool, keyboard);
+        openHistory();
+        const QString title = QStringLiteral("Plan a trip to Lisbon");
+        if (keyboard) {
+            QTest::keyClick(m_window, Qt::Key_Down); // from the search field to the newest row
+            QTest::keyClick(m_window, Qt::Key_Delete);
+        } else {
+            QVERIFY(click(findItem(row(title), QStringLiteral("deleteButton"))));
+        }
+        QTRY_VERIFY(!row(title));
+        QQuickItem *undoBar = findItem(m_window, QStringLiteral("undoBar"));
+        QTRY_VERIFY(undoBar->isVisible());
+        QVERIFY(visibleTexts(m_window).join(QLatin1Char('\n')).contains(title));
+        QTRY_COMPARE(stored(), 2);
+
+        if (keyboard) {
+            QTest::keySequence(m_window, QKeySequence::Undo);
+        } else {
+            QVERIFY(click(findItem(m_window, QStringLiteral("undoButton"))));
+        }
+        QTRY_VERIFY(row(title));
+        QTRY_VERIFY(!undoBar->isVisible());
+        QTRY_COMPARE(stored(QStringLiteral("trip")), 2);
+        QCOMPARE(stored(), 3);
+    }
+
+    void settingsDeleteEverythingAndStopSaving()
+    {
+        QVERIFY(click(findItem(m_window, QStringLiteral("sidebar:Settings"))));
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("deleteAllHistoryButton")));
+        QVERIFY(click(findItem(m_window, QStringLiteral("deleteAllHistoryButton"))));
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("deleteAllHistoryText"))
+                        ->property("text")
+                        .toString()
+                        .startsWith(QLatin1String("All 3 stored conversations")));
+        // Cancel has the focus: Return keeps everything.
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QTRY_VERIFY(!findObject(m_window, QStringLiteral("deleteAllHistoryDialog"))->property("visible").toBool());
+        QCOMPARE(stored(), 3);
+        QVERIFY(click(findItem(m_window, QStringLiteral("deleteAllHistoryButton"))));
+        QVERIFY(click(findItem(m_window, QStringLiteral("confirmDeleteAllButton"))));
+        QTRY_COMPARE(stored(), 0);
+
+        QVERIFY(click(findItem(m_window, QStringLiteral("keepHistorySwitch"))));
+        QVERIFY(click(findItem(m_window, QStringLiteral("sidebar:Ask Me Anything"))));
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("chatInputField")));
+        auto *chat
+            = qobject_cast<AskMeAnythingViewModel *>(findObject(m_window, QStringLiteral("askMeAnythingViewModel")));
+        chat->apiManager()->setSelectedTextModel(QStringLiteral("gpt-3.5-turbo-1106"));
+        chat->apiManager()->overrideUserKeys(QStringLiteral("sk-window-test"), QString(), QString());
+        m_environment->fake().on(
+            "POST", "/v1/chat/completions", ScriptedReply::json(test::completion(QStringLiteral("Noted."))));
+        QVERIFY(click(findItem(m_window, QStringLiteral("chatInputField"))));
+        typeText(m_window, QStringLiteral("remember nothing"));
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QTRY_COMPARE_WITH_TIMEOUT(chat->messages()->rowCount(), 2, 10000);
+        QVERIFY(chat->history()->waitForIdle());
+        QCOMPARE(stored(), 0);
+    }
+};
+
+ZENTRIK_TEST(HistoryScreenTest)
+#include "tst_historyscreen.moc"
