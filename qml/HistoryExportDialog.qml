@@ -35,7 +35,11 @@ AppDialog {
         saveDialog.open()
     }
 
+    // The file picker beside it is content too, so the height is not worked out by itself.
+    contentHeight: choices.implicitHeight
+
     ColumnLayout {
+        id: choices
         width: parent.width
         spacing: 4
 

@@ -8,7 +8,7 @@ import Zentrik
 // Every stored conversation, the newest first under Today, Yesterday, Previous 7 days and
 // Older, or the ranked results of a search with the matching words in bold. A row opens
 // its conversation in its own tool. The list's keys: the arrows move, Return opens, F2
-// renames, Ctrl+E exports, Delete deletes (with an undo bar for a while).
+// renames, Ctrl+E exports, Delete deletes (with an undo bar for a while); Ctrl+F searches.
 Item {
     id: page
 
@@ -52,7 +52,11 @@ Item {
         onAccepted: file => HistoryService.importFile(file)
     }
 
-    Component.onCompleted: searchField.forceActiveFocus(Qt.OtherFocusReason)
+    // The sidebar keeps the focus when the screen opens from it; Ctrl+F goes to the search.
+    Shortcut {
+        sequences: ["Ctrl+F"]
+        onActivated: searchField.forceActiveFocus(Qt.ShortcutFocusReason)
+    }
 
     ColumnLayout {
         id: column

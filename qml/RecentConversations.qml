@@ -15,6 +15,8 @@ ColumnLayout {
     readonly property HistoryListModel conversations: chat.recentConversations
 
     spacing: 8
+    // Nothing to start over from and nothing stored yet: no row at all.
+    visible: newChat.visible || listToggle.visible || recent.chat.isLoadingConversation
 
     Component.onCompleted: recent.conversations.limit = recent.shown
 
@@ -23,10 +25,11 @@ ColumnLayout {
         spacing: 10
 
         PlainButton {
+            id: newChat
             objectName: "newChatButton"
             symbol: "plus.bubble"
             text: qsTr("New Chat")
-            enabled: recent.chat.messages.count > 0 || recent.chat.conversationId.length > 0
+            visible: recent.chat.messages.count > 0 || recent.chat.conversationId.length > 0
             onClicked: {
                 listToggle.checked = false
                 recent.chat.newChat()

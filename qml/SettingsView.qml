@@ -103,8 +103,6 @@ ScrollingPage {
         settings: settingsModel
     }
 
-    HistorySettingsSection {}
-
     AccentButton {
         objectName: "saveButton"
         Layout.alignment: Qt.AlignRight
@@ -117,4 +115,7 @@ ScrollingPage {
     SaveNotice {
         settings: settingsModel
     }
+
+    // Takes effect at once, without Save.
+    HistorySettingsSection {}
 }

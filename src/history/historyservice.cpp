@@ -5,10 +5,10 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QRegularExpression>
-#include <QStandardPaths>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QSemaphore>
+#include <QStandardPaths>
 
 namespace zentrik {
 

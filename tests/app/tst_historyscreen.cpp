@@ -2,6 +2,7 @@
 #include "history/historyfixture.h"
 #include "history/historystore.h"
 #include "model/apimanager.h"
+#include "support/environment.h"
 #include "support/fakeprovider.h"
 #include "support/replies.h"
 #include "support/testregistry.h"
@@ -154,6 +155,9 @@ private Q_SLOTS:
         QCOMPARE(sent,
             QStringList({ QStringLiteral("Plan a trip to Lisbon"), QStringLiteral("Day one: the Alfama quarter."),
                 QStringLiteral("and day two") }));
+        QVERIFY(click(findItem(m_window, QStringLiteral("recentConversationsButton"))));
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("recentConversation:Plan a trip to Lisbon")));
+        saveScreenshots(m_window, QStringLiteral("history-continued-light"));
         // The follow-up and its reply join the stored conversation rather than start another.
         QTRY_COMPARE(stored(QStringLiteral("trip")), 4);
         QCOMPARE(stored(), 3);
@@ -172,6 +176,7 @@ private Q_SLOTS:
         openHistory();
         const QString title = QStringLiteral("Plan a trip to Lisbon");
         if (keyboard) {
+            QTest::keyClick(m_window, Qt::Key_F, Qt::ControlModifier);
             QTest::keyClick(m_window, Qt::Key_Down); // from the search field to the newest row
             QTest::keyClick(m_window, Qt::Key_Delete);
         } else {
@@ -194,6 +199,42 @@ private Q_SLOTS:
         QCOMPARE(stored(), 3);
     }
 
+    // Export from a row: the format first, then the file dialog offers a name in the home
+    // folder (no documents folder here); the JSON written is the import format.
+    void exportsAConversationAsJson()
+    {
+        QTemporaryDir home;
+        ScopedEnvironment environment;
+        environment.set("HOME", home.path());
+        openHistory();
+        QVERIFY(click(findItem(row(QStringLiteral("Plan a trip to Lisbon")), QStringLiteral("exportButton"))));
+        QTRY_VERIFY(findObject(m_window, QStringLiteral("historyExportDialog"))->property("visible").toBool());
+        QVERIFY(click(findItem(m_window, QStringLiteral("jsonChoice"))));
+        saveScreenshots(m_window, QStringLiteral("history-export-light"));
+        QVERIFY(click(findItem(m_window, QStringLiteral("chooseExportFileButton"))));
+        QQuickItem *fileDialog = nullptr;
+        QTRY_VERIFY((fileDialog = openFileDialog(m_window)) != nullptr);
+        QQuickItem *accept = nullptr;
+        for (QObject *object : allObjects(fileDialog)) {
+            auto *item = qobject_cast<QQuickItem *>(object);
+            if (item && item->isVisible() && item->inherits("QQuickAbstractButton")
+                && item->property("text").toString() == QLatin1String("Export")) {
+                accept = item;
+            }
+        }
+        QVERIFY(click(accept));
+
+        QFile file(home.filePath(QStringLiteral("plan-a-trip-to-lisbon.json")));
+        QTRY_VERIFY(file.exists());
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("historyStatus"))->isVisible());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QJsonObject exported = QJsonDocument::fromJson(file.readAll()).object();
+        QVERIFY(exported.contains(QLatin1String("version")));
+        const QJsonArray conversations = exported.value("conversations").toArray();
+        QCOMPARE(conversations.size(), 1);
+        QCOMPARE(conversations.first().toObject().value("messages").toArray().size(), 2);
+    }
+
     void settingsDeleteEverythingAndStopSaving()
     {
         QVERIFY(click(findItem(m_window, QStringLiteral("sidebar:Settings"))));
@@ -203,6 +244,7 @@ private Q_SLOTS:
                         ->property("text")
                         .toString()
                         .startsWith(QLatin1String("All 3 stored conversations")));
+        saveScreenshots(m_window, QStringLiteral("history-delete-all-light"));
         // Cancel has the focus: Return keeps everything.
         QTest::keyClick(m_window, Qt::Key_Return);
         QTRY_VERIFY(!findObject(m_window, QStringLiteral("deleteAllHistoryDialog"))->property("visible").toBool());

@@ -89,7 +89,9 @@ private Q_SLOTS:
         QTest::newRow("debugger") << "debugger" << QString() << "codeDebugger";
         QTest::newRow("sample data") << "sampleData" << QString() << "sampleDataGenerator";
         QTest::newRow("image") << "imageStudio" << QString() << "imageStudio";
-        QTest::newRow("generator") << "generator" << "Job Description Generator" << "humanResourcesGenerator";
+        QTest::newRow("generator") << "generator"
+                                   << "Job Description Generator"
+                                   << "humanResourcesGenerator";
         QTest::newRow("unknown") << "timeMachine" << QString() << "history";
     }
 
