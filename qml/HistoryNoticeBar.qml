@@ -5,7 +5,7 @@ import Zentrik
 
 // One line above every screen when the conversation history could not be opened or written
 // (an unreadable file moved aside, a full disk), until the user closes it or the next one
-// comes. The History screen and Settings go on showing it.
+// comes. Settings' history section shows it whole.
 Rectangle {
     id: bar
 

@@ -74,13 +74,6 @@ Item {
                                                  : qsTr("Saving is off in Settings: nothing new is kept.")
         }
 
-        NoticeBanner {
-            objectName: "historyNotice"
-            Layout.fillWidth: true
-            visible: HistoryService.notice.length > 0
-            text: HistoryService.notice
-        }
-
         RowLayout {
             Layout.fillWidth: true
             spacing: 10

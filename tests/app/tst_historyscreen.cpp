@@ -199,6 +199,55 @@ private Q_SLOTS:
         QCOMPARE(stored(), 3);
     }
 
+    // F2 on the current row edits its title in place; Return keeps it, in the file too.
+    void renamesFromTheKeyboard()
+    {
+        openHistory();
+        QTest::keyClick(m_window, Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QTest::keyClick(m_window, Qt::Key_F2);
+        QTRY_VERIFY(
+            findItem(row(QStringLiteral("Plan a trip to Lisbon")), QStringLiteral("renameField"))->hasActiveFocus());
+        QTest::keyClick(m_window, Qt::Key_A, Qt::ControlModifier);
+        typeText(m_window, QStringLiteral("Lisbon in May"));
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QTRY_VERIFY(row(QStringLiteral("Lisbon in May")));
+        HistoryStore store;
+        QVERIFY(store.open());
+        QTRY_COMPARE(store.load(QStringLiteral("trip"))->title, QStringLiteral("Lisbon in May"));
+    }
+
+    // A history file that is no database is moved aside once the window shows, and the
+    // window says so in one line; the History screen starts empty.
+    void anUnreadableHistoryIsMovedAsideAndSaidSo()
+    {
+        m_app.reset();
+        const QString path = HistoryStore::defaultPath();
+        for (const QString &companion : { QStringLiteral("-wal"), QStringLiteral("-shm") }) {
+            QFile::remove(path + companion);
+        }
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        QVERIFY(file.write(QByteArray(4096, 'x')) == 4096);
+        file.close();
+        m_app = startApp();
+        QVERIFY(m_app);
+        m_window = m_app->window();
+
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("historyNoticeBar"))->isVisible());
+        QVERIFY(findItem(m_window, QStringLiteral("historyNoticeText"))
+                    ->property("text")
+                    .toString()
+                    .startsWith(QLatin1String("Conversation history could not be read")));
+        const QStringList aside = QFileInfo(path).dir().entryList({ QStringLiteral("history.sqlite.unreadable-*") });
+        QCOMPARE(aside.size(), 1);
+        QVERIFY(click(findItem(m_window, QStringLiteral("sidebar:History"))));
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("historyEmpty"))->isVisible());
+        saveScreenshots(m_window, QStringLiteral("history-notice-light"));
+        QVERIFY(click(findItem(m_window, QStringLiteral("dismissHistoryNotice"))));
+        QTRY_VERIFY(!findItem(m_window, QStringLiteral("historyNoticeBar"))->isVisible());
+    }
+
     // Export from a row: the format first, then the file dialog offers a name in the home
     // folder (no documents folder here); the JSON written is the import format.
     void exportsAConversationAsJson()
