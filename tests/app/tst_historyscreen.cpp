@@ -35,28 +35,30 @@ class HistoryScreenTest : public QObject
     // Three conversations, one under each of Today, Previous 7 days and Older.
     static void seed()
     {
-        using historyfixture::message;
+        struct Seed
+        {
+            const char *uid;
+            const QString &tool;
+            const char *question;
+            const char *reply;
+            qint64 ageMs;
+        };
         const qint64 now = QDateTime::currentMSecsSinceEpoch();
-        ConversationRecord trip = historyfixture::conversation(QStringLiteral("trip"), historytool::askMeAnything, now);
-        trip.title = QStringLiteral("Plan a trip to Lisbon");
-        trip.messages = { message(QStringLiteral("t1"), MessageRole::user, trip.title, now - 60000),
-            message(QStringLiteral("t2"), MessageRole::assistant, QStringLiteral("Day one: the Alfama quarter."),
-                now - 50000) };
-        ConversationRecord loop
-            = historyfixture::conversation(QStringLiteral("loop"), historytool::debugger, now - 3 * dayMs);
-        loop.title = QStringLiteral("Why does this loop never end?");
-        loop.messages = { message(QStringLiteral("l1"), MessageRole::user, loop.title, now - 3 * dayMs),
-            message(QStringLiteral("l2"), MessageRole::assistant, QStringLiteral("The counter never grows."),
-                now - 3 * dayMs + 1000) };
-        ConversationRecord rows
-            = historyfixture::conversation(QStringLiteral("rows"), historytool::sampleData, now - 40 * dayMs);
-        rows.title = QStringLiteral("Ten customer rows as CSV");
-        rows.messages = { message(QStringLiteral("r1"), MessageRole::user, rows.title, now - 40 * dayMs),
-            message(QStringLiteral("r2"), MessageRole::assistant, QStringLiteral("id,name\n1,Ada"),
-                now - 40 * dayMs + 1000) };
         HistoryStore store;
         QVERIFY(store.open());
-        for (const ConversationRecord &record : { trip, loop, rows }) {
+        for (const Seed &seed : { Seed { "trip", historytool::askMeAnything, "Plan a trip to Lisbon",
+                                      "Day one: the Alfama quarter.", 2000 },
+                 Seed { "loop", historytool::debugger, "Why does this loop never end?", "The counter never grows.",
+                     3 * dayMs },
+                 Seed { "rows", historytool::sampleData, "Ten customer rows as CSV", "id,name\n1,Ada", 40 * dayMs } }) {
+            const qint64 time = now - seed.ageMs;
+            ConversationRecord record = historyfixture::conversation(QLatin1String(seed.uid), seed.tool, time);
+            record.title = QLatin1String(seed.question);
+            record.messages = {
+                historyfixture::message(record.uid + QLatin1Char('q'), MessageRole::user, record.title, time),
+                historyfixture::message(
+                    record.uid + QLatin1Char('r'), MessageRole::assistant, QLatin1String(seed.reply), time + 1000),
+            };
             QVERIFY(historyfixture::save(store, record));
         }
     }
