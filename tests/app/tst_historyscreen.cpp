@@ -7,6 +7,7 @@
 #include "support/replies.h"
 #include "support/testregistry.h"
 #include "tools/askmeanythingviewmodel.h"
+#include "tools/generatorviewmodel.h"
 #include "windowharness.h"
 
 #include <QJsonArray>
@@ -163,6 +164,35 @@ private Q_SLOTS:
         // The follow-up and its reply join the stored conversation rather than start another.
         QTRY_COMPARE(stored(QStringLiteral("trip")), 4);
         QCOMPARE(stored(), 3);
+    }
+
+    // A generator run opens on its family's screen with its assistant, fields and reply.
+    void aGeneratorRunOpensWithItsForm()
+    {
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        ConversationRecord run = historyfixture::conversation(QStringLiteral("slogans"), historytool::generator, now);
+        run.title = QStringLiteral("Slogan Generator: Acme Boots");
+        run.generator = GeneratorRun { QStringLiteral("marketing"), QStringLiteral("Slogan Generator"),
+            { { QStringLiteral("Brand/Product Name"), QStringLiteral("Acme Boots") } } };
+        run.messages = { historyfixture::message(QStringLiteral("s1"), MessageRole::user,
+                             QStringLiteral("Brand/Product Name: Acme Boots"), now),
+            historyfixture::message(
+                QStringLiteral("s2"), MessageRole::assistant, QStringLiteral("Climb higher."), now) };
+        HistoryStore store;
+        QVERIFY(store.open());
+        QVERIFY(historyfixture::save(store, run));
+
+        openHistory();
+        QTRY_VERIFY(row(run.title));
+        QVERIFY(click(row(run.title)));
+        QTRY_VERIFY(findItem(m_window, QStringLiteral("generatorView")));
+        auto *generator
+            = qobject_cast<GeneratorViewModel *>(findObject(m_window, QStringLiteral("generatorViewModel")));
+        QVERIFY(generator);
+        QTRY_COMPARE(generator->output(), QStringLiteral("Climb higher."));
+        QCOMPARE(generator->selectedTitle(), QStringLiteral("Slogan Generator"));
+        QCOMPARE(generator->inputsMap().value(QStringLiteral("Brand/Product Name")).toString(),
+            QStringLiteral("Acme Boots"));
     }
 
     void deleteIsUndone_data()
