@@ -63,7 +63,10 @@ QVariant HistoryListModel::data(const QModelIndex &index, int role) const
         const QDate today = QDate::currentDate();
         const QLocale locale;
         if (updated.date() == today) {
-            return locale.toString(updated.time(), QLocale::ShortFormat);
+            // Some locales' short format (the C locale's among them) still has the seconds.
+            QString format = locale.timeFormat(QLocale::ShortFormat);
+            format.remove(QStringLiteral(":ss"));
+            return locale.toString(updated.time(), format);
         }
         if (updated.date().daysTo(today) < 7) {
             return locale.dayName(updated.date().dayOfWeek(), QLocale::ShortFormat);
