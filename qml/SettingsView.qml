@@ -90,6 +90,9 @@ ScrollingPage {
         }
     }
 
+    // Takes effect at once, without Save.
+    HistorySettingsSection {}
+
     ProvidersSection {
         providers: settingsModel.providers
     }
@@ -115,7 +118,4 @@ ScrollingPage {
     SaveNotice {
         settings: settingsModel
     }
-
-    // Takes effect at once, without Save.
-    HistorySettingsSection {}
 }
