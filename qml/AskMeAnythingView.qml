@@ -9,6 +9,8 @@ import Zentrik
 ChatPage {
     id: page
 
+    property ContentViewModel navigation
+
     signal openSettingsRequested
 
     objectName: "askMeAnythingView"
@@ -17,6 +19,14 @@ ChatPage {
         id: chat
         objectName: "askMeAnythingViewModel"
         apiManager: APIManager
+        history: HistoryService
+    }
+
+    // A conversation opened from the History screen.
+    Component.onCompleted: {
+        const conversation = page.navigation ? page.navigation.takeConversation("askMeAnything") : ""
+        if (conversation.length > 0)
+            chat.openConversation(conversation)
     }
 
     ScreenHeading {
@@ -24,6 +34,11 @@ ChatPage {
         title: qsTr("Ask Me Anything")
         symbol: "lightbulb.fill"
         subtitle: qsTr("Supercharge your workflow today. You can choose from the suggestions below.")
+    }
+
+    RecentConversations {
+        Layout.fillWidth: true
+        chat: chat
     }
 
     SuggestionChips {
@@ -44,6 +59,10 @@ ChatPage {
     }
 
     footer: [
+        LastTurnActions {
+            Layout.fillWidth: true
+            chat: chat
+        },
         ErrorNotice {
             Layout.fillWidth: true
             labelName: "chatError"

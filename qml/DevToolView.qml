@@ -13,6 +13,8 @@ ChatPage {
     property string tool: "debugger"
     readonly property bool isDebugger: tool === "debugger"
 
+    property ContentViewModel navigation
+
     signal openSettingsRequested
 
     objectName: isDebugger ? "codeDebuggerView" : "sampleDataView"
@@ -21,7 +23,15 @@ ChatPage {
         id: devTool
         objectName: "devToolViewModel"
         apiManager: APIManager
+        history: HistoryService
         tool: page.tool
+    }
+
+    // A conversation opened from the History screen.
+    Component.onCompleted: {
+        const conversation = page.navigation ? page.navigation.takeConversation(page.tool) : ""
+        if (conversation.length > 0)
+            devTool.openConversation(conversation)
     }
 
     Shortcut {
@@ -36,6 +46,11 @@ ChatPage {
         symbol: page.isDebugger ? "ladybug" : "square.stack.3d.up"
         subtitle: page.isDebugger ? qsTr("Paste your code and describe the problem.")
                                   : qsTr("Describe the data you need and pick a format.")
+    }
+
+    RecentConversations {
+        Layout.fillWidth: true
+        chat: devTool
     }
 
     SuggestionChips {
@@ -63,6 +78,10 @@ ChatPage {
     }
 
     footer: [
+        LastTurnActions {
+            Layout.fillWidth: true
+            chat: devTool
+        },
         ErrorNotice {
             Layout.fillWidth: true
             labelName: "devToolError"

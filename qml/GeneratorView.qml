@@ -22,6 +22,14 @@ ScrollingPage {
         apiManager: APIManager
         family: page.family
         initialCategory: page.navigation.screenArgument
+        history: HistoryService
+    }
+
+    // A run opened from the History screen.
+    Component.onCompleted: {
+        const run = page.navigation.takeConversation("generator")
+        if (run.length > 0)
+            generator.openRun(run)
     }
 
     Shortcut {

@@ -11,8 +11,16 @@ ScrollingPage {
 
     // The example whose text the copier holds, marked while it says so.
     property int copiedExample: -1
+    property ContentViewModel navigation
 
     signal openSettingsRequested
+
+    // A run opened from the History screen.
+    Component.onCompleted: {
+        const run = page.navigation ? page.navigation.takeConversation("imageStudio") : ""
+        if (run.length > 0)
+            studio.openRun(run)
+    }
 
     objectName: "imageGeneratorView"
     maxContentWidth: 900
@@ -21,6 +29,7 @@ ScrollingPage {
         id: studio
         objectName: "imageGeneratorViewModel"
         apiManager: APIManager
+        history: HistoryService
         onCopyRequested: text => {
             copier.text = text;
             copier.copy();

@@ -24,10 +24,20 @@ Item {
             color: Theme.cardBorderColor
         }
 
-        ScreenHost {
+        ColumnLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            navigation: main.navigation
+            spacing: 0
+
+            HistoryNoticeBar {
+                Layout.fillWidth: true
+            }
+
+            ScreenHost {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                navigation: main.navigation
+            }
         }
     }
 }

@@ -57,6 +57,11 @@ ChatPage {
         wrapMode: Text.Wrap
     }
 
+    RecentConversations {
+        Layout.fillWidth: true
+        chat: panel.chat
+    }
+
     PdfSummaryCard {
         Layout.fillWidth: true
         visible: panel.chat.hasSummary
@@ -71,6 +76,10 @@ ChatPage {
     }
 
     footer: [
+        LastTurnActions {
+            Layout.fillWidth: true
+            chat: panel.chat
+        },
         ErrorNotice {
             Layout.fillWidth: true
             labelName: "pdfChatError"

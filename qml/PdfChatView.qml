@@ -14,6 +14,8 @@ Item {
     // Below this width the two halves no longer fit beside each other.
     readonly property bool stacked: width < 720
 
+    property ContentViewModel navigation
+
     signal openSettingsRequested
 
     objectName: "pdfChatView"
@@ -22,6 +24,14 @@ Item {
         id: pdfChat
         objectName: "pdfChatViewModel"
         apiManager: APIManager
+        history: HistoryService
+    }
+
+    // A conversation opened from the History screen (its document opens with it).
+    Component.onCompleted: {
+        const conversation = page.navigation ? page.navigation.takeConversation("pdfChat") : ""
+        if (conversation.length > 0)
+            pdfChat.openConversation(conversation)
     }
 
     PdfDocument {

@@ -16,7 +16,11 @@ ColumnLayout {
 
     RowLayout {
         spacing: 12
+        // Beside the first line of the title: a title laid out while the screen was still
+        // narrow can keep a wrapped height for a moment, and a centred symbol would drift.
         SymbolIcon {
+            Layout.alignment: Qt.AlignTop
+            Layout.topMargin: 1
             visible: heading.symbol.length > 0
             symbol: heading.symbol
             size: 30

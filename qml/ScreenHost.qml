@@ -14,6 +14,7 @@ Loader {
         "agentDetail": agentDetailView,
         "toolNotImplemented": toolNotImplementedView,
         "settings": settingsView,
+        "history": historyView,
         "voiceNotes": voiceNotesView,
         "askMeAnything": askMeAnythingView,
         "pdfChat": pdfChatView,
@@ -68,18 +69,31 @@ Loader {
     }
 
     Component {
+        id: historyView
+        HistoryView {
+            navigation: (parent as ScreenHost).navigation
+        }
+    }
+
+    Component {
         id: imageStudioView
-        ImageGeneratorView {}
+        ImageGeneratorView {
+            navigation: (parent as ScreenHost).navigation
+        }
     }
 
     Component {
         id: askMeAnythingView
-        AskMeAnythingView {}
+        AskMeAnythingView {
+            navigation: (parent as ScreenHost).navigation
+        }
     }
 
     Component {
         id: pdfChatView
-        PdfChatView {}
+        PdfChatView {
+            navigation: (parent as ScreenHost).navigation
+        }
     }
 
     Component {
@@ -117,6 +131,7 @@ Loader {
     Component {
         id: debuggerView
         DevToolView {
+            navigation: (parent as ScreenHost).navigation
             tool: "debugger"
         }
     }
@@ -124,6 +139,7 @@ Loader {
     Component {
         id: sampleDataView
         DevToolView {
+            navigation: (parent as ScreenHost).navigation
             tool: "sampleData"
         }
     }

@@ -90,6 +90,9 @@ ScrollingPage {
         }
     }
 
+    // Takes effect at once, without Save.
+    HistorySettingsSection {}
+
     ProvidersSection {
         providers: settingsModel.providers
     }

@@ -1,6 +1,9 @@
 #include "app/contentviewmodel.h"
 
+#include "history/historytools.h"
 #include "tools/assistantcatalogue.h"
+
+#include <utility>
 
 namespace zentrik {
 
@@ -37,6 +40,40 @@ void ContentViewModel::showCategory(const QString &name)
 void ContentViewModel::showSettings()
 {
     select(NavigationItem::settings());
+}
+
+void ContentViewModel::showHistory()
+{
+    select(NavigationItem::history());
+}
+
+void ContentViewModel::openConversation(const QString &tool, const QString &id, const QString &assistant)
+{
+    m_pendingTool = tool;
+    m_pendingConversation = id;
+    if (tool == historytool::askMeAnything) {
+        showTool(standaloneTools().at(0));
+    } else if (tool == historytool::pdfChat) {
+        showTool(standaloneTools().at(1));
+    } else if (tool == historytool::imageStudio) {
+        showTool(standaloneTools().at(3));
+    } else if (tool == historytool::debugger || tool == historytool::sampleData) {
+        openAgent(historytool::displayName(tool));
+    } else if (tool == historytool::generator && !assistant.isEmpty()) {
+        openAgent(assistant);
+    } else {
+        m_pendingTool.clear();
+        m_pendingConversation.clear();
+    }
+}
+
+QString ContentViewModel::takeConversation(const QString &tool)
+{
+    if (tool != m_pendingTool) {
+        return {};
+    }
+    m_pendingTool.clear();
+    return std::exchange(m_pendingConversation, {});
 }
 
 void ContentViewModel::open(const QString &destination)

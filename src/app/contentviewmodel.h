@@ -40,6 +40,13 @@ public:
     Q_INVOKABLE void showTool(const QString &name);
     Q_INVOKABLE void showCategory(const QString &name);
     Q_INVOKABLE void showSettings();
+    Q_INVOKABLE void showHistory();
+    // Opens a stored conversation (or run) in its own tool: routes to the tool's screen, which
+    // takes the id with takeConversation() as it starts. `assistant` names a generator run's
+    // assistant, whose family's screen it opens in.
+    Q_INVOKABLE void openConversation(const QString &tool, const QString &id, const QString &assistant = {});
+    // The conversation waiting for this tool's screen, once; empty when there is none.
+    Q_INVOKABLE QString takeConversation(const QString &tool);
     // A dashboard shortcut's destination: a category of the catalogue when one has that
     // name, otherwise a standalone tool.
     Q_INVOKABLE void open(const QString &destination);
@@ -60,6 +67,8 @@ private:
     std::optional<NavigationItem> m_selectedItem;
     QString m_selectedAgent;
     ScreenRoute m_route;
+    QString m_pendingTool;
+    QString m_pendingConversation;
 };
 
 } // namespace zentrik

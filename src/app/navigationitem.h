@@ -9,7 +9,7 @@
 namespace zentrik {
 
 // What the sidebar has selected: the dashboard, a standalone tool (by its display name),
-// a category of the catalogue (by its name) or the settings.
+// a category of the catalogue (by its name), the conversation history or the settings.
 class NavigationItem
 {
     Q_GADGET
@@ -17,7 +17,7 @@ class NavigationItem
     Q_PROPERTY(QString name READ name CONSTANT FINAL)
 
 public:
-    enum class Kind { Home, Tool, Category, Settings };
+    enum class Kind { Home, Tool, Category, History, Settings };
     Q_ENUM(Kind)
 
     NavigationItem() = default;
@@ -25,6 +25,7 @@ public:
     [[nodiscard]] static NavigationItem home() { return {}; }
     [[nodiscard]] static NavigationItem tool(const QString &name) { return { Kind::Tool, name }; }
     [[nodiscard]] static NavigationItem category(const QString &name) { return { Kind::Category, name }; }
+    [[nodiscard]] static NavigationItem history() { return { Kind::History, {} }; }
     [[nodiscard]] static NavigationItem settings() { return { Kind::Settings, {} }; }
 
     [[nodiscard]] Kind kind() const { return m_kind; }

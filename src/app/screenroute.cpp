@@ -39,6 +39,8 @@ QString screenId(Screen screen)
         return QStringLiteral("codeDebugger");
     case Screen::SampleDataGenerator:
         return QStringLiteral("sampleDataGenerator");
+    case Screen::History:
+        return QStringLiteral("history");
     case Screen::Settings:
         return QStringLiteral("settings");
     }
@@ -110,6 +112,8 @@ ScreenRoute routeSelection(const std::optional<NavigationItem> &item, const QStr
     switch (kind) {
     case NavigationItem::Kind::Tool:
         return routeTool(item->name());
+    case NavigationItem::Kind::History:
+        return { Screen::History, {} };
     case NavigationItem::Kind::Settings:
         return { Screen::Settings, {} };
     case NavigationItem::Kind::Home:
@@ -137,6 +141,8 @@ QString screenTitle(const ScreenRoute &route)
         return QCoreApplication::translate("zentrik::ContentViewModel", "Zentrik Dashboard");
     case Screen::Settings:
         return QCoreApplication::translate("zentrik::ContentViewModel", "Settings");
+    case Screen::History:
+        return QCoreApplication::translate("zentrik::ContentViewModel", "History");
     case Screen::MarketingGenerator:
         return AssistantFamily::marketing().name();
     case Screen::SalesGenerator:

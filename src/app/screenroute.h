@@ -24,6 +24,7 @@ enum class Screen {
     HumanResourcesGenerator,
     CodeDebugger,
     SampleDataGenerator,
+    History,
     Settings,
 };
 

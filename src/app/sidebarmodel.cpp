@@ -30,6 +30,8 @@ SidebarModel::SidebarModel(QObject *parent)
     for (const QString &tool : standaloneTools()) {
         m_entries.append({ NavigationItem::tool(tool), tool, toolSymbol(tool), tr("Tools") });
     }
+    m_entries.append(
+        { NavigationItem::history(), tr("History"), QStringLiteral("clock.arrow.circlepath"), tr("Tools") });
     for (const Category &category : AssistantCatalogue::categories()) {
         m_entries.append({ NavigationItem::category(category.name), category.name, category.icon, tr("Categories") });
     }

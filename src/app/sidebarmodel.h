@@ -9,8 +9,8 @@
 
 namespace zentrik {
 
-// The sidebar's entries: Home, the standalone tools in order, the categories of the
-// catalogue in order, and Settings. Each row knows whether it is the current selection;
+// The sidebar's entries: Home, the standalone tools in order and History, the categories of
+// the catalogue in order, and Settings. Each row knows whether it is the current selection;
 // activating a row selects it in the navigation.
 class SidebarModel : public QAbstractListModel
 {

@@ -86,6 +86,11 @@ const QHash<QString, char32_t> &table()
         { QStringLiteral("play.fill"), 0xe037 }, // play_arrow
         { QStringLiteral("pause.fill"), 0xe034 }, // pause
         { QStringLiteral("waveform"), 0xe1b8 }, // graphic_eq
+        { QStringLiteral("clock.arrow.circlepath"), 0xe889 }, // history
+        { QStringLiteral("magnifyingglass"), 0xe8b6 }, // search
+        { QStringLiteral("plus.bubble"), 0xe266 }, // add_comment
+        { QStringLiteral("square.and.arrow.up"), 0xe2c6 }, // file_upload
+        { QStringLiteral("arrow.uturn.backward"), 0xe166 }, // undo
     };
     return glyphs;
 }

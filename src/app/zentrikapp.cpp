@@ -4,6 +4,7 @@
 #include "app/sidebarmodel.h"
 #include "app/theme.h"
 #include "buildconfig.h"
+#include "history/historyservice.h"
 #include "model/apimanager.h"
 #include "tools/assistantcatalogue.h"
 
@@ -12,6 +13,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QTimer>
@@ -93,10 +95,11 @@ bool ZentrikApp::load()
         qCCritical(lcApp) << "The main window could not be created";
         return false;
     }
-    // Asking the local ports waits for the first frame, so that it never delays it; the
-    // requests themselves go out without blocking. frameSwapped comes from the render thread.
-    connect(m_window, &QQuickWindow::frameSwapped, this, &ZentrikApp::detectLocalServers,
-        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    // Asking the local ports and opening the history wait for the first frame, so that they
+    // never delay it; neither blocks. frameSwapped comes from the render thread.
+    const auto once = static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection);
+    connect(m_window, &QQuickWindow::frameSwapped, this, &ZentrikApp::detectLocalServers, once);
+    connect(m_window, &QQuickWindow::frameSwapped, this, &ZentrikApp::startHistory, once);
     return true;
 }
 
@@ -108,6 +111,20 @@ void ZentrikApp::detectLocalServers()
     auto *manager = m_engine->singletonInstance<APIManager *>(qmlTypeId("Zentrik.Model", 1, 0, "APIManager"));
     if (manager != nullptr) {
         manager->localServers()->detect();
+    }
+}
+
+void ZentrikApp::startHistory()
+{
+    // The database is opened (and checked, and migrated) on the history's own thread; screens
+    // that asked for it earlier wait for it. It is opened now rather than at the first save,
+    // so that a file that had to be moved aside is reported at once.
+    const int type = qmlTypeId("Zentrik.History", 1, 0, "HistoryService");
+    if (auto *history = m_engine ? m_engine->singletonInstance<HistoryService *>(type) : nullptr) {
+        history->start();
+        history->refreshCount();
+    } else {
+        qCWarning(lcApp) << "The conversation history is not available to the window";
     }
 }
 

@@ -48,6 +48,7 @@ public:
     static int run(int argc, char **argv);
 
 private:
+    void startHistory();
     void tourScreens();
     void detectLocalServers();
 

@@ -63,7 +63,10 @@ QVariant HistoryListModel::data(const QModelIndex &index, int role) const
         const QDate today = QDate::currentDate();
         const QLocale locale;
         if (updated.date() == today) {
-            return locale.toString(updated.time(), QLocale::ShortFormat);
+            // Some locales' short format (the C locale's among them) still has the seconds.
+            QString format = locale.timeFormat(QLocale::ShortFormat);
+            format.remove(QStringLiteral(":ss"));
+            return locale.toString(updated.time(), format);
         }
         if (updated.date().daysTo(today) < 7) {
             return locale.dayName(updated.date().dayOfWeek(), QLocale::ShortFormat);
@@ -74,6 +77,8 @@ QVariant HistoryListModel::data(const QModelIndex &index, int role) const
         return sectionFor(updated, QDate::currentDate());
     case MessageCountRole:
         return conversation.messageCount;
+    case AssistantRole:
+        return conversation.generator ? conversation.generator->assistant : QString();
     default:
         return {};
     }
@@ -84,7 +89,7 @@ QHash<int, QByteArray> HistoryListModel::roleNames() const
     return { { IdRole, "conversationId" }, { NumberRole, "number" }, { ToolRole, "tool" }, { ToolNameRole, "toolName" },
         { SymbolRole, "symbol" }, { TitleRole, "title" }, { PreviewRole, "preview" }, { SnippetRole, "snippet" },
         { UpdatedRole, "updated" }, { TimeTextRole, "timeText" }, { SectionRole, "section" },
-        { MessageCountRole, "messageCount" } };
+        { MessageCountRole, "messageCount" }, { AssistantRole, "assistant" } };
 }
 
 void HistoryListModel::setHistory(HistoryService *history)

@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QPointer>
 #include <QTimer>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -17,7 +18,8 @@ namespace zentrik {
 class HistoryListModel : public QAbstractListModel
 {
     Q_OBJECT
-    Q_PROPERTY(HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
+    QML_ELEMENT
+    Q_PROPERTY(zentrik::HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
     // Only this tool's conversations; every tool's when empty.
     Q_PROPERTY(QString tool READ tool WRITE setTool NOTIFY toolChanged FINAL)
     // Ranked search results while not empty.
@@ -43,6 +45,7 @@ public:
         TimeTextRole, // "14:05", a weekday, or a date
         SectionRole, // "Today", "Yesterday", "Previous 7 days", "Older"
         MessageCountRole,
+        AssistantRole, // generator runs: the assistant's title, which names the screen to open
     };
     Q_ENUM(Role)
 

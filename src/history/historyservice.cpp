@@ -4,8 +4,11 @@
 #include "settings/preferences.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QSemaphore>
+#include <QStandardPaths>
 
 namespace zentrik {
 
@@ -285,6 +288,24 @@ void HistoryService::refreshCount()
             }
         });
     });
+}
+
+QUrl HistoryService::suggestedExportFile(const QString &title, const QString &format)
+{
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (folder.isEmpty() || !QDir(folder).exists()) {
+        folder = QDir::homePath();
+    }
+    // Letters, digits and single dashes: a name every file system and shell takes as it is.
+    static const QRegularExpression unsafe(QStringLiteral("[^\\w]+"), QRegularExpression::UseUnicodePropertiesOption);
+    QString name = title.left(60).toLower().replace(unsafe, QStringLiteral("-"));
+    name = name.mid(name.startsWith(QLatin1Char('-')) ? 1 : 0);
+    name.chop(name.endsWith(QLatin1Char('-')) ? 1 : 0);
+    if (name.isEmpty()) {
+        name = QStringLiteral("zentrik-history");
+    }
+    const QString suffix = format == QLatin1String("json") ? QStringLiteral(".json") : QStringLiteral(".md");
+    return QUrl::fromLocalFile(QDir(folder).absoluteFilePath(name + suffix));
 }
 
 } // namespace zentrik

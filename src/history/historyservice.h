@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QThread>
 #include <QUrl>
+#include <QtQmlIntegration>
 
 #include <functional>
 #include <memory>
@@ -24,9 +25,14 @@ class HistoryStore;
 //
 // It also holds the two conversation settings: whether history is kept at all, and whether
 // a send carries the earlier messages of its conversation.
+//
+// In the window it is the QML singleton HistoryService, made by the engine on first use
+// (which opens nothing) and deleted with it.
 class HistoryService : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
     Q_PROPERTY(bool keepHistory READ keepHistory WRITE setKeepHistory NOTIFY keepHistoryChanged FINAL)
     Q_PROPERTY(bool sendEarlierMessages READ sendEarlierMessages WRITE setSendEarlierMessages NOTIFY
             sendEarlierMessagesChanged FINAL)
@@ -93,6 +99,10 @@ public:
     Q_INVOKABLE void exportConversation(const QString &reference, const QString &format, const QUrl &file);
     Q_INVOKABLE void exportAll(const QString &format, const QUrl &file);
     Q_INVOKABLE void importFile(const QUrl &file);
+    // Where an export is offered to go: the documents folder (the home folder without one),
+    // under a name made from the title ("zentrik-history" for an empty one), with the
+    // format's suffix.
+    [[nodiscard]] Q_INVOKABLE static QUrl suggestedExportFile(const QString &title, const QString &format);
 
 Q_SIGNALS:
     void keepHistoryChanged();

@@ -7,6 +7,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QtQmlIntegration>
 
 namespace zentrik {
 
@@ -18,6 +19,8 @@ namespace zentrik {
 class ChatToolViewModel : public QObject
 {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("the base of the chat screens' view models")
     Q_PROPERTY(zentrik::APIManager *apiManager READ apiManager WRITE setApiManager NOTIFY apiManagerChanged FINAL)
     Q_PROPERTY(zentrik::ChatMessageListModel *messages READ messages CONSTANT FINAL)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged FINAL)
@@ -25,7 +28,7 @@ class ChatToolViewModel : public QObject
     Q_PROPERTY(bool errorOpensSettings READ errorOpensSettings NOTIFY errorMessageChanged FINAL)
     Q_PROPERTY(bool isProcessing READ isProcessing NOTIFY isProcessingChanged FINAL)
     // Where conversations are saved and opened from; none keeps nothing.
-    Q_PROPERTY(HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
+    Q_PROPERTY(zentrik::HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
     // The stored id of the conversation on screen; empty until its first message is saved.
     Q_PROPERTY(QString conversationId READ conversationId NOTIFY conversationChanged FINAL)
     Q_PROPERTY(bool isLoadingConversation READ isLoadingConversation NOTIFY isLoadingConversationChanged FINAL)
@@ -33,7 +36,7 @@ class ChatToolViewModel : public QObject
     Q_PROPERTY(bool canEditLastQuestion READ canEditLastQuestion NOTIFY turnStateChanged FINAL)
     Q_PROPERTY(bool isEditingLastQuestion READ isEditingLastQuestion NOTIFY turnStateChanged FINAL)
     // This tool's stored conversations, the newest first.
-    Q_PROPERTY(HistoryListModel *recentConversations READ recentConversations CONSTANT FINAL)
+    Q_PROPERTY(zentrik::HistoryListModel *recentConversations READ recentConversations CONSTANT FINAL)
 
 public:
     explicit ChatToolViewModel(QObject *parent = nullptr);

@@ -52,7 +52,7 @@ class GeneratorViewModel : public QObject
     Q_PROPERTY(zentrik::PiiAlertViewModel *piiAlertVM READ piiAlertVM CONSTANT FINAL)
     Q_PROPERTY(bool canGenerate READ canGenerate NOTIFY canGenerateChanged FINAL)
     // Where each run is saved (assistant, fields, prompt and reply); none keeps nothing.
-    Q_PROPERTY(HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
+    Q_PROPERTY(zentrik::HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
     // The stored id of the run on screen; empty when it is not saved.
     Q_PROPERTY(QString runId READ runId NOTIFY runIdChanged FINAL)
 

@@ -48,7 +48,7 @@ class ImageGeneratorViewModel : public QObject
     // Where the save dialog proposes to write: the suggested name in the user's pictures folder.
     Q_PROPERTY(QUrl suggestedFileUrl READ suggestedFileUrl CONSTANT FINAL)
     // Where each picture is saved with its prompt and model; none keeps nothing.
-    Q_PROPERTY(HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
+    Q_PROPERTY(zentrik::HistoryService *history READ history WRITE setHistory NOTIFY historyChanged FINAL)
 
 public:
     enum class ImageSize { small, medium, large };

@@ -37,6 +37,7 @@ private Q_SLOTS:
         row("category", OptionalItem(NavigationItem::category("Human Resources")), QString(), "categoryGrid",
             "Human Resources");
         row("settings", OptionalItem(NavigationItem::settings()), QString(), "settings", QString());
+        row("history", OptionalItem(NavigationItem::history()), QString(), "history", QString());
 
         // A card picked from the dashboard or a grid opens the tool that serves its title.
         row("card with nothing selected", OptionalItem(), "Persuasive Sales Copy", "salesGenerator",
@@ -59,6 +60,41 @@ private Q_SLOTS:
         const ScreenRoute route = routeSelection(item, agent);
         QCOMPARE(screenId(route.screen), screen);
         QCOMPARE(route.argument, argument);
+    }
+
+    // A stored conversation opens on its tool's screen, which takes it once; another tool's
+    // screen never gets it.
+    void conversationsOpenInTheirTool_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::addColumn<QString>("assistant");
+        QTest::addColumn<QString>("screen");
+        QTest::newRow("ask") << "askMeAnything" << QString() << "askMeAnything";
+        QTest::newRow("pdf") << "pdfChat" << QString() << "pdfChat";
+        QTest::newRow("debugger") << "debugger" << QString() << "codeDebugger";
+        QTest::newRow("sample data") << "sampleData" << QString() << "sampleDataGenerator";
+        QTest::newRow("image") << "imageStudio" << QString() << "imageStudio";
+        QTest::newRow("generator") << "generator"
+                                   << "Job Description Generator"
+                                   << "humanResourcesGenerator";
+        QTest::newRow("unknown") << "timeMachine" << QString() << "history";
+    }
+
+    void conversationsOpenInTheirTool()
+    {
+        QFETCH(QString, tool);
+        QFETCH(QString, assistant);
+        QFETCH(QString, screen);
+        ContentViewModel navigation;
+        navigation.showHistory();
+        navigation.openConversation(tool, QStringLiteral("c-1"), assistant);
+        QCOMPARE(navigation.screen(), screen);
+        QCOMPARE(navigation.takeConversation(QStringLiteral("askMeAnything") == tool ? QStringLiteral("pdfChat")
+                                                                                     : QStringLiteral("askMeAnything")),
+            QString());
+        const QString expected = screen == QLatin1String("history") ? QString() : QStringLiteral("c-1");
+        QCOMPARE(navigation.takeConversation(tool), expected);
+        QCOMPARE(navigation.takeConversation(tool), QString());
     }
 
     void sidebarFollowsTheSelection()
@@ -86,7 +122,7 @@ private Q_SLOTS:
         QVERIFY(changed.constLast().at(2).value<QList<int>>().contains(SidebarModel::SelectedRole));
 
         navigation.showSettings();
-        QCOMPARE(selectedRows(), QList<int> { 10 });
+        QCOMPARE(selectedRows(), QList<int> { sidebar.rowCount() - 1 });
         navigation.showTool(QStringLiteral("Not in the sidebar"));
         QCOMPARE(selectedRows(), QList<int> {});
 
