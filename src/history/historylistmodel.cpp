@@ -166,7 +166,7 @@ void HistoryListModel::refresh()
             for (const ConversationRecord &conversation : conversations) {
                 rows.append({ conversation, {} });
             }
-            apply(std::move(rows));
+            apply(rows);
             setLoading(false);
         });
         return;
@@ -179,12 +179,12 @@ void HistoryListModel::refresh()
         for (const SearchHit &hit : hits) {
             rows.append({ hit.conversation, hit.snippet });
         }
-        apply(std::move(rows));
+        apply(rows);
         setLoading(false);
     });
 }
 
-void HistoryListModel::apply(QList<Row> rows)
+void HistoryListModel::apply(const QList<Row> &rows)
 {
     const int before = count();
     for (int i = 0; i < rows.size(); ++i) {
@@ -247,7 +247,7 @@ int HistoryListModel::indexOf(const QString &id) const
 void HistoryListModel::rename(const QString &id, const QString &title)
 {
     const int row = indexOf(id);
-    if (row < 0 || !m_history || title.simplified().isEmpty()) {
+    if (row < 0 || m_history == nullptr || title.simplified().isEmpty()) {
         return;
     }
     m_rows[row].conversation.title = title.simplified();

@@ -101,7 +101,7 @@ private:
         QString snippet;
     };
     void scheduleRefresh();
-    void apply(QList<Row> rows);
+    void apply(const QList<Row> &rows);
     void setLoading(bool loading);
     void clearUndo();
 

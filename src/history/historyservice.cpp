@@ -16,9 +16,9 @@ HistoryService::HistoryService(QObject *parent)
     : HistoryService(HistoryStore::defaultPath(), parent)
 { }
 
-HistoryService::HistoryService(const QString &databasePath, QObject *parent)
+HistoryService::HistoryService(QString databasePath, QObject *parent)
     : QObject(parent)
-    , m_path(databasePath)
+    , m_path(std::move(databasePath))
     , m_worker(new QObject)
 {
     m_thread.setObjectName(QStringLiteral("history"));
@@ -156,7 +156,7 @@ void HistoryService::saveMessage(const ConversationRecord &conversation, const S
         return;
     }
     post([this, conversation, message](HistoryStore *store) {
-        const bool saved = store && store->saveMessage(conversation, message);
+        const bool saved = store != nullptr && store->saveMessage(conversation, message);
         reply({}, [this, saved, error = store ? store->error() : QString()] {
             if (!saved && !error.isEmpty()) {
                 setNotice(tr("A message could not be saved in the history: %1").arg(error));
@@ -204,7 +204,7 @@ void HistoryService::removeMessages(const QString &conversationUid, const QStrin
 void HistoryService::rename(const QString &reference, const QString &title)
 {
     post([this, reference, title](HistoryStore *store) {
-        const bool renamed = store && store->rename(reference, title);
+        const bool renamed = store != nullptr && store->rename(reference, title);
         reply({}, [this, renamed] {
             if (renamed) {
                 Q_EMIT changed();
@@ -260,7 +260,7 @@ void HistoryService::restore(
     const QList<ConversationRecord> &conversations, QObject *context, RestoreCompletion completion)
 {
     post([this, conversations, to = receiver(context), completion = std::move(completion)](HistoryStore *store) {
-        const bool restored = store && store->import(conversations, true).has_value();
+        const bool restored = store != nullptr && store->import(conversations, true).has_value();
         reply(to, [this, completion, restored] {
             Q_EMIT changed();
             completion(restored);

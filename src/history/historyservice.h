@@ -46,7 +46,7 @@ class HistoryService : public QObject
 public:
     explicit HistoryService(QObject *parent = nullptr);
     // A database elsewhere than the data directory (tests, benchmarks).
-    explicit HistoryService(const QString &databasePath, QObject *parent = nullptr);
+    explicit HistoryService(QString databasePath, QObject *parent = nullptr);
     ~HistoryService() override;
 
     static constexpr const char *keepHistoryPreference = "keepConversationHistory";
